@@ -62,7 +62,10 @@ inline std::uint32_t pp24(Bytes data, std::size_t offset)
            data[offset + 2];
 }
 
-inline std::uint8_t pp24Tag(Bytes data, std::size_t offset) { return u8(data, offset + 1); }
+inline std::uint8_t pp24Tag(Bytes data, std::size_t offset)
+{
+    return u8(data, offset + 1);
+}
 
 // Variable-record pointer: bytes hi, lo, mid, fragment.
 struct VariablePointer {

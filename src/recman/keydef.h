@@ -57,8 +57,8 @@ struct CollatingSequence {
 };
 
 struct KeySegment {
-    int key = 0;          // key number
-    int segment = 0;      // segment number within the key
+    int key = 0;     // key number
+    int segment = 0; // segment number within the key
     std::uint16_t flags = 0;
     std::uint8_t rawType = 0; // extended type byte as stored (meaningful with keyflag::Extended)
     std::uint32_t offset = 0; // 0-based offset in the user record

@@ -1,0 +1,336 @@
+#include "file.h"
+
+#include "keyorder.h"
+#include "openfile.h"
+#include "recordscan.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace recman {
+
+namespace {
+
+const FileInfo emptyInfo;
+
+enum Operation { Equal, Greater, GreaterOrEqual, Less, LessOrEqual };
+
+FileInfo describe(const FileHeader &header, const ScanResult &scan)
+{
+    FileInfo info;
+    info.format = header.formatName();
+    info.versionWord = header.versionWord;
+    info.pageSize = header.pageSize;
+    info.recordLength = header.recordLength;
+    info.physicalRecordLength = header.physicalLength;
+    info.recordCount = static_cast<std::uint32_t>(scan.records.size());
+    info.variable = header.variable;
+    info.compressed = header.compressed;
+    info.ownerProtected = header.ownerProtected;
+    info.createdByEngine = header.createdByEngine;
+    info.fileFlags = header.fileFlags;
+    info.keys = header.keys;
+    info.warnings = scan.warnings;
+    return info;
+}
+
+} // namespace
+
+File::File() = default;
+File::~File() = default;
+File::File(File &&) noexcept = default;
+File &File::operator=(File &&) noexcept = default;
+
+Status File::fail(Status status, std::string message) const
+{
+    message_ = std::move(message);
+    return status;
+}
+
+Status File::open(const std::filesystem::path &path, OpenMode mode)
+{
+    close();
+    if (path.empty())
+        return fail(Status::InvalidFileName, "no file name given");
+    auto impl = std::make_unique<Impl>();
+    impl->mode = mode;
+    std::error_code error;
+    if (!std::filesystem::exists(path, error))
+        return fail(Status::FileNotFound, "file not found: " + path.string());
+    const auto reason =
+        impl->handle.open(path, mode == OpenMode::ReadOnly ? FileHandle::Mode::Read : FileHandle::Mode::ReadWrite);
+    if (!reason.empty())
+        return fail(mode == OpenMode::ReadOnly ? Status::IoError : Status::AccessDenied,
+                    "cannot open " + path.string() + ": " + reason);
+    if (mode == OpenMode::ReadWrite && !impl->handle.tryLockExclusive())
+        return fail(Status::FileInUse, path.string() + " is open for writing by another process");
+    try {
+        impl->header = readHeader(impl->handle);
+        impl->pages = std::make_unique<PageMap>(impl->handle, impl->header);
+        auto scan = scanRecords(impl->header, *impl->pages);
+        impl->info = describe(impl->header, scan);
+        impl->records = std::move(scan.records);
+        impl->unusedSlots = std::move(scan.unusedSlots);
+        // Key definitions live in info so that indexes can point at them for good.
+        impl->indexes.reserve(impl->info.keys.size());
+        for (const auto &key : impl->info.keys)
+            impl->indexes.emplace_back(key, impl->records);
+    } catch (const FormatError &error) {
+        return fail(Status::NotARecordManagerFile, path.string() + ": " + error.what());
+    } catch (const std::bad_alloc &) {
+        return fail(Status::IoError, path.string() + ": not enough memory to load the file");
+    }
+    impl_ = std::move(impl);
+    message_.clear();
+    return Status::Success;
+}
+
+void File::close()
+{
+    impl_.reset();
+}
+
+bool File::isOpen() const
+{
+    return impl_ != nullptr;
+}
+
+const FileInfo &File::info() const
+{
+    return impl_ ? impl_->info : emptyInfo;
+}
+
+std::size_t File::keyCount() const
+{
+    return impl_ ? impl_->indexes.size() : 0;
+}
+
+std::vector<std::uint8_t> File::keyValueOf(int key, Bytes record) const
+{
+    std::vector<std::uint8_t> value;
+    if (!impl_ || key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
+        return value;
+    const auto &definition = impl_->indexes[static_cast<std::size_t>(key)].key();
+    if (recordCoversKey(definition, record.size()))
+        appendKeyValue(definition, record, value);
+    return value;
+}
+
+Status File::positionAt(int key, std::size_t position)
+{
+    auto &index = impl_->indexes[static_cast<std::size_t>(key)];
+    if (position >= index.size())
+        return fail(Status::EndOfFile, "no record in that direction on key " + std::to_string(key));
+    const auto ordinal = index.ordinalAt(position);
+    impl_->current = ordinal;
+    impl_->keyPath = key;
+    impl_->keyImage = index.imageOfRecord(ordinal);
+    return Status::Success;
+}
+
+Status File::keyed(int key, Bytes keyValue, int operation)
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
+        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist; the file has " +
+                                                  std::to_string(impl_->indexes.size()) + " keys");
+    auto &index = impl_->indexes[static_cast<std::size_t>(key)];
+    if (keyValue.size() < index.key().length())
+        return fail(Status::InvalidKeyLength, "key value of " + std::to_string(keyValue.size()) +
+                                                  " bytes is shorter than key " + std::to_string(key) + " (" +
+                                                  std::to_string(index.key().length()) + " bytes)");
+    const auto image = index.imageOfValue(keyValue.first(index.key().length()));
+    switch (operation) {
+    case Equal: {
+        const auto position = index.lowerBound(image);
+        if (!index.imageAtEquals(position, image))
+            return fail(Status::KeyNotFound, "no record with that value of key " + std::to_string(key));
+        return positionAt(key, position);
+    }
+    case Greater:
+        return positionAt(key, index.upperBound(image));
+    case GreaterOrEqual:
+        return positionAt(key, index.lowerBound(image));
+    case Less: {
+        const auto position = index.lowerBound(image);
+        return positionAt(key, position == 0 ? index.size() : position - 1);
+    }
+    default: {
+        const auto position = index.upperBound(image);
+        return positionAt(key, position == 0 ? index.size() : position - 1);
+    }
+    }
+}
+
+Status File::getEqual(int key, Bytes keyValue)
+{
+    return keyed(key, keyValue, Equal);
+}
+Status File::getGreater(int key, Bytes keyValue)
+{
+    return keyed(key, keyValue, Greater);
+}
+Status File::getGreaterOrEqual(int key, Bytes keyValue)
+{
+    return keyed(key, keyValue, GreaterOrEqual);
+}
+Status File::getLess(int key, Bytes keyValue)
+{
+    return keyed(key, keyValue, Less);
+}
+Status File::getLessOrEqual(int key, Bytes keyValue)
+{
+    return keyed(key, keyValue, LessOrEqual);
+}
+
+Status File::getFirst(int key)
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
+        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist");
+    return positionAt(key, 0);
+}
+
+Status File::getLast(int key)
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
+        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist");
+    const auto size = impl_->indexes[static_cast<std::size_t>(key)].size();
+    return positionAt(key, size == 0 ? 0 : size - 1);
+}
+
+Status File::getNext(int key)
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
+        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist");
+    if (!impl_->current || impl_->keyPath < 0)
+        return fail(Status::InvalidPositioning, "no current record on a key; use a get operation first");
+    if (impl_->keyPath != key)
+        return fail(Status::DifferentKeyNumber,
+                    "positioned on key " + std::to_string(impl_->keyPath) + ", not " + std::to_string(key));
+    auto &index = impl_->indexes[static_cast<std::size_t>(key)];
+    auto position = index.lowerBound(impl_->keyImage, *impl_->current);
+    if (position < index.size() && index.ordinalAt(position) == *impl_->current)
+        ++position;
+    return positionAt(key, position);
+}
+
+Status File::getPrevious(int key)
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
+        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist");
+    if (!impl_->current || impl_->keyPath < 0)
+        return fail(Status::InvalidPositioning, "no current record on a key; use a get operation first");
+    if (impl_->keyPath != key)
+        return fail(Status::DifferentKeyNumber,
+                    "positioned on key " + std::to_string(impl_->keyPath) + ", not " + std::to_string(key));
+    auto &index = impl_->indexes[static_cast<std::size_t>(key)];
+    const auto position = index.lowerBound(impl_->keyImage, *impl_->current);
+    return positionAt(key, position == 0 ? index.size() : position - 1);
+}
+
+namespace {
+
+// Next live ordinal from `start` in direction `step` (+1/-1), or nullopt.
+std::optional<std::uint32_t> liveFrom(const RecordStore &records, std::int64_t start, int step)
+{
+    for (std::int64_t at = start; at >= 0 && at < static_cast<std::int64_t>(records.size()); at += step)
+        if (records.live(static_cast<std::size_t>(at)))
+            return static_cast<std::uint32_t>(at);
+    return std::nullopt;
+}
+
+} // namespace
+
+#define RECMAN_STEP(name, startExpression, direction)                                                                  \
+    Status File::name()                                                                                                \
+    {                                                                                                                  \
+        if (!impl_)                                                                                                    \
+            return fail(Status::FileNotOpen, "file not open");                                                         \
+        const auto found = liveFrom(impl_->records, startExpression, direction);                                       \
+        if (!found)                                                                                                    \
+            return fail(Status::EndOfFile, "no record in that direction");                                             \
+        impl_->current = *found;                                                                                       \
+        impl_->keyPath = -1;                                                                                           \
+        return Status::Success;                                                                                        \
+    }
+
+RECMAN_STEP(stepFirst, 0, +1)
+RECMAN_STEP(stepLast, static_cast<std::int64_t>(impl_->records.size()) - 1, -1)
+RECMAN_STEP(stepNext, impl_->current ? std::int64_t{*impl_->current} + 1 : -1, +1)
+RECMAN_STEP(stepPrevious, impl_->current ? std::int64_t{*impl_->current} - 1 : -1, -1)
+#undef RECMAN_STEP
+
+Bytes File::record() const
+{
+    if (!impl_ || !impl_->current || !impl_->records.live(*impl_->current))
+        return {};
+    return impl_->records.record(*impl_->current);
+}
+
+Status File::readRecord(MutableBytes buffer, std::size_t &length) const
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (!impl_->current || !impl_->records.live(*impl_->current))
+        return fail(Status::InvalidPositioning, "no current record");
+    const auto bytesOfRecord = record();
+    length = bytesOfRecord.size();
+    const auto copied = std::min(buffer.size(), bytesOfRecord.size());
+    std::memcpy(buffer.data(), bytesOfRecord.data(), copied);
+    if (copied < bytesOfRecord.size())
+        return fail(Status::DataBufferTooShort, "record of " + std::to_string(bytesOfRecord.size()) +
+                                                    " bytes does not fit a buffer of " + std::to_string(buffer.size()));
+    return Status::Success;
+}
+
+Status File::position(std::uint32_t &address) const
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (!impl_->current || !impl_->records.live(*impl_->current))
+        return fail(Status::InvalidPositioning, "no current record");
+    address = impl_->records.address(*impl_->current);
+    return Status::Success;
+}
+
+Status File::update(Bytes record)
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (!impl_->current || !impl_->records.live(*impl_->current))
+        return fail(Status::InvalidPositioning, "no current record to update");
+    return fail(updateRecord(*impl_, *impl_->current, record, message_), message_);
+}
+
+Status File::insert(Bytes record)
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    std::uint32_t ordinal = 0;
+    const auto status = insertRecord(*impl_, record, ordinal, message_);
+    if (status == Status::Success) {
+        impl_->current = ordinal;
+        impl_->keyPath = -1;
+    }
+    return fail(status, message_);
+}
+
+Status File::erase()
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    if (!impl_->current || !impl_->records.live(*impl_->current))
+        return fail(Status::InvalidPositioning, "no current record to delete");
+    return fail(deleteRecord(*impl_, *impl_->current, message_), message_);
+}
+
+} // namespace recman

@@ -1,0 +1,108 @@
+// recman::File — one open record-manager data file.
+//
+//   recman::File file;
+//   if (file.open(path) != recman::Status::Success) report(file.lastMessage());
+//   for (auto s = file.getFirst(0); s == recman::Status::Success; s = file.getNext(0))
+//       use(file.record());
+//
+// Keyed operations take a key number and, where they search, a key value:
+// the key's segments' bytes concatenated (KeyDefinition::length() bytes; longer
+// buffers are fine, the rest is ignored). keyValueOf() builds one from a record.
+// Step operations walk the records in physical order. Every operation returns
+// a Status; on failure lastMessage() says what happened. The current record
+// stays in place when an operation fails.
+//
+// Writes (open with OpenMode::ReadWrite):
+//  - update() rewrites the current record in place. In files of the record
+//    manager only fixed-length, uncompressed records whose key bytes stay the
+//    same can be updated; in files this engine created, anything goes.
+//  - insert() and erase() work only in files this engine created.
+// Each write reaches the disk (fsync) before the call returns.
+#pragma once
+
+#include "bytes.h"
+#include "keydef.h"
+#include "status.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace recman {
+
+enum class OpenMode { ReadOnly, ReadWrite };
+
+struct FileInfo {
+    std::string format;            // "5.x" or "6.x"
+    std::uint16_t versionWord = 0; // 5.x: major version; 6.x: e.g. 0x0600, 0x0610
+    std::uint32_t pageSize = 0;
+    std::uint32_t recordLength = 0; // fixed part
+    std::uint32_t physicalRecordLength = 0;
+    std::uint32_t recordCount = 0; // live records
+    bool variable = false;
+    bool compressed = false;
+    bool ownerProtected = false;
+    bool createdByEngine = false;
+    std::uint16_t fileFlags = 0;
+    std::vector<KeyDefinition> keys;
+    std::vector<std::string> warnings; // oddities found while reading (e.g. count mismatch)
+};
+
+class File {
+public:
+    File();
+    ~File();
+    File(File &&) noexcept;
+    File &operator=(File &&) noexcept;
+
+    Status open(const std::filesystem::path &path, OpenMode mode = OpenMode::ReadOnly);
+    void close();
+    bool isOpen() const;
+    const std::string &lastMessage() const { return message_; }
+    // Facts about the open file (empty when closed).
+    const FileInfo &info() const;
+    std::size_t keyCount() const;
+
+    Status getEqual(int key, Bytes keyValue);
+    Status getGreater(int key, Bytes keyValue);
+    Status getGreaterOrEqual(int key, Bytes keyValue);
+    Status getLess(int key, Bytes keyValue);
+    Status getLessOrEqual(int key, Bytes keyValue);
+    Status getFirst(int key);
+    Status getLast(int key);
+    Status getNext(int key);
+    Status getPrevious(int key);
+
+    Status stepFirst();
+    Status stepLast();
+    Status stepNext();
+    Status stepPrevious();
+
+    // Bytes of the current record (empty when there is none).
+    Bytes record() const;
+    // Copies the current record into buffer; DataBufferTooShort if it does not fit
+    // (the part that fits is copied, length says the full size).
+    Status readRecord(MutableBytes buffer, std::size_t &length) const;
+    // Record address of the current record (as the record manager's Get Position).
+    Status position(std::uint32_t &address) const;
+    // Key value of a record for a key (segments concatenated).
+    std::vector<std::uint8_t> keyValueOf(int key, Bytes record) const;
+
+    Status update(Bytes record);
+    Status insert(Bytes record);
+    Status erase();
+
+    struct Impl;
+
+private:
+    Status fail(Status status, std::string message) const;
+    Status keyed(int key, Bytes keyValue, int operation);
+    Status positionAt(int key, std::size_t position);
+
+    std::unique_ptr<Impl> impl_;
+    mutable std::string message_;
+};
+
+} // namespace recman

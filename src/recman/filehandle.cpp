@@ -1,0 +1,118 @@
+#include "filehandle.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace recman {
+
+FileHandle::~FileHandle()
+{
+    close();
+}
+
+FileHandle::FileHandle(FileHandle &&other) noexcept : fd_(other.fd_)
+{
+    other.fd_ = -1;
+}
+
+FileHandle &FileHandle::operator=(FileHandle &&other) noexcept
+{
+    if (this != &other) {
+        close();
+        fd_ = other.fd_;
+        other.fd_ = -1;
+    }
+    return *this;
+}
+
+std::string FileHandle::open(const std::filesystem::path &path, Mode mode)
+{
+    close();
+    int flags = O_CLOEXEC;
+    if (mode == Mode::Read)
+        flags |= O_RDONLY;
+    else if (mode == Mode::ReadWrite)
+        flags |= O_RDWR;
+    else
+        flags |= O_RDWR | O_CREAT | O_EXCL;
+    do {
+        fd_ = ::open(path.c_str(), flags, 0644);
+    } while (fd_ < 0 && errno == EINTR);
+    if (fd_ < 0)
+        return std::strerror(errno);
+    struct stat info {};
+    if (::fstat(fd_, &info) != 0 || !S_ISREG(info.st_mode)) {
+        close();
+        return "not a regular file";
+    }
+    return {};
+}
+
+void FileHandle::close()
+{
+    if (fd_ >= 0)
+        ::close(fd_);
+    fd_ = -1;
+}
+
+std::uint64_t FileHandle::size() const
+{
+    struct stat info {};
+    if (fd_ < 0 || ::fstat(fd_, &info) != 0)
+        return 0;
+    return static_cast<std::uint64_t>(info.st_size);
+}
+
+bool FileHandle::readAt(std::uint64_t offset, std::span<std::uint8_t> buffer) const
+{
+    std::size_t done = 0;
+    while (done < buffer.size()) {
+        const auto got = ::pread(fd_, buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return false;
+        done += static_cast<std::size_t>(got);
+    }
+    return true;
+}
+
+bool FileHandle::writeAt(std::uint64_t offset, std::span<const std::uint8_t> data)
+{
+    std::size_t done = 0;
+    while (done < data.size()) {
+        const auto put = ::pwrite(fd_, data.data() + done, data.size() - done, static_cast<off_t>(offset + done));
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put <= 0)
+            return false;
+        done += static_cast<std::size_t>(put);
+    }
+    return true;
+}
+
+bool FileHandle::sync()
+{
+    return fd_ >= 0 && ::fsync(fd_) == 0;
+}
+
+bool FileHandle::tryLockExclusive()
+{
+    return fd_ >= 0 && ::flock(fd_, LOCK_EX | LOCK_NB) == 0;
+}
+
+bool syncDirectory(const std::filesystem::path &directory)
+{
+    const int fd = ::open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool ok = ::fsync(fd) == 0;
+    ::close(fd);
+    return ok;
+}
+
+} // namespace recman

@@ -1,0 +1,42 @@
+// Owns one operating-system file descriptor; positioned reads and writes so
+// that no shared file offset exists to get out of step.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+
+namespace recman {
+
+class FileHandle {
+public:
+    FileHandle() = default;
+    ~FileHandle();
+    FileHandle(FileHandle &&other) noexcept;
+    FileHandle &operator=(FileHandle &&other) noexcept;
+    FileHandle(const FileHandle &) = delete;
+    FileHandle &operator=(const FileHandle &) = delete;
+
+    enum class Mode { Read, ReadWrite, CreateNew };
+    // Returns an empty string on success, else the system's reason.
+    std::string open(const std::filesystem::path &path, Mode mode);
+    void close();
+    bool isOpen() const { return fd_ >= 0; }
+
+    std::uint64_t size() const;
+    // Reads exactly buffer.size() bytes at offset; false on a short read or error.
+    bool readAt(std::uint64_t offset, std::span<std::uint8_t> buffer) const;
+    bool writeAt(std::uint64_t offset, std::span<const std::uint8_t> data);
+    bool sync();
+    // Exclusive advisory lock so that two of our own processes never write at once.
+    bool tryLockExclusive();
+
+private:
+    int fd_ = -1;
+};
+
+// Makes a rename or create durable by syncing the directory that holds it.
+bool syncDirectory(const std::filesystem::path &directory);
+
+} // namespace recman

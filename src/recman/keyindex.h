@@ -1,0 +1,48 @@
+// In-memory index of one key: record ordinals ordered by (sort image of the
+// key value, ordinal). Ordinals grow in physical order and with every insert,
+// so duplicates keep their insertion order.
+#pragma once
+
+#include "keydef.h"
+#include "recordstore.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace recman {
+
+class KeyIndex {
+public:
+    KeyIndex(const KeyDefinition &key, const RecordStore &records);
+
+    const KeyDefinition &key() const { return *key_; }
+    std::size_t size() const { return order_.size(); }
+    std::uint32_t ordinalAt(std::size_t position) const { return order_[position]; }
+
+    // Sort image of a key value (KeyDefinition::length() bytes) or of a record's key.
+    std::vector<std::uint8_t> imageOfValue(Bytes keyValue) const;
+    std::vector<std::uint8_t> imageOfRecord(std::uint32_t ordinal) const;
+
+    // First position whose key is >= image (or > image for upperBound).
+    std::size_t lowerBound(const std::vector<std::uint8_t> &image) const;
+    std::size_t upperBound(const std::vector<std::uint8_t> &image) const;
+    // First position at or after (image, ordinal) in index order.
+    std::size_t lowerBound(const std::vector<std::uint8_t> &image, std::uint32_t ordinal) const;
+    bool imageAtEquals(std::size_t position, const std::vector<std::uint8_t> &image) const;
+
+    // False when the record is left out of this key (null key value).
+    bool indexes(std::uint32_t ordinal) const;
+    void insert(std::uint32_t ordinal);
+    void erase(std::uint32_t ordinal, const std::vector<std::uint8_t> &image);
+
+private:
+    int compareAt(std::size_t position, const std::vector<std::uint8_t> &image) const;
+
+    const KeyDefinition *key_;
+    const RecordStore *records_;
+    std::vector<std::uint32_t> order_;
+    mutable std::vector<std::uint8_t> scratch_;
+    mutable std::vector<std::uint8_t> valueScratch_;
+};
+
+} // namespace recman

@@ -1,0 +1,40 @@
+// State of an open File, shared by the navigation and the write code.
+#pragma once
+
+#include "file.h"
+#include "filehandle.h"
+#include "header.h"
+#include "keyindex.h"
+#include "pagemap.h"
+#include "recordstore.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace recman {
+
+struct File::Impl {
+    FileHandle handle;
+    OpenMode mode = OpenMode::ReadOnly;
+    FileHeader header;
+    std::unique_ptr<PageMap> pages;
+    RecordStore records;
+    std::vector<KeyIndex> indexes;
+    std::vector<std::uint32_t> unusedSlots;
+    FileInfo info;
+
+    // Currency: the current record and, after a keyed operation, the key it was
+    // reached by and that key's sort image at the time (so next/previous still
+    // work after the record was deleted or changed).
+    std::optional<std::uint32_t> current;
+    int keyPath = -1;
+    std::vector<std::uint8_t> keyImage;
+};
+
+// Writes; each returns Success or a status and sets message.
+Status updateRecord(File::Impl &file, std::uint32_t ordinal, Bytes record, std::string &message);
+Status insertRecord(File::Impl &file, Bytes record, std::uint32_t &ordinal, std::string &message);
+Status deleteRecord(File::Impl &file, std::uint32_t ordinal, std::string &message);
+
+} // namespace recman

@@ -1,0 +1,200 @@
+#include "recordscan.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace recman {
+
+namespace {
+
+// A record address names a page and an offset in it (physical page in 5.x,
+// logical page in 6.x).
+struct SlotAddress {
+    std::uint32_t page;
+    std::uint32_t offset;
+};
+
+SlotAddress splitAddress(const FileHeader &header, std::uint32_t address)
+{
+    return {address / header.pageSize, address % header.pageSize};
+}
+
+bool isDataPage(const FileHeader &header, const PageMap &pages, std::uint32_t page, std::vector<std::uint8_t> &buffer)
+{
+    if (header.format == Format::V6) {
+        if (pages.typeOf(page) != pagetype::Data)
+            return false;
+        pages.read(page, pagetype::Data, buffer);
+        return true;
+    }
+    pages.read(page, 0, buffer);
+    const auto usage = bytes::u16(buffer, 4);
+    // Bit 15 marks data pages; a bare 0x8000 is allocated but never used.
+    return (usage & 0x8000) != 0 && usage != 0x8000;
+}
+
+std::unordered_set<std::uint32_t> freeSlots(const FileHeader &header, const PageMap &pages,
+                                            std::vector<std::string> &warnings)
+{
+    std::unordered_set<std::uint32_t> free;
+    const std::uint64_t maxSlots = std::uint64_t{pages.logicalPageEnd()} * slotsPerPage(header);
+    std::vector<std::uint8_t> page;
+    for (std::uint32_t address = header.freeHead; address != 0xFFFFFFFFu;) {
+        const auto where = splitAddress(header, address);
+        if (free.size() > maxSlots || free.count(address) != 0) {
+            warnings.push_back("free-slot chain loops; stopped following it");
+            break;
+        }
+        if (where.page == 0 || where.page >= pages.logicalPageEnd() || where.offset < 6 ||
+            (where.offset - 6) % header.physicalLength != 0 || where.offset + header.physicalLength > header.pageSize) {
+            warnings.push_back("free-slot chain points at an impossible address; stopped following it");
+            break;
+        }
+        free.insert(address);
+        pages.read(where.page, header.format == Format::V6 ? pagetype::Data : 0, page);
+        address = bytes::ws32(page, where.offset);
+    }
+    return free;
+}
+
+// Follows a chain of variable-page fragments and appends their bytes.
+class TailReader {
+public:
+    TailReader(const FileHeader &header, const PageMap &pages) : header_(header), pages_(pages) {}
+
+    void append(bytes::VariablePointer pointer, std::vector<std::uint8_t> &out)
+    {
+        // Each hop consumes at least one fragment of one page, so the page and
+        // fragment counts of the file bound the loop.
+        const std::uint64_t maxHops = std::uint64_t{pages_.logicalPageEnd()} * (header_.pageSize / 2);
+        const std::uint64_t maxBytes = std::uint64_t{pages_.logicalPageEnd()} * header_.pageSize;
+        for (std::uint64_t hop = 0; !pointer.none; ++hop) {
+            if (hop > maxHops || out.size() > maxBytes)
+                throw FormatError("variable-record fragment chain loops");
+            pointer = appendFragment(pointer, out);
+        }
+    }
+
+private:
+    bytes::VariablePointer appendFragment(bytes::VariablePointer pointer, std::vector<std::uint8_t> &out)
+    {
+        if (pointer.page != cachedPage_) {
+            pages_.read(pointer.page, header_.format == Format::V6 ? pagetype::Variable : 0, page_);
+            cachedPage_ = pointer.page;
+        }
+        const Bytes page(page_);
+        const std::uint32_t count = bytes::u16(page, 10);
+        const std::uint32_t fragment = pointer.fragment;
+        const std::uint32_t directoryLimit = (header_.pageSize - 12) / 2;
+        if (fragment >= count || fragment >= directoryLimit)
+            throw FormatError("variable-record pointer names fragment " + std::to_string(fragment) + " of page " +
+                              std::to_string(pointer.page) + ", which has " + std::to_string(count));
+        const auto entry = bytes::u16(page, header_.pageSize - 2 * (fragment + 1));
+        if (entry == 0xFFFF)
+            throw FormatError("variable-record pointer names a deleted fragment");
+        const std::uint32_t start = entry & 0x7FFF;
+        std::uint32_t end = 0;
+        for (std::uint32_t next = fragment + 1; next <= count && next < directoryLimit; ++next) {
+            const auto nextEntry = bytes::u16(page, header_.pageSize - 2 * (next + 1));
+            if (nextEntry != 0xFFFF) {
+                end = nextEntry & 0x7FFF;
+                break;
+            }
+        }
+        const std::uint32_t directoryStart = header_.pageSize - 2 * (count + 1);
+        if (start < 12 || end < start || end > directoryStart)
+            throw FormatError("variable-record fragment with impossible bounds on page " +
+                              std::to_string(pointer.page));
+        Bytes data = page.subspan(start, end - start);
+        bytes::VariablePointer next;
+        // 6.x fragments always start with the next pointer; 5.x only when bit 15 says so.
+        if (header_.format == Format::V6 || (entry & 0x8000) != 0) {
+            next = bytes::vp24(data, 0);
+            data = data.subspan(4);
+        }
+        out.insert(out.end(), data.begin(), data.end());
+        return next;
+    }
+
+    const FileHeader &header_;
+    const PageMap &pages_;
+    std::vector<std::uint8_t> page_;
+    std::uint32_t cachedPage_ = 0xFFFFFFFF;
+};
+
+// Alternating literal and repeat runs, each with a 16-bit count.
+std::vector<std::uint8_t> expand(Bytes stream)
+{
+    constexpr std::size_t maxRecord = 1 << 20;
+    std::vector<std::uint8_t> out;
+    std::size_t at = 0;
+    for (bool literal = true; at < stream.size(); literal = !literal) {
+        const std::size_t count = bytes::u16(stream, at);
+        at += 2;
+        if (literal) {
+            bytes::require(stream, at, count, "compressed literal run");
+            out.insert(out.end(), stream.begin() + static_cast<std::ptrdiff_t>(at),
+                       stream.begin() + static_cast<std::ptrdiff_t>(at + count));
+            at += count;
+        } else {
+            out.insert(out.end(), count, bytes::u8(stream, at));
+            ++at;
+        }
+        if (out.size() > maxRecord)
+            throw FormatError("compressed record expands beyond 1 MiB");
+    }
+    return out;
+}
+
+} // namespace
+
+ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
+{
+    ScanResult result;
+    const auto free = freeSlots(header, pages, result.warnings);
+    TailReader tails(header, pages);
+    std::vector<std::uint8_t> page;
+    std::vector<std::uint8_t> record;
+    const auto perPage = slotsPerPage(header);
+    std::uint32_t live = 0;
+    result.records.reserve(header.recordCount <= pages.physicalPageCount() * perPage ? header.recordCount : 0,
+                           std::size_t{header.recordCount} * header.recordLength <=
+                                   pages.physicalPageCount() * std::size_t{header.pageSize}
+                               ? std::size_t{header.recordCount} * header.recordLength
+                               : 0);
+    for (std::uint32_t logical = 1; logical < pages.logicalPageEnd() && live < header.recordCount; ++logical) {
+        if (!isDataPage(header, pages, logical, page))
+            continue;
+        const Bytes view(page);
+        for (std::uint32_t slot = 0; slot < perPage && live < header.recordCount; ++slot) {
+            const auto offset = slotOffset(header, slot);
+            const auto address = logical * header.pageSize + offset;
+            const Bytes bytesOfSlot = view.subspan(offset, header.physicalLength);
+            if (free.count(address) != 0)
+                continue;
+            if (header.format == Format::V6 && bytes::u16(bytesOfSlot, 0) == 0) {
+                result.unusedSlots.push_back(address);
+                continue;
+            }
+            record.clear();
+            if (header.compressed) {
+                std::vector<std::uint8_t> stream;
+                tails.append(bytes::vp24(bytesOfSlot, 0), stream);
+                record = expand(stream);
+            } else {
+                const auto fixed = bytesOfSlot.subspan(header.userOffset, header.recordLength);
+                record.assign(fixed.begin(), fixed.end());
+                if (header.variable)
+                    tails.append(bytes::vp24(bytesOfSlot, header.userOffset + header.recordLength), record);
+            }
+            result.records.append(record, address);
+            ++live;
+        }
+    }
+    if (live != header.recordCount)
+        result.warnings.push_back("control record counts " + std::to_string(header.recordCount) +
+                                  " records, data pages hold " + std::to_string(live));
+    return result;
+}
+
+} // namespace recman

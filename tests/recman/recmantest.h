@@ -1,0 +1,60 @@
+// Shared helpers of the record-manager tests.
+#pragma once
+
+#include "file.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace recmantest {
+
+inline std::filesystem::path fixture(const std::string &name)
+{
+    return std::filesystem::path(KORA_FIXTURES_DIR) / "btrieve" / name;
+}
+
+inline std::string readText(const std::filesystem::path &path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline std::vector<std::uint8_t> readBytes(const std::filesystem::path &path)
+{
+    const auto text = readText(path);
+    return {text.begin(), text.end()};
+}
+
+inline void writeBytes(const std::filesystem::path &path, const std::vector<std::uint8_t> &data)
+{
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char *>(data.data()), static_cast<std::streamsize>(data.size()));
+}
+
+// A fresh directory under the system temp dir, removed when the object dies.
+class TempDir {
+public:
+    TempDir()
+    {
+        const auto base = std::filesystem::temp_directory_path();
+        for (int i = 0;; ++i) {
+            path_ = base / ("recman-test-" + std::to_string(::getpid()) + "-" + std::to_string(i));
+            if (std::filesystem::create_directory(path_))
+                break;
+        }
+    }
+    ~TempDir() { std::filesystem::remove_all(path_); }
+    TempDir(const TempDir &) = delete;
+    TempDir &operator=(const TempDir &) = delete;
+    const std::filesystem::path &path() const { return path_; }
+    std::filesystem::path operator/(const std::string &name) const { return path_ / name; }
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace recmantest
