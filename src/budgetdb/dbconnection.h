@@ -13,7 +13,7 @@ class QSqlQuery;
 
 // What the database said when a statement failed.
 struct DbError {
-    int number = 0;   // the driver's native error code when it has one, else -1
+    int number = 0; // the driver's native error code when it has one, else -1
     QString text;
 };
 
@@ -62,7 +62,10 @@ public:
     DbConnection &operator=(const DbConnection &) = delete;
 
     bool isOpen() const;
+    // The backend the connection runs on.
     SqlDialect dialect() const;
+    // The dialect statements are rewritten for (an ODBC source says which engine it is).
+    SqlDialect statementDialect() const;
 
     // Runs a row-changing statement. On success fills the records-affected count.
     bool execute(const QString &sql, qint64 *recordsAffected = nullptr, DbError *error = nullptr);
@@ -77,8 +80,16 @@ public:
     // The statement text actually sent for sql on this connection's backend.
     QString adapt(const QString &sql) const;
 
+    // The Qt connection name this connection runs on; empty when closed.
+    QString connectionName() const;
+
 private:
     friend class clsAdoConnection;
+    // Takes over an open Qt connection; statements are rewritten for `statements`.
+    void attach(const QString &connectionName, SqlDialect backend, SqlDialect statements);
+    // Closes and removes the Qt connection (idempotent).
+    void detach();
+
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

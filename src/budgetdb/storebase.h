@@ -41,10 +41,11 @@ protected:
 
     enum class OwnTransaction { Yes, No };
     enum class OnMiss { RollBack, LeaveOpen };
-    // An update or delete that must touch at least one row. With its own
-    // transaction it commits on success; a miss reports (999, sub, missText).
+    enum class Expect { AtLeastOne, ExactlyOne };
+    // An update or delete that must touch at least one row (or exactly one). With
+    // its own transaction it commits on success; a miss reports (999, sub, missText).
     bool changeRows(const QString &sql, const QString &sub, const QString &missText, OwnTransaction own,
-                    OnMiss onMiss = OnMiss::RollBack);
+                    OnMiss onMiss = OnMiss::RollBack, Expect expect = Expect::AtLeastOne);
 
     // Runs a statement with no count rule; false (and reported) on a database error.
     bool run(const QString &sql, const QString &sub, qint64 *affected = nullptr);

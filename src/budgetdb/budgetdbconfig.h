@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// Where the budget database is and how to reach it, read from an INI file
+// (see docs/configuration.md for the keys and where the file is looked for).
+struct BudgetDbConfig {
+    enum class Backend { SQLite, PostgreSQL, Odbc };
+
+    struct PgSettings {
+        QString host; // a host name or the directory of a unix socket
+        int port = 5432;
+        QString database = QStringLiteral("kora_budget");
+        QString user;
+        QString password;
+    };
+
+    Backend backend = Backend::SQLite;
+    QString sqliteFile = defaultSqliteFile();
+    PgSettings pg;
+    // ODBC: by data source name alone, or (LessConn) by a full driver string.
+    QString DSNname = QStringLiteral("Korawin");
+    QString ServerName;
+    bool LessConn = false;
+    QString odbcDriver = QStringLiteral("Pervasive ODBC Client Interface");
+    QString Username;
+    QString Password;
+
+    // The per-user file used when neither --config nor KORA_BUDGET_CONFIG names one.
+    static QString defaultConfigPath();
+    static QString defaultSqliteFile();
+    // --config FILE (or --config=FILE) in arguments, else $KORA_BUDGET_CONFIG, else the default.
+    static QString resolvePath(const QStringList &arguments);
+
+    // A missing file gives the defaults; a malformed one gives nullopt and *error.
+    static std::optional<BudgetDbConfig> load(const QString &path, QString *error = nullptr);
+    bool save(const QString &path) const;
+
+    // libpq-style "host=/tmp/pg port=5433 dbname=budget user=kora password=x".
+    static std::optional<PgSettings> parsePgSettings(const QString &keywords, QString *error = nullptr);
+};
+
+QString backendName(BudgetDbConfig::Backend backend);

@@ -1,0 +1,138 @@
+#include "storebase.h"
+
+StoreBase::StoreBase(QString className)
+{
+    error_.setErrorCls(std::move(className));
+}
+
+StoreBase::~StoreBase() = default;
+
+const std::shared_ptr<DbConnection> &StoreBase::adoConnection()
+{
+    if (!connection_)
+        connection_ = std::make_shared<DbConnection>();
+    return connection_;
+}
+
+void StoreBase::setAdoConnection(std::shared_ptr<DbConnection> connection)
+{
+    connection_ = std::move(connection);
+}
+
+DbConnection &StoreBase::db()
+{
+    return *adoConnection();
+}
+
+bool StoreBase::BeginTransaction()
+{
+    DbError error;
+    if (db().BeginTrans(&error))
+        return true;
+    reportDbError(QStringLiteral("BeginTransaction"), error);
+    return false;
+}
+
+bool StoreBase::AbortTransaction()
+{
+    DbError error;
+    if (db().RollbackTrans(&error))
+        return true;
+    reportDbError(QStringLiteral("AbortTransaction"), error);
+    return false;
+}
+
+bool StoreBase::Endtransaction()
+{
+    DbError error;
+    if (db().CommitTrans(&error))
+        return true;
+    reportDbError(QStringLiteral("Endtransaction"), error);
+    return false;
+}
+
+void StoreBase::reportDbError(const QString &sub, const DbError &error)
+{
+    report(error.number, sub, error.text);
+}
+
+void StoreBase::report(int number, const QString &sub, const QString &text)
+{
+    error_.set(number, sub, text);
+}
+
+bool StoreBase::addOneRow(const QString &sql, const QString &sub)
+{
+    if (!BeginTransaction())
+        return false;
+    DbError error;
+    qint64 affected = 0;
+    if (!db().execute(sql, &affected, &error)) {
+        db().RollbackTrans();
+        reportDbError(sub, error);
+        return false;
+    }
+    if (affected != 1) {
+        db().RollbackTrans();
+        report(999, sub, QStringLiteral("Invalid number of records added!"));
+        return false;
+    }
+    return Endtransaction();
+}
+
+bool StoreBase::changeRows(const QString &sql, const QString &sub, const QString &missText, OwnTransaction own,
+                           OnMiss onMiss, Expect expect)
+{
+    const bool ownTransaction = own == OwnTransaction::Yes;
+    if (ownTransaction && !BeginTransaction())
+        return false;
+    DbError error;
+    qint64 affected = 0;
+    if (!db().execute(sql, &affected, &error)) {
+        if (ownTransaction)
+            db().RollbackTrans();
+        reportDbError(sub, error);
+        return false;
+    }
+    const bool countOk = expect == Expect::ExactlyOne ? affected == 1 : affected >= 1;
+    if (!countOk) {
+        if (ownTransaction && onMiss == OnMiss::RollBack)
+            db().RollbackTrans();
+        report(999, sub, missText);
+        return false;
+    }
+    return !ownTransaction || Endtransaction();
+}
+
+bool StoreBase::run(const QString &sql, const QString &sub, qint64 *affected)
+{
+    DbError error;
+    if (db().execute(sql, affected, &error))
+        return true;
+    reportDbError(sub, error);
+    return false;
+}
+
+bool StoreBase::query(const QString &sql, const QString &sub, Recordset &rows)
+{
+    DbError error;
+    if (db().open(sql, rows, &error))
+        return true;
+    reportDbError(sub, error);
+    return false;
+}
+
+bool StoreBase::retrieveFirst(const QString &sql, const QString &sub, const QString &notFoundText,
+                              const std::function<void(const Recordset &)> &fill)
+{
+    Recordset rows;
+    if (!query(sql, sub, rows))
+        return false;
+    if (rows.atEnd()) {
+        report(999, sub, notFoundText);
+        return false;
+    }
+    fill(rows);
+    rows.Close();
+    return true;
+}

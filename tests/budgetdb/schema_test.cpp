@@ -1,0 +1,112 @@
+#include "schema.h"
+#include "testdatabases.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using testdb::DatabaseTest;
+
+class SchemaTest : public DatabaseTest {
+protected:
+    QString firstText(const QString &sql, const QString &column)
+    {
+        Recordset rows;
+        DbError error;
+        EXPECT_TRUE(db()->open(sql, rows, &error)) << sql.toStdString() << ": " << error.text.toStdString();
+        return rows.atEnd() ? QStringLiteral("<none>") : rows.text(column);
+    }
+};
+
+TEST_P(SchemaTest, FreshDatabaseHoldsEveryTableAtTheProgramsVersion)
+{
+    BudgetSchema::State state;
+    ASSERT_TRUE(BudgetSchema::inspect(*db(), state));
+    EXPECT_EQ(state.kind, BudgetSchema::Kind::Budget);
+    EXPECT_EQ(state.version, BudgetSchema::programVersion());
+    for (const char *table :
+         {"AccountCodes", "BudgetSummaryTree", "Proposal", "ProposalBudget", "Proposal_GenFund", "BudgetYears",
+          "Yearlist", "Parms", "LnItem", "Bals", "TaxRate", "Report", "RptHeading", "Budgets", "SummaryTree"}) {
+        Recordset rows;
+        DbError error;
+        EXPECT_TRUE(db()->open(QStringLiteral("select * from %1").arg(table), rows, &error))
+            << table << ": " << error.text.toStdString();
+        EXPECT_TRUE(rows.atEnd()) << table;
+    }
+    // Opening again leaves a current schema as it is.
+    DbError error;
+    EXPECT_TRUE(BudgetSchema::migrate(*db(), &error)) << error.text.toStdString();
+}
+
+TEST_P(SchemaTest, InsertsByPositionAndGeneratedKeysWork)
+{
+    exec("Insert into AccountCodes (Ledger, FundID, AccountCode, AccountName, ParentID, ProgramID, BuildingID , "
+         "StateCode, HistoricalCode, CatAFlag, CatPFlag, CatCFlag )Values ('E','A','A100','Salaries','1','0','0','',"
+         "'','A','','')");
+    exec("Insert into AccountCodes (Ledger, FundID, AccountCode, AccountName, ParentID, ProgramID, BuildingID , "
+         "StateCode, HistoricalCode, CatAFlag, CatPFlag, CatCFlag )Values ('E','A','A200','Books','1','0','0','',"
+         "'','','P','')");
+    EXPECT_EQ(firstText("select ID from AccountCodes where AccountCode = 'A200'", "id"), "2");
+    exec("Update AccountCodes set CurrentBudget = 1500.25, CatACurBudget = 100 where id = 1");
+    exec("INSERT INTO ProposalBudget SELECT ID, '1', CurrentBudget , if(CatAFlag='',0,CatACurBudget),"
+         "if(CatPFlag='',0,CatPCurBudget),if(CatCFlag='',0,CatCCurBudget) FROM Accountcodes ");
+    EXPECT_EQ(firstText("Select AcctId, CatAProposal,CatPProposal,CatCProposal from Proposal_GenFund where  "
+                        "Proposalid = '1' and AcctId = 1",
+                        "CatAProposal"),
+              "100");
+    exec("INSERT INTO Budgets values(1,'2024',1500.25,1499.99)");
+    exec("Insert into BudgetYears values('2025', 'Proposed Year 2025','P')");
+    exec("Insert into RptHeading Values (1,'CurBudget',1)");
+    exec("Insert into Report (Name, Description,Ledger,FundID, Date) Values ('R','D','E','A','20240101')");
+    exec("Insert into TaxRate (TownShip, CurrentEqualRate, CurrentAssessment,CurrentTaxAssess,PrevEqualRate,"
+         "PrevAssessment,PrevTaxAssess) values ('Town',0.8725,1000,900,0.9,1100,1000)");
+    EXPECT_EQ(firstText("select * from TaxRate", "ID"), "1");
+    exec("Insert into BudgetSummaryTree (ID, NodeType, FundID,  LedgerID, ParentID, SortOrder, Name, ForceNewPage) "
+         "Values ('1','T','A','E','0','         1','Top','N ')");
+    EXPECT_EQ(firstText("select Name from SummaryTree where ID = '1'", "name"), "Top");
+}
+
+TEST_P(SchemaTest, YearTreeCopyFeedsTheLiveTree)
+{
+    DbError error;
+    ASSERT_TRUE(BudgetSchema::createYearTreeCopy(*db(), "2024", &error)) << error.text.toStdString();
+    ASSERT_TRUE(BudgetSchema::createYearTreeCopy(*db(), "2024", &error)) << "second call must be harmless";
+    EXPECT_FALSE(BudgetSchema::createYearTreeCopy(*db(), "20; drop", &error));
+    exec("Insert into 2024_Summarytree values ('5','T','A','E','0','         5','Copied','Y ')");
+    exec("Delete from BudgetSummaryTree ");
+    exec("Insert into BudgetSummaryTree select * from 2024_Summarytree");
+    EXPECT_EQ(firstText("Select * from BudgetSummaryTree where Rtrim(ltrim(ID)) = '5'", "Name"), "Copied");
+}
+
+TEST_P(SchemaTest, AmountsKeepFourPlacesAndOutOfRangeIsRefused)
+{
+    exec("Insert into Bals (Fund, CurrentBalance, PreviousBalance) values ('A',99999999999.9999,-0.0001)");
+    Recordset rows;
+    ASSERT_TRUE(db()->open("select * from Bals", rows));
+    EXPECT_EQ(rows.amount("CurrentBalance"), Currency::fromRaw(999999999999999));
+    EXPECT_EQ(rows.amount("PreviousBalance"), Currency::fromRaw(-1));
+    rows.Close();
+    DbError error;
+    EXPECT_FALSE(db()->execute("Insert into Bals (Fund, CurrentBalance, PreviousBalance) values ('B',100000000000,0)",
+                               nullptr, &error));
+    EXPECT_FALSE(error.text.isEmpty());
+}
+
+TEST_P(SchemaTest, RefusesNewerAndForeignDatabases)
+{
+    exec("UPDATE KoraSchema SET Version = 99");
+    DbError error;
+    EXPECT_FALSE(BudgetSchema::migrate(*db(), &error));
+    EXPECT_TRUE(error.text.contains("newer than this program")) << error.text.toStdString();
+
+    exec("DROP TABLE KoraSchema");
+    BudgetSchema::State state;
+    ASSERT_TRUE(BudgetSchema::inspect(*db(), state));
+    EXPECT_EQ(state.kind, BudgetSchema::Kind::Foreign);
+    EXPECT_FALSE(BudgetSchema::migrate(*db(), &error));
+    EXPECT_TRUE(error.text.contains("not a Kora-Budget database")) << error.text.toStdString();
+}
+
+KORA_ALL_BACKENDS(SchemaTest);
+
+} // namespace

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "adoconnection.h"
+#include "dbconnection.h"
+
+#include <gtest/gtest.h>
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+// Fresh, empty-schema budget databases for store tests, on each backend the
+// program supports: an SQLite file, a private PostgreSQL server (settings in
+// KORA_TEST_PG, started by scripts/test.sh) and the ODBC data source "Korawin"
+// through unixODBC and the SQLite ODBC driver.
+namespace testdb {
+
+enum class Backend { SQLite, PostgreSQL, Odbc };
+
+std::vector<Backend> allBackends();
+std::string backendName(Backend backend);
+// For INSTANTIATE_TEST_SUITE_P's name generator.
+std::string paramName(const ::testing::TestParamInfo<Backend> &info);
+
+// One fresh database; dropped (or deleted) again when destroyed.
+class TestDatabase {
+public:
+    explicit TestDatabase(Backend backend);
+    ~TestDatabase();
+    TestDatabase(const TestDatabase &) = delete;
+    TestDatabase &operator=(const TestDatabase &) = delete;
+
+    // Empty when the database is ready; otherwise why it is not (the test should skip or fail).
+    const QString &unavailable() const { return unavailable_; }
+    // The configuration that opens this database (for tests that open their own connection).
+    const BudgetDbConfig &config() const { return config_; }
+    clsAdoConnection &connection() { return *connection_; }
+    std::shared_ptr<DbConnection> db() const { return connection_->dbConnection(); }
+
+    // Ends this test's PostgreSQL session from a second connection, as a server restart would.
+    bool terminateServerSession();
+
+private:
+    bool preparePostgres();
+    bool prepareOdbc();
+
+    Backend backend_;
+    BudgetDbConfig config_;
+    QString unavailable_;
+    QString pgDatabase_;
+    BudgetDbConfig::PgSettings adminPg_; // the server's own database, where test databases are made
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<clsAdoConnection> connection_;
+};
+
+// Base for store tests run once per backend:
+//   class MyStoreTest : public testdb::DatabaseTest {};
+//   TEST_P(MyStoreTest, ...) { ... db() ... }
+//   KORA_ALL_BACKENDS(MyStoreTest);
+class DatabaseTest : public ::testing::TestWithParam<Backend> {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    std::shared_ptr<DbConnection> db() const { return database_->db(); }
+    TestDatabase &database() { return *database_; }
+    // Runs a statement the test needs for its set-up; fails the test when it does not run.
+    void exec(const QString &sql);
+
+private:
+    std::unique_ptr<TestDatabase> database_;
+};
+
+} // namespace testdb
+
+#define KORA_ALL_BACKENDS(Suite)                                                                                       \
+    INSTANTIATE_TEST_SUITE_P(AllBackends, Suite, ::testing::ValuesIn(::testdb::allBackends()), ::testdb::paramName)
