@@ -8,4 +8,10 @@ build=${KORA_BUILD_DIR:-$here/build}
 "$here/scripts/install-deps.sh"
 cmake -S "$here" -B "$build" -G Ninja -DKORA_BUILD_TESTS=ON
 cmake --build "$build" -j"$(nproc)"
+
+# shellcheck source=scripts/test-postgres.sh
+source "$here/scripts/test-postgres.sh"
+start_test_postgres
+trap stop_test_postgres EXIT
+
 ctest --test-dir "$build" --output-on-failure -j"$(nproc)"

@@ -104,6 +104,17 @@ bool StoreBase::changeRows(const QString &sql, const QString &sub, const QString
     return !ownTransaction || Endtransaction();
 }
 
+bool StoreBase::changeOneRow(const QString &sql, const QString &sub, const std::function<QString(qint64)> &failText)
+{
+    qint64 affected = 0;
+    if (!run(sql, sub, &affected))
+        return false;
+    if (affected == 1)
+        return true;
+    report(999, sub, failText(affected));
+    return false;
+}
+
 bool StoreBase::run(const QString &sql, const QString &sub, qint64 *affected)
 {
     DbError error;

@@ -47,6 +47,10 @@ protected:
     bool changeRows(const QString &sql, const QString &sub, const QString &missText, OwnTransaction own,
                     OnMiss onMiss = OnMiss::RollBack, Expect expect = Expect::AtLeastOne);
 
+    // A batch statement (no transaction of its own) that must touch exactly one
+    // row; any other count reports (999, sub, failText(count)).
+    bool changeOneRow(const QString &sql, const QString &sub, const std::function<QString(qint64)> &failText);
+
     // Runs a statement with no count rule; false (and reported) on a database error.
     bool run(const QString &sql, const QString &sub, qint64 *affected = nullptr);
 

@@ -50,10 +50,12 @@ TEST_P(SchemaTest, InsertsByPositionAndGeneratedKeysWork)
     exec("Update AccountCodes set CurrentBudget = 1500.25, CatACurBudget = 100 where id = 1");
     exec("INSERT INTO ProposalBudget SELECT ID, '1', CurrentBudget , if(CatAFlag='',0,CatACurBudget),"
          "if(CatPFlag='',0,CatPCurBudget),if(CatCFlag='',0,CatCCurBudget) FROM Accountcodes ");
-    EXPECT_EQ(firstText("Select AcctId, CatAProposal,CatPProposal,CatCProposal from Proposal_GenFund where  "
-                        "Proposalid = '1' and AcctId = 1",
-                        "CatAProposal"),
-              "100");
+    Recordset split;
+    ASSERT_TRUE(db()->open("Select AcctId, CatAProposal,CatPProposal,CatCProposal from Proposal_GenFund where  "
+                           "Proposalid = '1' and AcctId = 1",
+                           split));
+    EXPECT_EQ(split.amount("CatAProposal"), Currency::fromUnits(100));
+    split.Close();
     exec("INSERT INTO Budgets values(1,'2024',1500.25,1499.99)");
     exec("Insert into BudgetYears values('2025', 'Proposed Year 2025','P')");
     exec("Insert into RptHeading Values (1,'CurBudget',1)");
