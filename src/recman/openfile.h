@@ -22,6 +22,9 @@ struct File::Impl {
     RecordStore records;
     std::vector<KeyIndex> indexes;
     std::vector<std::uint32_t> unusedSlots;
+    // Physical pages no current page uses (own files only; filled on first write).
+    std::vector<std::uint32_t> freePhysical;
+    bool freePhysicalKnown = false;
     FileInfo info;
 
     // Currency: the current record and, after a keyed operation, the key it was

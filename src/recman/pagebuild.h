@@ -1,0 +1,28 @@
+// Building blocks of 6.x pages, shared by file creation and by the writes to
+// files this engine created.
+#pragma once
+
+#include "bytes.h"
+#include "header.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace recman::pagebuild {
+
+// A data page with its self-identifying header and page usage 1.
+std::vector<std::uint8_t> emptyDataPage(std::uint32_t pageSize, std::uint32_t logical);
+// Bumps the usage counter of a data page, keeping the data-page bit.
+void touchDataPage(MutableBytes page);
+// Fills one slot: record usage count, the record, and "none" duplicate pointers.
+void fillSlot(MutableBytes slot, Bytes record, std::uint16_t usage);
+// Empties a slot and links it into the free chain in front of `nextFree`.
+void freeSlot(MutableBytes slot, std::uint32_t nextFree);
+// Empty B-tree root of key `key`.
+std::vector<std::uint8_t> emptyIndexPage(std::uint32_t pageSize, std::uint32_t logical, int key);
+std::vector<std::uint8_t> acsPage(std::uint32_t pageSize, std::uint32_t logical, const CollatingSequence &acs);
+// A PAT page with usage `usage` and no entries.
+std::vector<std::uint8_t> emptyPatPage(std::uint32_t pageSize, std::uint32_t usage);
+void setPatEntry(MutableBytes pat, std::uint32_t index, std::uint32_t physical, std::uint8_t type);
+
+} // namespace recman::pagebuild

@@ -1,0 +1,210 @@
+// Creating files, and the writes each kind of file allows.
+#include "creator.h"
+#include "file.h"
+#include "recmantest.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+using namespace recman;
+
+namespace {
+
+constexpr std::uint32_t recordLength = 40;
+
+// Record: bytes 0..3 signed id (unique key 0), bytes 4..19 name (key 1,
+// duplicates, modifiable), rest free text.
+std::vector<std::uint8_t> makeRecord(std::int32_t id, const std::string &name, const std::string &note = "")
+{
+    std::vector<std::uint8_t> record(recordLength, ' ');
+    std::memcpy(record.data(), &id, 4);
+    std::memcpy(record.data() + 4, name.data(), std::min<std::size_t>(name.size(), 16));
+    std::memcpy(record.data() + 20, note.data(), std::min<std::size_t>(note.size(), 20));
+    return record;
+}
+
+FileSpec sampleSpec()
+{
+    FileSpec spec;
+    spec.recordLength = recordLength;
+    KeyDefinition id;
+    id.segments.push_back({0, 0, keyflag::Extended, static_cast<std::uint8_t>(DataType::Integer), 0, 4, 0, {}});
+    KeyDefinition name;
+    name.number = 1;
+    name.segments.push_back({1,
+                             0,
+                             keyflag::Extended | keyflag::Duplicates | keyflag::Modifiable,
+                             static_cast<std::uint8_t>(DataType::String),
+                             4,
+                             16,
+                             0,
+                             {}});
+    spec.keys = {id, name};
+    return spec;
+}
+
+std::vector<std::int32_t> idsInKeyOrder(File &file, int key)
+{
+    std::vector<std::int32_t> ids;
+    for (auto s = file.getFirst(key); s == Status::Success; s = file.getNext(key)) {
+        std::int32_t id = 0;
+        std::memcpy(&id, file.record().data(), 4);
+        ids.push_back(id);
+    }
+    return ids;
+}
+
+class CreatedFile : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::vector<std::vector<std::uint8_t>> records;
+        for (std::int32_t id : {5, -3, 200, 0, 7})
+            records.push_back(makeRecord(id, id % 2 ? "ODD" : "EVEN", "note"));
+        std::string message;
+        ASSERT_EQ(createFile(path, sampleSpec(), records, message), Status::Success) << message;
+    }
+    recmantest::TempDir dir;
+    std::filesystem::path path = dir / "SAMPLE.BTR";
+};
+
+TEST_F(CreatedFile, ReadsBackInKeyAndPhysicalOrder)
+{
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    EXPECT_EQ(file.info().format, "6.x");
+    EXPECT_TRUE(file.info().createdByEngine);
+    EXPECT_EQ(file.info().recordCount, 5u);
+    EXPECT_EQ(file.info().physicalRecordLength, 2 + recordLength + 8);
+    EXPECT_EQ(idsInKeyOrder(file, 0), (std::vector<std::int32_t>{-3, 0, 5, 7, 200}));
+    // Duplicates of key 1 come in insertion order.
+    EXPECT_EQ(idsInKeyOrder(file, 1), (std::vector<std::int32_t>{200, 0, 5, -3, 7}));
+    std::vector<std::int32_t> physical;
+    for (auto s = file.stepFirst(); s == Status::Success; s = file.stepNext()) {
+        std::int32_t id = 0;
+        std::memcpy(&id, file.record().data(), 4);
+        physical.push_back(id);
+    }
+    EXPECT_EQ(physical, (std::vector<std::int32_t>{5, -3, 200, 0, 7}));
+}
+
+TEST_F(CreatedFile, InsertUpdateDeleteSurviveReopen)
+{
+    {
+        File file;
+        ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+        ASSERT_EQ(file.insert(makeRecord(42, "NEW")), Status::Success) << file.lastMessage();
+        EXPECT_EQ(file.insert(makeRecord(42, "AGAIN")), Status::DuplicateKey);
+        const std::int32_t five = 5;
+        ASSERT_EQ(file.getEqual(0, Bytes(reinterpret_cast<const std::uint8_t *>(&five), 4)), Status::Success);
+        ASSERT_EQ(file.update(makeRecord(5, "RENAMED", "changed")), Status::Success) << file.lastMessage();
+        EXPECT_EQ(file.update(makeRecord(6, "RENAMED")), Status::ModifiableKeyError);
+        const std::int32_t minusThree = -3;
+        ASSERT_EQ(file.getEqual(0, Bytes(reinterpret_cast<const std::uint8_t *>(&minusThree), 4)), Status::Success);
+        ASSERT_EQ(file.erase(), Status::Success) << file.lastMessage();
+        // Next after a delete continues from where the deleted record stood.
+        ASSERT_EQ(file.getNext(0), Status::Success);
+        EXPECT_EQ(file.record()[0], 0);
+        EXPECT_EQ(file.info().recordCount, 5u);
+    }
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    EXPECT_TRUE(file.info().warnings.empty());
+    EXPECT_EQ(idsInKeyOrder(file, 0), (std::vector<std::int32_t>{0, 5, 7, 42, 200}));
+    const std::int32_t five = 5;
+    ASSERT_EQ(file.getEqual(0, Bytes(reinterpret_cast<const std::uint8_t *>(&five), 4)), Status::Success);
+    EXPECT_EQ(std::string(file.record().begin() + 4, file.record().begin() + 11), "RENAMED");
+    // The freed slot is reused by the next insert rather than growing the file.
+    const auto sizeBefore = std::filesystem::file_size(path);
+    file.close();
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success);
+    ASSERT_EQ(file.insert(makeRecord(-9, "REUSE")), Status::Success);
+    file.close();
+    ASSERT_EQ(file.open(path), Status::Success);
+    EXPECT_EQ(file.info().recordCount, 6u);
+    EXPECT_LE(std::filesystem::file_size(path), sizeBefore + 4096);
+}
+
+TEST(CreatedFiles, BulkFileSpanningPatGroupsTakesInserts)
+{
+    // 1024-byte pages: 254 pages per allocation table, 20 records per page,
+    // so 6000 records need a second table.
+    recmantest::TempDir dir;
+    const auto path = dir / "BULK.BTR";
+    auto spec = sampleSpec();
+    spec.pageSize = 1024;
+    std::int32_t next = 0;
+    std::string message;
+    ASSERT_EQ(createFile(
+                  path, spec,
+                  [&](std::vector<std::uint8_t> &record) {
+                      record = makeRecord(next, "BULK");
+                      return next++ < 6000;
+                  },
+                  message),
+              Status::Success)
+        << message;
+    {
+        File file;
+        ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+        for (std::int32_t id = -1; id > -30; --id)
+            ASSERT_EQ(file.insert(makeRecord(id, "MORE")), Status::Success) << file.lastMessage();
+    }
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    EXPECT_EQ(file.info().recordCount, 6029u);
+    EXPECT_TRUE(file.info().warnings.empty());
+    const auto ids = idsInKeyOrder(file, 0);
+    ASSERT_EQ(ids.size(), 6029u);
+    EXPECT_EQ(ids.front(), -29);
+    EXPECT_EQ(ids.back(), 5999);
+    EXPECT_TRUE(std::is_sorted(ids.begin(), ids.end()));
+}
+
+TEST_F(CreatedFile, CreateRefusesExistingFileAndDuplicateUniqueKeys)
+{
+    std::string message;
+    EXPECT_EQ(createFile(path, sampleSpec(), std::vector<std::vector<std::uint8_t>>{}, message),
+              Status::FileAlreadyExists);
+    const auto other = dir / "DUP.BTR";
+    EXPECT_EQ(createFile(other, sampleSpec(), {makeRecord(1, "A"), makeRecord(1, "B")}, message), Status::DuplicateKey);
+    EXPECT_FALSE(std::filesystem::exists(other));
+    EXPECT_EQ(createFile(other, sampleSpec(), {std::vector<std::uint8_t>(3, 0)}, message), Status::DataBufferTooShort);
+    EXPECT_TRUE(std::filesystem::directory_iterator(dir.path()) != std::filesystem::directory_iterator());
+    EXPECT_FALSE(std::filesystem::exists(other));
+}
+
+TEST(RecordManagerFileWrites, OnlyNonKeyBytesOfExistingRecordsChange)
+{
+    recmantest::TempDir dir;
+    const auto path = dir / "GALTELA.DAT";
+    std::filesystem::copy_file(recmantest::fixture("GALTELA.DAT"), path);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+    ASSERT_EQ(file.stepFirst(), Status::Success);
+    std::vector<std::uint8_t> record(file.record().begin(), file.record().end());
+    const auto original = recmantest::readBytes(path);
+    EXPECT_EQ(file.insert(record), Status::AccessDenied);
+    EXPECT_EQ(file.erase(), Status::AccessDenied);
+    auto keyChanged = record;
+    keyChanged[0] ^= 1;
+    EXPECT_EQ(file.update(keyChanged), Status::AccessDenied);
+    EXPECT_EQ(recmantest::readBytes(path), original) << "a refused write changed the file";
+
+    record[500] = 'Z';
+    ASSERT_EQ(file.update(record), Status::Success) << file.lastMessage();
+    file.close();
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    ASSERT_EQ(file.stepFirst(), Status::Success);
+    EXPECT_EQ(file.record()[500], 'Z');
+    EXPECT_EQ(file.info().recordCount, 73u);
+
+    File readOnly;
+    ASSERT_EQ(readOnly.open(path), Status::Success);
+    ASSERT_EQ(readOnly.stepFirst(), Status::Success);
+    EXPECT_EQ(readOnly.update(record), Status::AccessDenied);
+}
+
+} // namespace
