@@ -1,0 +1,73 @@
+#include "equalization.h"
+
+#include <QLocale>
+
+namespace {
+
+// Rates go into statements in the shortest text that reads back as the same double.
+QString rateText(double rate)
+{
+    return QString::number(rate, 'g', QLocale::FloatingPointShortest);
+}
+
+void fillDistrict(const Recordset &row, clsEqualizationItem &item)
+{
+    item.ID = static_cast<std::int32_t>(row.number("ID"));
+    item.DistrickName = row.text("TownShip");
+    item.CurrentRate = row.real("CurrentEqualRate");
+    item.CurrentTotalAssessment = row.amount("CurrentAssessment");
+    item.CurrentTaxableAssessment = row.amount("CurrentTaxAssess");
+    item.PriorRate = row.real("PrevEqualRate");
+    item.PriorTotalAssessment = row.amount("PrevAssessment");
+    item.PriorTaxableAssessment = row.amount("PrevTaxAssess");
+}
+
+} // namespace
+
+clsEqualization::clsEqualization() : CountedStore(QStringLiteral("clsEqualization"))
+{
+}
+
+bool clsEqualization::DeleteBatch()
+{
+    return changeOneRow("Delete from TaxRate " + QStringLiteral(" where id = ") + QString::number(item_.ID),
+                        QStringLiteral("Delete"), countThen(QStringLiteral(" records to be Delete")));
+}
+
+bool clsEqualization::UpdateBatch()
+{
+    const QString sql = "Update TaxRate Set " + QStringLiteral(" TownShip = ") + sqlText(item_.DistrickName) +
+                        ", CurrentEqualRate = " + rateText(item_.CurrentRate) +
+                        ", CurrentAssessment = " + item_.CurrentTotalAssessment.toSqlText() +
+                        ", CurrentTaxAssess = " + item_.CurrentTaxableAssessment.toSqlText() +
+                        ", PrevEqualRate = " + rateText(item_.PriorRate) +
+                        ", PrevAssessment = " + item_.PriorTotalAssessment.toSqlText() +
+                        ", PrevTaxAssess = " + item_.PriorTaxableAssessment.toSqlText() +
+                        " where id = " + QString::number(item_.ID);
+    return changeOneRow(sql, QStringLiteral("Update"), countThen(QStringLiteral(" records to be update")));
+}
+
+bool clsEqualization::AddBatch()
+{
+    const QString sql = "Insert into TaxRate (TownShip, CurrentEqualRate, CurrentAssessment,CurrentTaxAssess," +
+                        QStringLiteral("PrevEqualRate,PrevAssessment,PrevTaxAssess) values (") +
+                        sqlText(item_.DistrickName) + "," + rateText(item_.CurrentRate) + "," +
+                        item_.CurrentTotalAssessment.toSqlText() + "," + item_.CurrentTaxableAssessment.toSqlText() +
+                        "," + rateText(item_.PriorRate) + "," + item_.PriorTaxableAssessment.toSqlText() + "," +
+                        item_.PriorTotalAssessment.toSqlText() + ")";
+    return changeOneRow(sql, QStringLiteral("Add"), countThen(QStringLiteral(" records to be Added. ")));
+}
+
+bool clsEqualization::GetList(std::vector<clsEqualizationItem> &items)
+{
+    return readList<clsEqualizationItem>(QStringLiteral("select * from TaxRate "), QStringLiteral("GetList"), items,
+                                         fillDistrict);
+}
+
+bool clsEqualization::Retrieve(bool byName)
+{
+    const QString sql = byName ? "Select * from TaxRate where TownShip = " + sqlText(item_.DistrickName)
+                               : "Select * from TaxRate where Id = " + QString::number(item_.ID);
+    return retrieveFirst(sql, QStringLiteral("Retrieve Equalization"), QStringLiteral("Record not Found."),
+                         [this](const Recordset &row) { fillDistrict(row, item_); });
+}

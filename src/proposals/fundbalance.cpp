@@ -1,0 +1,46 @@
+#include "fundbalance.h"
+
+namespace {
+
+void fillBalances(const Recordset &row, clsFundBalanceItem &item)
+{
+    item.CurrentYearBalance = row.amount("CurrentBalance");
+    item.PreviousYearBalance = row.amount("PreviousBalance");
+}
+
+} // namespace
+
+clsFundBalance::clsFundBalance() : CountedStore(QStringLiteral("clsFundBalance"))
+{
+}
+
+bool clsFundBalance::UpdateBatch()
+{
+    const QString sql =
+        "Update Bals Set " + QStringLiteral(" CurrentBalance = ") + item_.CurrentYearBalance.toSqlText() + "," +
+        " PreviousBalance = " + item_.PreviousYearBalance.toSqlText() + " where Fund = " + sqlText(item_.Fund);
+    return changeOneRow(sql, QStringLiteral("Update"), countThen(QStringLiteral(" records to be update")));
+}
+
+bool clsFundBalance::AddBatch()
+{
+    const QString sql = "Insert into Bals (Fund, CurrentBalance, PreviousBalance) values (" + sqlText(item_.Fund) +
+                        "," + item_.CurrentYearBalance.toSqlText() + "," + item_.PreviousYearBalance.toSqlText() + ")";
+    return changeOneRow(sql, QStringLiteral("Add"), countThen(QStringLiteral(" records to be Added. ")));
+}
+
+bool clsFundBalance::GetList(std::vector<clsFundBalanceItem> &items)
+{
+    return readList<clsFundBalanceItem>(QStringLiteral("select * from Bals "), QStringLiteral("GetList"), items,
+                                        [](const Recordset &row, clsFundBalanceItem &item) {
+                                            item.Fund = row.text("Fund");
+                                            fillBalances(row, item);
+                                        });
+}
+
+bool clsFundBalance::Retrieve()
+{
+    return retrieveFirst("Select * from Bals where Fund = " + sqlText(item_.Fund),
+                         QStringLiteral("Retrieve Fund Balance"), QStringLiteral("Record not Found."),
+                         [this](const Recordset &row) { fillBalances(row, item_); });
+}

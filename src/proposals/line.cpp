@@ -1,0 +1,72 @@
+#include "line.h"
+
+namespace {
+
+void fillLine(const Recordset &row, clsLineItem &item)
+{
+    item.AcctId = static_cast<std::int32_t>(row.number("AcctId"));
+    item.LineItemNumber = static_cast<std::int32_t>(row.number("LineItemNumber"));
+    item.LineItemText = row.text("LineItemText");
+    item.LineItemAmount = row.amount("LineItemAmount");
+}
+
+} // namespace
+
+clsLine::clsLine() : CountedStore(QStringLiteral("clsLine"))
+{
+}
+
+bool clsLine::changeOneRowAlone(const QString &sql, const QString &sub, const FailText &failText)
+{
+    const auto transaction = beginOwn(sub);
+    if (!transaction || !changeOneRow(sql, sub, failText))
+        return false;
+    return commit(*transaction, sub);
+}
+
+bool clsLine::UpdateBatch()
+{
+    const QString sql = "Update LnItem Set " + QStringLiteral(" LineItemText = ") + sqlText(item_.LineItemText) + "," +
+                        " LineItemAmount = " + item_.LineItemAmount.toSqlText() +
+                        " where AcctID = " + QString::number(item_.AcctId) +
+                        " And LineItemNumber =  " + QString::number(item_.LineItemNumber);
+    return changeOneRow(sql, QStringLiteral("Update"), countThen(QStringLiteral(" records to be update")));
+}
+
+bool clsLine::AddBatch()
+{
+    const QString sql = "Insert into LnItem (AcctId, LineItemNumber, LineItemText, LineItemAmount) values (" +
+                        QString::number(item_.AcctId) + "," + QString::number(item_.LineItemNumber) + "," +
+                        sqlText(item_.LineItemText) + "," + item_.LineItemAmount.toSqlText() + ")";
+    return changeOneRow(sql, QStringLiteral("Add"), countThen(QStringLiteral(" records to be Added. ")));
+}
+
+bool clsLine::UpdateLineTotal(const QString &proposalID)
+{
+    const QString sql = "Update ProposalBudget Set " + QStringLiteral(" ProposedBudget = ") +
+                        item_.LineItemAmount.toSqlText() + " where AcctID = " + QString::number(item_.AcctId) +
+                        " and ProposalID = " + sqlText(proposalID);
+    return changeOneRowAlone(sql, QStringLiteral("Update line total"),
+                             countThen(QStringLiteral(" records to be update")));
+}
+
+bool clsLine::Delete()
+{
+    const QString sql = "Delete from LnItem where AcctId = " + QString::number(item_.AcctId) +
+                        " and LineItemNumber = " + QString::number(item_.LineItemNumber);
+    return changeOneRowAlone(sql, QStringLiteral("Delete"), countThen(QStringLiteral(" records to be deleted")));
+}
+
+bool clsLine::GetList(std::vector<clsLineItem> &items)
+{
+    return readList<clsLineItem>("select * from LnItem where AcctId = " + QString::number(item_.AcctId),
+                                 QStringLiteral("GetList"), items, fillLine);
+}
+
+bool clsLine::Retrieve()
+{
+    const QString sql = "Select * from LnItem where AcctID = " + QString::number(item_.AcctId) +
+                        " and LineItemNumber = " + QString::number(item_.LineItemNumber);
+    return retrieveAs(QStringLiteral("Line:Retrieve"), sql, QStringLiteral("Retrieve Budget"),
+                      QStringLiteral("Record not Found."), [this](const Recordset &row) { fillLine(row, item_); });
+}

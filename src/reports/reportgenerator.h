@@ -1,0 +1,56 @@
+#pragma once
+
+#include "reportheadings.h"
+#include "reportname.h"
+#include "storebase.h"
+
+#include <QStringList>
+
+#include <vector>
+
+// The user-defined report formats (Report) and their columns (RptHeading),
+// with the year context a format is printed in. Statements that write run
+// inside the caller's transaction when one is open, else in one of their own,
+// so a format and its columns are never half-written.
+class clsReportGenerator : public StoreBase {
+public:
+    clsReportGenerator();
+
+    // The year context, as texts of years.
+    QString Ledger;
+    QString BugdetYear; // the current budget year; the spelling is part of the interface
+    QString CalendarYear;
+    QString ProposedYear;
+    QString PriorYear;
+    QString Prior1Year;
+
+    clsReportName &ReportName() { return name_; }
+    void setReportName(const clsReportName &name) { name_ = name; }
+
+    // Inserts ReportName (its ModifiedDate written as yyyymmdd); the database
+    // assigns the ID, which RetrieveReportName(true) reads back.
+    bool AddReportName();
+    bool UpdateReportName();
+    // Replaces the columns of ReportName.ID with `headingKeys`, in order.
+    bool AddReportHeadings(const QStringList &headingKeys);
+    // Removes the format of ReportName.ID and its columns.
+    bool Delete();
+    bool GetReportNameList(std::vector<clsReportName> &names);
+    // The columns of ReportName.ID in their order, with heading texts for Ledger.
+    bool GetReportHeadings(std::vector<clsReportHeadings> &headings);
+    // Every column a format may print, with heading texts for Ledger.
+    void getAvailHeadingList(std::vector<clsReportHeadings> &headings) const;
+    // By ReportName.Name when `byName`, else by ReportName.ID.
+    bool RetrieveReportName(bool byName);
+
+    // The year a column's figures belong to: the budget year, the proposed
+    // year, or one of the two prior years; "" for an unknown key.
+    QString HeadingYear(const QString &headingKey) const;
+
+private:
+    bool changeOne(const QString &sql);
+    bool inTransaction(const QString &sub, const std::function<bool()> &work);
+    clsReportHeadings describe(const QString &key) const;
+
+    clsReportName name_;
+};
