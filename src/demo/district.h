@@ -23,6 +23,8 @@ struct DistrictOptions {
     // nested under the general fund's expenditure tree.
     int folders = 0;
     std::uint64_t seed = 0x4e6f72746866ULL;
+
+    bool operator==(const DistrictOptions &) const = default;
 };
 
 struct Organisation {
@@ -39,6 +41,8 @@ struct Organisation {
     QString sedCode; // twelve-digit state education department code
     int firstFiscalMonth = 7;
     int lastFiscalMonth = 6;
+
+    bool operator==(const Organisation &) const = default;
 };
 
 struct CheckingAccount {
@@ -46,6 +50,8 @@ struct CheckingAccount {
     QString name;          // e.g. "General Fund Checking"
     QString bankAccount;   // fictional account number
     QString glAccountCode; // the fund's cash account, e.g. "A200"
+
+    bool operator==(const CheckingAccount &) const = default;
 };
 
 // Codes of a fund match its masks (`#` a digit, `*` any run, else itself):
@@ -57,6 +63,8 @@ struct Fund {
     QString rlMask;
     QString elMask;
     CheckingAccount checking;
+
+    bool operator==(const Fund &) const = default;
 };
 
 // A balance-sheet account of a fund's general ledger (not budgeted).
@@ -64,6 +72,8 @@ struct GeneralLedgerAccount {
     QString code; // "A200"
     QString fundId;
     QString name;
+
+    bool operator==(const GeneralLedgerAccount &) const = default;
 };
 
 // A fiscal year is named by the calendar year in which it ends; it runs from
@@ -74,17 +84,23 @@ struct FiscalYear {
     QString yearName;     // BudgetYears.YearName
     QString tableId;      // Yearlist.TableId: "FY" and the year, the fund-accounting year table
     int monthsPosted = 0; // fiscal months with actual figures: 12 closed, 0 proposed
+
+    bool operator==(const FiscalYear &) const = default;
 };
 
 struct Building {
     QString code; // two digits, the suffix of building-specific account codes
     QString name;
     QString abbreviation; // used in account names
+
+    bool operator==(const Building &) const = default;
 };
 
 struct Program {
     QString code;
     QString name;
+
+    bool operator==(const Program &) const = default;
 };
 
 // A node of the summary tree (BudgetSummaryTree). Ids are unique over all
@@ -99,6 +115,8 @@ struct Folder {
     QString name;
     int sortOrder = 0;
     bool forceNewPage = false;
+
+    bool operator==(const Folder &) const = default;
 };
 
 // One fiscal year's figures of an account as the fund-accounting ledgers hold
@@ -112,6 +130,8 @@ struct YearFigures {
     Currency actual;
     Currency encumbered;
     Currency adjustedBudget() const { return originalBudget + adjustments; }
+
+    bool operator==(const YearFigures &) const = default;
 };
 
 // Codes fit 20 characters and names 40, the fund-accounting ledgers' widths.
@@ -141,6 +161,8 @@ struct Account {
     // Historical years and the current year, oldest first (none for a code
     // opened this year). The current year's actual covers its posted months.
     std::vector<YearFigures> history;
+
+    bool operator==(const Account &) const = default;
 };
 
 // One proposal slot and its figures, parallel to District::accounts.
@@ -149,6 +171,8 @@ struct ProposalFigures {
     Currency catA;
     Currency catP;
     Currency catC;
+
+    bool operator==(const ProposalFigures &) const = default;
 };
 
 struct Proposal {
@@ -157,6 +181,8 @@ struct Proposal {
     QString status; // "O" open, "C" closed, "" free
     bool active = false;
     std::vector<ProposalFigures> figures; // one per account, same index
+
+    bool operator==(const Proposal &) const = default;
 };
 
 struct LineItem {
@@ -164,12 +190,16 @@ struct LineItem {
     int number = 0;
     QString text;
     Currency amount;
+
+    bool operator==(const LineItem &) const = default;
 };
 
 struct FundBalance {
     QString fundId;
     Currency current;
     Currency previous;
+
+    bool operator==(const FundBalance &) const = default;
 };
 
 // An equalization district (town) of the school district.
@@ -181,6 +211,8 @@ struct Town {
     double priorRate = 0;
     Currency priorAssessment;
     Currency priorTaxableAssessment;
+
+    bool operator==(const Town &) const = default;
 };
 
 struct ReportFormat {
@@ -190,6 +222,8 @@ struct ReportFormat {
     QString fundId;
     QString date;                  // yyyymmdd
     std::vector<QString> headings; // RptHeading keys in column order
+
+    bool operator==(const ReportFormat &) const = default;
 };
 
 struct District {
@@ -215,6 +249,8 @@ struct District {
     const Folder *folder(int id) const;
     // Index into accounts, or -1.
     int accountIndex(const QString &code) const;
+
+    bool operator==(const District &) const = default;
 };
 
 District makeDistrict(const DistrictOptions &options = {});
