@@ -7,6 +7,7 @@
 #include <QSqlQuery>
 
 #include <atomic>
+#include <clocale>
 
 namespace testdb {
 namespace {
@@ -153,6 +154,9 @@ bool TestDatabase::prepareOdbc()
         unavailable_ = QStringLiteral("cannot write the ODBC configuration");
         return false;
     }
+    // The driver manager converts the program's wide text to the driver's narrow
+    // text through the locale's character set, as an application's start-up sets it.
+    setlocale(LC_CTYPE, "C.UTF-8");
     qputenv("ODBCSYSINI", iniFolder.toLocal8Bit());
     qputenv("ODBCINI", (iniFolder + QStringLiteral("/odbc.ini")).toLocal8Bit());
     config_.backend = BudgetDbConfig::Backend::Odbc;

@@ -9,12 +9,8 @@
 #include <QTemporaryDir>
 
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
-
-// Readable QString values in failed expectations.
-inline void PrintTo(const QString &text, std::ostream *out) { *out << '"' << text.toStdString() << '"'; }
 
 // Fresh, empty-schema budget databases for store tests, on each backend the
 // program supports: an SQLite file, a private PostgreSQL server (settings in

@@ -1,0 +1,261 @@
+#include "accountsummary.h"
+#include "testdatabases.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class AccountStoreTest : public testdb::DatabaseTest {
+protected:
+    void SetUp() override
+    {
+        DatabaseTest::SetUp();
+        store.setAdoConnection(db());
+    }
+
+    // Adds a live code of fund A, ledger E and returns its ID.
+    qint64 add(const QString &code, qint64 parent = 1, const QString &name = "Name", const QString &catA = "")
+    {
+        store.ClearAccountCode();
+        clsAccountCode &a = store.AccountCode();
+        a.setFundID("a");
+        a.setLedgerID("e");
+        a.setAccountCode(code);
+        a.setAccountName(name);
+        a.setParentID(parent);
+        a.setBuildingID(parent + 100);
+        a.setProgramID(parent + 200);
+        a.setCatAFlag(catA);
+        EXPECT_TRUE(store.Add()) << store.Error().ErrorText().toStdString();
+        EXPECT_TRUE(store.Retrieve(true));
+        return store.AccountCode().ID();
+    }
+
+    QStringList codes(const std::vector<clsAccountCode> &list)
+    {
+        QStringList out;
+        for (const auto &code : list)
+            out << code.AccountCode();
+        return out;
+    }
+
+    void expectError(int number, const char *sub, const char *text)
+    {
+        EXPECT_EQ(store.Error().ErrorNumber(), number);
+        EXPECT_EQ(store.Error().ErrorSub(), sub);
+        EXPECT_EQ(store.Error().ErrorText(), text);
+    }
+
+    ClsAccountSummary store;
+};
+
+TEST(AccountCodeItem, AssignmentRules)
+{
+    clsAccountCode code;
+    code.setLedgerID(" r ");
+    EXPECT_EQ(code.LedgerID(), "R");
+    code.setLedgerID("X");
+    EXPECT_EQ(code.LedgerID(), "R");
+    code.setLedgerID("");
+    EXPECT_EQ(code.LedgerID(), "");
+    code.setFundID(" b ");
+    EXPECT_EQ(code.FundID(), "B");
+    code.setAccountCode("  B100  ");
+    EXPECT_EQ(code.AccountCode(), "B100");
+}
+
+TEST_P(AccountStoreTest, AddRetrieveAndUpdateRoundTripEveryColumn)
+{
+    const QString longName(4000, QChar(u'x'));
+    const qint64 id = add(" A100 ", 3, "  Superintendent's Office ", "A");
+    ASSERT_GT(id, 0);
+    store.ClearAccountCode();
+    store.AccountCode().setID(id);
+    ASSERT_TRUE(store.Retrieve());
+    const clsAccountCode &a = store.AccountCode();
+    EXPECT_EQ(a.AccountCode(), "A100");
+    EXPECT_EQ(a.AccountName(), "Superintendent's Office");
+    EXPECT_EQ(a.FundID(), "A");
+    EXPECT_EQ(a.LedgerID(), "E");
+    EXPECT_EQ(a.ParentID(), 3);
+    EXPECT_EQ(a.BuildingID(), 103);
+    EXPECT_EQ(a.ProgramID(), 203);
+    EXPECT_EQ(a.CatAFlag(), "A");
+    EXPECT_TRUE(a.ProjectedAmount().isZero());
+
+    store.AccountCode().setAccountName(QString::fromUtf8("Élève – 学校 ") + longName);
+    store.AccountCode().setProjectedAmount(*Currency::parse("-99999999999.9999"));
+    store.AccountCode().setStateCode("S-1");
+    ASSERT_TRUE(store.Update()) << store.Error().ErrorText().toStdString();
+    EXPECT_FALSE(db()->inTransaction());
+    store.ClearAccountCode();
+    store.AccountCode().setID(id);
+    ASSERT_TRUE(store.Retrieve());
+    EXPECT_EQ(store.AccountCode().AccountName(), QString::fromUtf8("Élève – 学校 ") + longName);
+    EXPECT_EQ(store.AccountCode().ProjectedAmount(), *Currency::parse("-99999999999.9999"));
+    EXPECT_EQ(store.AccountCode().StateCode(), "S-1");
+}
+
+TEST_P(AccountStoreTest, FailuresEndInFalseWithTheErrorFilledAndNothingWritten)
+{
+    const qint64 id = add("A100");
+    // A missing row.
+    store.AccountCode().setID(id + 50);
+    EXPECT_FALSE(store.Update());
+    expectError(999, "Update", "No record found to be Update.");
+    EXPECT_FALSE(db()->inTransaction());
+    store.AccountCode().setID(id + 50);
+    EXPECT_FALSE(store.Retrieve());
+    expectError(999, "Retrieve", "Record not Found.");
+    EXPECT_EQ(store.AccountCode().ID(), id + 50) << "a miss leaves the item as it was";
+
+    // An amount beyond the column's range is refused by the database, not truncated.
+    store.AccountCode().setID(id);
+    ASSERT_TRUE(store.Retrieve());
+    store.AccountCode().setProjectedAmount(*Currency::parse("100000000000"));
+    EXPECT_FALSE(store.Update());
+    EXPECT_EQ(store.Error().ErrorSub(), "Update");
+    EXPECT_FALSE(store.Error().ErrorText().isEmpty());
+    EXPECT_FALSE(db()->inTransaction());
+    ASSERT_TRUE(store.Retrieve());
+    EXPECT_TRUE(store.AccountCode().ProjectedAmount().isZero());
+
+    // A duplicate code breaks the table's uniqueness.
+    store.ClearAccountCode();
+    store.AccountCode().setAccountCode("A100");
+    EXPECT_FALSE(store.Add());
+    EXPECT_EQ(store.Error().ErrorSub(), "Account Codes");
+    EXPECT_FALSE(db()->inTransaction());
+}
+
+TEST_P(AccountStoreTest, BatchIsAllOrNothing)
+{
+    const qint64 first = add("A100", 1, "First");
+    const qint64 second = add("A200", 1, "Second");
+    ASSERT_TRUE(store.BeginTransaction());
+    store.AccountCode().setID(first);
+    ASSERT_TRUE(store.Retrieve());
+    store.AccountCode().setAccountName("Changed");
+    ASSERT_TRUE(store.UpdateBatch());
+    store.AccountCode().setID(second + 99);
+    EXPECT_FALSE(store.UpdateBatch());
+    expectError(999, "Update", "No record found to be Update.");
+    EXPECT_TRUE(db()->inTransaction()) << "a batch leaves the transaction to its caller";
+    ASSERT_TRUE(store.AbortTransaction());
+    store.AccountCode().setID(first);
+    ASSERT_TRUE(store.Retrieve());
+    EXPECT_EQ(store.AccountCode().AccountName(), "First");
+}
+
+TEST_P(AccountStoreTest, DeleteRetiresTheCodeAndLeavesAMissesTransactionOpen)
+{
+    const qint64 id = add("A100");
+    store.AccountCode().setID(id);
+    ASSERT_TRUE(store.Delete());
+    std::vector<clsAccountCode> list;
+    ASSERT_TRUE(store.GetList(list));
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_EQ(list[0].HistoricalCode(), "H");
+
+    store.AccountCode().setID(id + 7);
+    EXPECT_FALSE(store.Delete());
+    expectError(999, "Delete", "No record found to be delete.");
+    EXPECT_TRUE(db()->inTransaction());
+    EXPECT_TRUE(store.AbortTransaction());
+}
+
+TEST_P(AccountStoreTest, ListsByFundLedgerAndView)
+{
+    add("A300", 1);
+    add("A100", 1);
+    add("A200", 2);
+    store.ClearAccountCode();
+    store.AccountCode().setAccountCode("B100");
+    store.AccountCode().setFundID("B");
+    store.AccountCode().setLedgerID("E");
+    ASSERT_TRUE(store.Add());
+
+    store.ClearAccountCode();
+    store.AccountCode().setFundID("A");
+    store.AccountCode().setLedgerID("E");
+    store.AccountCode().setParentID(1);
+    store.AccountCode().setBuildingID(102);
+    store.AccountCode().setProgramID(201);
+    std::vector<clsAccountCode> list;
+    ASSERT_TRUE(store.GetChildren("t", list));
+    EXPECT_EQ(codes(list), (QStringList{"A100", "A300"}));
+    list.clear();
+    ASSERT_TRUE(store.GetChildren("B", list));
+    EXPECT_EQ(codes(list), QStringList{"A200"});
+    list.clear();
+    ASSERT_TRUE(store.GetChildren("P", list));
+    EXPECT_EQ(codes(list), (QStringList{"A100", "A300"}));
+    list.clear();
+    ASSERT_TRUE(store.GetChildren("x", list));
+    EXPECT_EQ(list.size(), 3u);
+    list.clear();
+    ASSERT_TRUE(store.GetListWithSecurity(list, {}));
+    EXPECT_EQ(list.size(), 3u);
+
+    qint64 count = -1;
+    ASSERT_TRUE(store.CountAccountCode("A", count));
+    // The asterisk is sent as written; SQL engines read it literally, so it matches no code here.
+    EXPECT_EQ(count, 0);
+    store.AccountCode().setLedgerID("R");
+    list.clear();
+    ASSERT_TRUE(store.GetList(list));
+    EXPECT_TRUE(list.empty());
+}
+
+TEST_P(AccountStoreTest, ValidateAccountChecksFundPrefixAndExistence)
+{
+    add("A100");
+    store.ClearAccountCode();
+    store.AccountCode().setFundID("A");
+    QString code = " a123 ";
+    EXPECT_TRUE(store.ValidateAccount(code));
+    EXPECT_EQ(code, "A123");
+    code = "B123";
+    EXPECT_FALSE(store.ValidateAccount(code));
+    expectError(0, "ValidateAccount", "Account code must start with the current viewing fund.");
+    code = "a100";
+    EXPECT_FALSE(store.ValidateAccount(code));
+    expectError(0, "ValidateAccount", "Account code already exists.");
+    // Existence is checked over the whole table, whatever fund the code is in.
+    store.AccountCode().setFundID("");
+    code = "A100";
+    EXPECT_FALSE(store.ValidateAccount(code));
+    bool found = false;
+    ASSERT_TRUE(store.FindAccountCode("it's", found));
+    EXPECT_FALSE(found);
+}
+
+TEST_P(AccountStoreTest, BrokenConnectionMidBatchWritesNothing)
+{
+    if (GetParam() != testdb::Backend::PostgreSQL)
+        GTEST_SKIP() << "only a server connection can be cut";
+    const qint64 id = add("A100", 1, "Before");
+    ASSERT_TRUE(store.BeginTransaction());
+    store.AccountCode().setID(id);
+    ASSERT_TRUE(store.Retrieve());
+    store.AccountCode().setAccountName("During");
+    ASSERT_TRUE(store.UpdateBatch());
+    ASSERT_TRUE(database().terminateServerSession());
+    store.AccountCode().setAccountName("After");
+    EXPECT_FALSE(store.UpdateBatch());
+    EXPECT_FALSE(store.Error().ErrorText().isEmpty());
+    store.AbortTransaction();
+
+    clsAdoConnection fresh;
+    fresh.configure(database().config());
+    ASSERT_TRUE(fresh.OpenConnection()) << fresh.driverMessage().toStdString();
+    ClsAccountSummary reader;
+    reader.setAdoConnection(fresh.dbConnection());
+    reader.AccountCode().setID(id);
+    ASSERT_TRUE(reader.Retrieve());
+    EXPECT_EQ(reader.AccountCode().AccountName(), "Before");
+}
+
+KORA_ALL_BACKENDS(AccountStoreTest);
+
+} // namespace
