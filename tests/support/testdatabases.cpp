@@ -66,6 +66,55 @@ std::optional<BudgetDbConfig::PgSettings> serverSettings(QString *why)
     return BudgetDbConfig::parsePgSettings(keywords, why);
 }
 
+// The driver manager reads its driver and data source lists once per process,
+// so the process gets one private pair of lists, set up before any test runs:
+// a driver for SQLite and the data source "Korawin" on a file in a temporary folder.
+class OdbcSandbox {
+public:
+    OdbcSandbox()
+    {
+        if (!QFile::exists(QString::fromLatin1(odbcDriverFile))) {
+            problem_ = QStringLiteral("the SQLite ODBC driver (libsqliteodbc) is not installed");
+            return;
+        }
+        const QString ini = folder_.path();
+        const QString file = folder_.filePath(QStringLiteral("korawin.sqlite"));
+        const bool written =
+            folder_.isValid() &&
+            writeFile(ini + QStringLiteral("/odbcinst.ini"),
+                      QStringLiteral("[KoraSQLite3]\nDescription=SQLite3 ODBC Driver\nDriver=%1\nSetup=%1\n")
+                          .arg(QString::fromLatin1(odbcDriverFile))) &&
+            writeFile(ini + QStringLiteral("/odbc.ini"),
+                      QStringLiteral("[Korawin]\nDriver=KoraSQLite3\nDatabase=%1\nTimeout=5000\n").arg(file));
+        if (!written) {
+            problem_ = QStringLiteral("cannot write the ODBC configuration");
+            return;
+        }
+        qputenv("ODBCSYSINI", ini.toLocal8Bit());
+        qputenv("ODBCINI", (ini + QStringLiteral("/odbc.ini")).toLocal8Bit());
+        // The driver manager converts wide text for a narrow driver through the
+        // locale's character set, which an application's start-up sets.
+        setlocale(LC_CTYPE, "C.UTF-8");
+        databaseFile_ = file;
+    }
+    const QString &databaseFile() const { return databaseFile_; }
+    const QString &problem() const { return problem_; }
+
+private:
+    QTemporaryDir folder_;
+    QString databaseFile_;
+    QString problem_;
+};
+
+OdbcSandbox &odbcSandbox()
+{
+    static OdbcSandbox sandbox;
+    return sandbox;
+}
+
+// Before main: a test that touches ODBC first must already see the private lists.
+const bool odbcReady = (odbcSandbox(), true);
+
 } // namespace
 
 std::vector<Backend> allBackends()
@@ -113,6 +162,8 @@ TestDatabase::TestDatabase(Backend backend)
 TestDatabase::~TestDatabase()
 {
     connection_->CloseConnection();
+    if (!odbcFile_.isEmpty())
+        QFile::remove(odbcFile_);
     if (!pgDatabase_.isEmpty())
         runOnServer(adminPg_, QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(pgDatabase_), nullptr);
 }
@@ -138,27 +189,14 @@ bool TestDatabase::preparePostgres()
 
 bool TestDatabase::prepareOdbc()
 {
-    if (!QFile::exists(QString::fromLatin1(odbcDriverFile))) {
-        unavailable_ = QStringLiteral("the SQLite ODBC driver (libsqliteodbc) is not installed");
+    const QString &database = odbcSandbox().databaseFile();
+    if (database.isEmpty()) {
+        unavailable_ = odbcSandbox().problem();
         return false;
     }
-    // A private driver and data source list: "Korawin" names this test's file.
-    const QString iniFolder = folder_->path();
-    const bool written =
-        writeFile(iniFolder + QStringLiteral("/odbcinst.ini"),
-                  QStringLiteral("[KoraSQLite3]\nDescription=SQLite3 ODBC Driver\nDriver=%1\nSetup=%1\nThreading=2\n")
-                      .arg(QString::fromLatin1(odbcDriverFile))) &&
-        writeFile(iniFolder + QStringLiteral("/odbc.ini"),
-                  QStringLiteral("[Korawin]\nDriver=KoraSQLite3\nDatabase=%1\nTimeout=5000\n").arg(config_.sqliteFile));
-    if (!written) {
-        unavailable_ = QStringLiteral("cannot write the ODBC configuration");
-        return false;
-    }
-    // The driver manager converts the program's wide text to the driver's narrow
-    // text through the locale's character set, as an application's start-up sets it.
-    setlocale(LC_CTYPE, "C.UTF-8");
-    qputenv("ODBCSYSINI", iniFolder.toLocal8Bit());
-    qputenv("ODBCINI", (iniFolder + QStringLiteral("/odbc.ini")).toLocal8Bit());
+    // "Korawin" always names the same file: give this test an empty one.
+    QFile::remove(database);
+    odbcFile_ = database;
     config_.backend = BudgetDbConfig::Backend::Odbc;
     config_.DSNname = QStringLiteral("Korawin");
     config_.LessConn = false;

@@ -51,6 +51,7 @@ private:
     BudgetDbConfig config_;
     QString unavailable_;
     QString pgDatabase_;
+    QString odbcFile_;
     BudgetDbConfig::PgSettings adminPg_; // the server's own database, where test databases are made
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<clsAdoConnection> connection_;
