@@ -1,0 +1,189 @@
+// The budget stores on the large demo district: 10,000 account codes, 5,000
+// of them in the general fund's expenditure ledger, 1,000 account-code folders.
+//   budgetdb_benchmarks                      SQLite (and PostgreSQL when $KORA_BENCH_PG is set)
+//   budgetdb_benchmarks --write-sql DIR      the statements each operation sends, for the sqlite3 shell
+#include "benchdatabase.h"
+#include "proposal.h"
+#include "proposedbudget.h"
+#include "treesummary.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <cstring>
+#include <functional>
+#include <map>
+
+namespace {
+
+using Operation = std::function<bool(BenchDatabase &, QString &why)>;
+
+bool fail(QString &why, const clsErrObject &error)
+{
+    why = error.ErrorText();
+    return false;
+}
+
+template <typename Store> Store storeOn(BenchDatabase &database)
+{
+    Store store;
+    store.setAdoConnection(database.db());
+    return store;
+}
+
+bool getListNew(BenchDatabase &database, QString &why)
+{
+    auto store = storeOn<clsProposedBudget>(database);
+    store.ProposedBudgetItem() = {.ProposalID = "1", .FundID = "A", .LedgerID = "E"};
+    std::vector<clsProposedBudgetItem> items;
+    if (!store.GetListNew(items))
+        return fail(why, store.Error());
+    benchmark::DoNotOptimize(items.data());
+    if (items.size() != 5000)
+        why = QStringLiteral("%1 accounts listed, 5000 expected").arg(items.size());
+    return items.size() == 5000;
+}
+
+// Rewrites the active proposal's 5,000 general-fund expenditure rows; each
+// run moves every amount by a cent so every row really changes.
+bool updateBatch(BenchDatabase &database, QString &why)
+{
+    static std::map<BenchDatabase *, std::vector<clsProposedBudgetItem>> loaded;
+    static int round = 0;
+    auto &items = loaded[&database];
+    auto store = storeOn<clsProposedBudget>(database);
+    if (items.empty()) {
+        store.ProposedBudgetItem() = {.ProposalID = "1", .FundID = "A", .LedgerID = "E"};
+        if (!store.GetListNew(items))
+            return fail(why, store.Error());
+        for (auto &item : items)
+            item.ProposalID = "1";
+    }
+    const Currency step = Currency::fromRaw(++round % 2 ? 100 : -100);
+    store.BeginTransaction();
+    for (auto &item : items) {
+        item.ProposedCatP += step;
+        item.ProposedBudget += step;
+        store.ProposedBudgetItem() = item;
+        if (!store.UpdateBatch()) {
+            store.AbortTransaction();
+            return fail(why, store.Error());
+        }
+    }
+    store.Endtransaction();
+    return true;
+}
+
+bool initNewProposal(BenchDatabase &database, QString &why)
+{
+    auto store = storeOn<clsProposal>(database);
+    store.ProposalItem() = {.ID = "2", .Name = "Board Adjusted Budget"};
+    QString source = QStringLiteral("C");
+    return store.InitNewProposal(source) || fail(why, store.Error());
+}
+
+// Walks every top folder of the general fund's expenditure tree.
+bool foldersAcctCodeCount(BenchDatabase &database, QString &why)
+{
+    auto store = storeOn<clsTreeSummary>(database);
+    store.TreeItem() = {.NodeType = "T", .FundID = "A", .LedgerID = "E", .ParentID = 0};
+    std::vector<clsTreeItem> roots;
+    if (!store.GetChildren(roots))
+        return fail(why, store.Error());
+    for (const clsTreeItem &root : roots) {
+        if (!store.GetFoldersAcctCodeCount(root, 1))
+            return fail(why, store.Error());
+    }
+    if (store.Items().size() < 1000)
+        why = QStringLiteral("%1 folders walked, 1000 expected").arg(store.Items().size());
+    return store.Items().size() >= 1000;
+}
+
+bool populate(BenchDatabase &database, QString &why)
+{
+    return database.populate(why);
+}
+
+struct Named {
+    const char *name;
+    Operation operation;
+    bool startsEmpty; // the operation needs the tables emptied first (outside the timing)
+};
+
+const Named operations[] = {
+    {"Populate10000", populate, true},
+    {"GetListNew5000", getListNew, false},
+    {"UpdateBatch5000", updateBatch, false},
+    {"InitNewProposalFromC", initNewProposal, false},
+    {"GetFoldersAcctCodeCount1000", foldersAcctCodeCount, false},
+};
+
+void run(benchmark::State &state, BenchDatabase *(*open)(), const Named &op)
+{
+    BenchDatabase *database = open();
+    QString why;
+    for (auto _ : state) {
+        if (op.startsEmpty) {
+            state.PauseTiming();
+            const bool cleared = database->clear(why);
+            state.ResumeTiming();
+            if (!cleared)
+                break;
+        }
+        if (!op.operation(*database, why))
+            break;
+    }
+    if (!why.isEmpty())
+        state.SkipWithError(why.toStdString().c_str());
+}
+
+// Runs each operation once on SQLite, writing the statements it sends to DIR/<name>.sql.
+int writeSql(const QString &folder)
+{
+    QDir().mkpath(folder);
+    BenchDatabase *database = BenchDatabase::sqlite();
+    // The shell starts each operation from a copy of the database as the operation found it.
+    auto keep = [&](const char *name) {
+        const QString copy = folder + u'/' + QLatin1String(name) + QStringLiteral(".db");
+        QFile::remove(copy);
+        return QFile::copy(database->sqliteFile(), copy);
+    };
+    for (const Named &op : operations) {
+        QString why;
+        if (op.startsEmpty && !database->clear(why))
+            return 1;
+        if (!keep(op.name))
+            return 1;
+        database->traceTo(folder + u'/' + QLatin1String(op.name) + QStringLiteral(".sql"));
+        const bool done = op.operation(*database, why);
+        database->traceTo(QString());
+        if (!done) {
+            std::fprintf(stderr, "%s: %s\n", op.name, qPrintable(why));
+            return 1;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    if (argc == 3 && std::strcmp(argv[1], "--write-sql") == 0)
+        return writeSql(QString::fromLocal8Bit(argv[2]));
+    for (const Named &op : operations) {
+        benchmark::RegisterBenchmark((std::string(op.name) + "/SQLite").c_str(), run, &BenchDatabase::sqlite, op)
+            ->Unit(benchmark::kMillisecond);
+        if (!qEnvironmentVariableIsEmpty("KORA_BENCH_PG"))
+            benchmark::RegisterBenchmark((std::string(op.name) + "/PostgreSQL").c_str(), run, &BenchDatabase::postgres,
+                                         op)
+                ->Unit(benchmark::kMillisecond);
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
