@@ -1,0 +1,503 @@
+#include "dataaccesscontrol.h"
+
+#include "file.h"
+#include "fundtable.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+using FileStatus = recman::Status;
+
+constexpr int statusInvalidOperation = 1;
+constexpr int statusFileNotOpen = 3;
+constexpr int statusEndOfFile = 9;
+constexpr int statusFileNotFound = 12;
+
+// What AbortTransaction must put back, newest last.
+struct UndoStep {
+    enum Kind { RemoveInserted, RestoreUpdated, ReinsertDeleted } kind;
+    std::vector<std::uint8_t> before; // record as it was (update, delete)
+    std::vector<std::uint8_t> after;  // record as written (insert, update)
+};
+
+std::vector<std::uint8_t> copyOf(recman::Bytes bytes)
+{
+    return {bytes.begin(), bytes.end()};
+}
+} // namespace
+
+struct DataAccessControl::Impl {
+    QString ddfPath;
+    QString fileName;
+    QString location;
+    QString vaccessName;
+    QString selectedFields;
+    QString message;
+    QString joinField;
+    QString resolvedPath;
+    int index = 0;
+    int status = 0;
+    int blankChar = 0;
+    int cacheRows = 0;
+    bool extendedOps = false;
+    bool autoMode = false;
+    bool cancelDialog = false;
+
+    FundTable table;
+    recman::File file;
+    std::vector<std::uint8_t> buffer;
+    bool positionedByStep = false;
+    bool blockStartsAtCurrent = false;
+    std::vector<std::vector<QVariant>> rows;
+
+    DataAccessControl *master = nullptr;
+    std::vector<DataAccessControl *> details;
+
+    bool inTransaction = false;
+    std::vector<UndoStep> undo;
+
+    int set(int code, const QString &text = {})
+    {
+        status = code;
+        message = text;
+        return code;
+    }
+
+    int fromFile(FileStatus code)
+    {
+        return set(recman::statusNumber(code),
+                   code == FileStatus::Success ? QString() : QString::fromStdString(file.lastMessage()));
+    }
+
+    char pad() const { return blankChar == 0 ? ' ' : static_cast<char>(blankChar); }
+
+    bool requireOpen()
+    {
+        if (file.isOpen())
+            return true;
+        set(statusFileNotOpen, QStringLiteral("file not open"));
+        return false;
+    }
+
+    const FundField *fieldOrFail(const QString &name)
+    {
+        const FundField *field = table.field(name);
+        if (!field)
+            set(StatusUnknownField, QStringLiteral("table \"%1\" has no field \"%2\"").arg(table.name, name));
+        return field;
+    }
+
+    // Finds the record whose bytes equal `record` (through key 0, then duplicates).
+    FileStatus locate(const std::vector<std::uint8_t> &record)
+    {
+        const auto key = file.keyValueOf(0, record);
+        FileStatus found = file.getEqual(0, key);
+        while (found == FileStatus::Success && !std::ranges::equal(file.record(), record)) {
+            found = file.getNext(0);
+            if (found == FileStatus::Success && file.keyValueOf(0, file.record()) != key)
+                found = FileStatus::KeyNotFound;
+        }
+        return found;
+    }
+
+    FileStatus undoStep(const UndoStep &step)
+    {
+        if (step.kind == UndoStep::ReinsertDeleted)
+            return file.insert(step.before);
+        const FileStatus found = locate(step.after);
+        if (found != FileStatus::Success)
+            return found;
+        return step.kind == UndoStep::RemoveInserted ? file.erase() : file.update(step.before);
+    }
+};
+
+DataAccessControl::DataAccessControl() : impl_(std::make_unique<Impl>())
+{
+}
+
+DataAccessControl::~DataAccessControl()
+{
+    setJoin(nullptr, {});
+    for (DataAccessControl *detail : impl_->details)
+        detail->impl_->master = nullptr;
+    Close();
+}
+
+const QString &DataAccessControl::DdfPath() const
+{
+    return impl_->ddfPath;
+}
+void DataAccessControl::setDdfPath(const QString &path)
+{
+    impl_->ddfPath = path;
+}
+const QString &DataAccessControl::FileName() const
+{
+    return impl_->fileName;
+}
+void DataAccessControl::setFileName(const QString &tableName)
+{
+    impl_->fileName = tableName;
+}
+const QString &DataAccessControl::Location() const
+{
+    return impl_->location;
+}
+void DataAccessControl::setLocation(const QString &location)
+{
+    impl_->location = location;
+}
+int DataAccessControl::IndexNumber() const
+{
+    return impl_->index;
+}
+void DataAccessControl::setIndexNumber(int key)
+{
+    impl_->index = key;
+}
+int DataAccessControl::Status() const
+{
+    return impl_->status;
+}
+const QString &DataAccessControl::Message() const
+{
+    return impl_->message;
+}
+int DataAccessControl::BlankChar() const
+{
+    return impl_->blankChar;
+}
+void DataAccessControl::setBlankChar(int character)
+{
+    impl_->blankChar = character;
+}
+bool DataAccessControl::ExtendedOps() const
+{
+    return impl_->extendedOps;
+}
+void DataAccessControl::setExtendedOps(bool on)
+{
+    impl_->extendedOps = on;
+}
+bool DataAccessControl::AutoMode() const
+{
+    return impl_->autoMode;
+}
+void DataAccessControl::setAutoMode(bool on)
+{
+    impl_->autoMode = on;
+}
+bool DataAccessControl::CancelDialog() const
+{
+    return impl_->cancelDialog;
+}
+void DataAccessControl::setCancelDialog(bool on)
+{
+    impl_->cancelDialog = on;
+}
+int DataAccessControl::CacheRows() const
+{
+    return impl_->cacheRows;
+}
+void DataAccessControl::setCacheRows(int rows)
+{
+    impl_->cacheRows = std::max(rows, 0);
+}
+const QString &DataAccessControl::SelectedFields() const
+{
+    return impl_->selectedFields;
+}
+void DataAccessControl::setSelectedFields(const QString &fields)
+{
+    impl_->selectedFields = fields;
+}
+int DataAccessControl::Rows() const
+{
+    return static_cast<int>(impl_->rows.size());
+}
+const QString &DataAccessControl::VAccessName() const
+{
+    return impl_->vaccessName;
+}
+void DataAccessControl::setVAccessName(const QString &name)
+{
+    impl_->vaccessName = name;
+}
+const QString &DataAccessControl::Join() const
+{
+    return impl_->joinField;
+}
+QString DataAccessControl::resolvedFilePath() const
+{
+    return impl_->resolvedPath;
+}
+
+QVariant DataAccessControl::RowColumnValue(int row, int column) const
+{
+    if (row < 0 || row >= Rows() || column < 0 || column >= static_cast<int>(impl_->rows[row].size()))
+        return {};
+    return impl_->rows[row][column];
+}
+
+std::int64_t DataAccessControl::TotalRecords() const
+{
+    return impl_->file.isOpen() ? impl_->file.info().recordCount : 0;
+}
+
+void DataAccessControl::setJoin(DataAccessControl *master, const QString &field)
+{
+    if (impl_->master)
+        std::erase(impl_->master->impl_->details, this);
+    impl_->master = master;
+    impl_->joinField = master ? field : QString();
+    if (master)
+        master->impl_->details.push_back(this);
+}
+
+QVariant DataAccessControl::FieldValue(const QString &field)
+{
+    const FundField *definition = impl_->fieldOrFail(field);
+    return definition ? decodeFundField(*definition, impl_->buffer) : QVariant();
+}
+
+bool DataAccessControl::setFieldValue(const QString &field, const QVariant &value)
+{
+    const FundField *definition = impl_->fieldOrFail(field);
+    if (!definition)
+        return false;
+    QString why;
+    if (!encodeFundField(*definition, value, impl_->buffer, impl_->pad(), why)) {
+        impl_->set(StatusBadFieldValue, QStringLiteral("field \"%1\": %2").arg(definition->name, why));
+        return false;
+    }
+    return true;
+}
+
+void DataAccessControl::clearRecord()
+{
+    auto &buffer = impl_->buffer;
+    std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+    for (const FundField &field : impl_->table.fields) {
+        if (field.type == recman::DataType::String)
+            std::fill_n(buffer.begin() + field.offset, field.size, std::uint8_t(' '));
+    }
+}
+
+int DataAccessControl::Open()
+{
+    Close();
+    Impl &d = *impl_;
+    QString message;
+    if (const int status = readFundTable(d.ddfPath, d.fileName, d.table, message); status != 0)
+        return d.set(status, message);
+    const QString location = d.location.isEmpty() ? d.table.location : d.location;
+    const auto path = resolveFundPath(d.ddfPath, location);
+    if (!path)
+        return d.set(statusFileNotFound, QStringLiteral("no data file at \"%1\"").arg(location));
+    FileStatus opened = d.file.open(*path, recman::OpenMode::ReadWrite);
+    if (opened != FileStatus::Success && opened != FileStatus::FileNotFound)
+        opened = d.file.open(*path, recman::OpenMode::ReadOnly);
+    if (opened != FileStatus::Success)
+        return d.fromFile(opened);
+    if (d.file.info().recordLength < static_cast<std::uint32_t>(d.table.recordLength)) {
+        d.file.close();
+        return d.set(static_cast<int>(FileStatus::DataBufferTooShort),
+                     QStringLiteral("records of \"%1\" are %2 bytes, the dictionary needs %3")
+                         .arg(location)
+                         .arg(d.file.info().recordLength)
+                         .arg(d.table.recordLength));
+    }
+    d.resolvedPath = QString::fromStdString(path->string());
+    d.buffer.assign(d.file.info().recordLength, 0);
+    clearRecord();
+    return d.set(0);
+}
+
+int DataAccessControl::Close()
+{
+    Impl &d = *impl_;
+    if (d.inTransaction)
+        AbortTransaction();
+    d.file.close();
+    d.rows.clear();
+    return d.set(0);
+}
+
+int DataAccessControl::positioned(recman::Status result, bool byStep)
+{
+    Impl &d = *impl_;
+    if (result == FileStatus::Success) {
+        const auto record = d.file.record();
+        std::copy(record.begin(), record.end(), d.buffer.begin());
+        d.positionedByStep = byStep;
+        d.blockStartsAtCurrent = true;
+        for (DataAccessControl *detail : d.details)
+            detail->followMaster();
+    }
+    return d.fromFile(result);
+}
+
+void DataAccessControl::followMaster()
+{
+    Impl &d = *impl_;
+    if (!d.file.isOpen() || !d.master)
+        return;
+    const QVariant value = d.master->FieldValue(d.joinField);
+    clearRecord();
+    if (setFieldValue(d.joinField, value))
+        GetEqual();
+}
+
+int DataAccessControl::GetEqual()
+{
+    if (!impl_->requireOpen())
+        return impl_->status;
+    return positioned(impl_->file.getEqual(impl_->index, impl_->file.keyValueOf(impl_->index, impl_->buffer)), false);
+}
+
+int DataAccessControl::GetGreaterOrEqual()
+{
+    if (!impl_->requireOpen())
+        return impl_->status;
+    return positioned(impl_->file.getGreaterOrEqual(impl_->index, impl_->file.keyValueOf(impl_->index, impl_->buffer)),
+                      false);
+}
+
+int DataAccessControl::GetNext()
+{
+    return impl_->requireOpen() ? positioned(impl_->file.getNext(impl_->index), false) : impl_->status;
+}
+
+int DataAccessControl::GetLast()
+{
+    return impl_->requireOpen() ? positioned(impl_->file.getLast(impl_->index), false) : impl_->status;
+}
+
+int DataAccessControl::GetFirst()
+{
+    return impl_->requireOpen() ? positioned(impl_->file.getFirst(impl_->index), false) : impl_->status;
+}
+
+int DataAccessControl::StepFirst()
+{
+    return impl_->requireOpen() ? positioned(impl_->file.stepFirst(), true) : impl_->status;
+}
+
+int DataAccessControl::StepNext()
+{
+    return impl_->requireOpen() ? positioned(impl_->file.stepNext(), true) : impl_->status;
+}
+
+int DataAccessControl::GetNextExtended()
+{
+    Impl &d = *impl_;
+    d.rows.clear();
+    if (!d.requireOpen())
+        return d.status;
+    if (!d.extendedOps)
+        return d.set(statusInvalidOperation, QStringLiteral("extended operations are off (ExtendedOps)"));
+    std::vector<const FundField *> columns;
+    for (const QString &name : d.selectedFields.split(u',', Qt::SkipEmptyParts)) {
+        const FundField *field = d.fieldOrFail(name.trimmed());
+        if (!field)
+            return d.status;
+        columns.push_back(field);
+    }
+    const std::size_t wanted =
+        d.cacheRows > 0 ? static_cast<std::size_t>(d.cacheRows) : std::numeric_limits<std::size_t>::max();
+    auto advance = [&] { return d.positionedByStep ? d.file.stepNext() : d.file.getNext(d.index); };
+    FileStatus result = d.blockStartsAtCurrent && !d.file.record().empty() ? FileStatus::Success : advance();
+    while (result == FileStatus::Success) {
+        std::vector<QVariant> row;
+        row.reserve(columns.size());
+        for (const FundField *field : columns)
+            row.push_back(decodeFundField(*field, d.file.record()));
+        d.rows.push_back(std::move(row));
+        if (d.rows.size() == wanted)
+            break;
+        result = advance();
+    }
+    d.blockStartsAtCurrent = false;
+    if (d.rows.empty())
+        return d.fromFile(result);
+    const auto record = d.file.record();
+    std::copy(record.begin(), record.end(), d.buffer.begin());
+    return d.set(0);
+}
+
+int DataAccessControl::Insert()
+{
+    Impl &d = *impl_;
+    if (!d.requireOpen())
+        return d.status;
+    const FileStatus result = d.file.insert(d.buffer);
+    if (result == FileStatus::Success && d.inTransaction)
+        d.undo.push_back({UndoStep::RemoveInserted, {}, d.buffer});
+    return d.fromFile(result);
+}
+
+int DataAccessControl::Update()
+{
+    Impl &d = *impl_;
+    if (!d.requireOpen())
+        return d.status;
+    auto before = copyOf(d.file.record());
+    const FileStatus result = d.file.update(d.buffer);
+    if (result == FileStatus::Success && d.inTransaction)
+        d.undo.push_back({UndoStep::RestoreUpdated, std::move(before), d.buffer});
+    return d.fromFile(result);
+}
+
+int DataAccessControl::Delete()
+{
+    Impl &d = *impl_;
+    if (!d.requireOpen())
+        return d.status;
+    auto before = copyOf(d.file.record());
+    const FileStatus result = d.file.erase();
+    if (result == FileStatus::Success && d.inTransaction)
+        d.undo.push_back({UndoStep::ReinsertDeleted, std::move(before), {}});
+    return d.fromFile(result);
+}
+
+// One process owns the files; there is no other holder of a lock to release.
+int DataAccessControl::Unlock()
+{
+    return impl_->requireOpen() ? impl_->set(0) : impl_->status;
+}
+
+int DataAccessControl::BeginTransaction()
+{
+    Impl &d = *impl_;
+    if (!d.requireOpen())
+        return d.status;
+    if (d.inTransaction)
+        return d.set(statusInvalidOperation, QStringLiteral("a transaction is already open"));
+    d.inTransaction = true;
+    d.undo.clear();
+    return d.set(0);
+}
+
+int DataAccessControl::Endtransaction()
+{
+    Impl &d = *impl_;
+    if (!d.inTransaction)
+        return d.set(statusInvalidOperation, QStringLiteral("no transaction is open"));
+    d.inTransaction = false;
+    d.undo.clear();
+    return d.set(0);
+}
+
+int DataAccessControl::AbortTransaction()
+{
+    Impl &d = *impl_;
+    if (!d.inTransaction)
+        return d.set(statusInvalidOperation, QStringLiteral("no transaction is open"));
+    d.inTransaction = false;
+    FileStatus result = FileStatus::Success;
+    for (auto step = d.undo.rbegin(); step != d.undo.rend() && result == FileStatus::Success; ++step)
+        result = d.undoStep(*step);
+    d.undo.clear();
+    return d.fromFile(result);
+}

@@ -1,0 +1,133 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace recman {
+enum class Status : int;
+}
+
+// The data-access control: one open Kora-Fund file seen through the data
+// dictionary. Set DdfPath, FileName (the dictionary's table name) and
+// optionally Location (the data file, a Windows path), then Open. Every
+// operation returns the status it leaves in Status (0 = done); Message says
+// what went wrong in words.
+//
+// Records are read into and written from one record buffer: FieldValue reads
+// and sets a field of it by name, the keyed Get operations search with the key
+// value that the buffer's key fields hold (IndexNumber chooses the key), and
+// Insert/Update write the buffer. A Get that fails leaves buffer and position
+// as they were.
+//
+// Field values: text fields give QString (right-trimmed), integer fields
+// qlonglong, amount fields Currency (which converts to QString as plain decimal
+// text), anything else the dictionary's decoded value as text. Setting takes
+// the same types or text and converts by the field's type.
+class DataAccessControl {
+public:
+    // Status codes of the control's own failures, beside the file engine's.
+    enum : int {
+        StatusDictionaryMissing = 1001, // no readable FILE.DDF/FIELD.DDF/INDEX.DDF at DdfPath
+        StatusUnknownTable = 1002,      // FileName not in the dictionary
+        StatusUnknownField = 1003,      // FieldValue on a name the table does not have
+        StatusBadFieldValue = 1004,     // value cannot be stored in the field (type, size)
+    };
+
+    DataAccessControl();
+    ~DataAccessControl();
+    DataAccessControl(const DataAccessControl &) = delete;
+    DataAccessControl &operator=(const DataAccessControl &) = delete;
+
+    const QString &DdfPath() const;
+    void setDdfPath(const QString &path);
+    const QString &FileName() const;
+    void setFileName(const QString &tableName);
+    const QString &Location() const;
+    void setLocation(const QString &location);
+    int IndexNumber() const;
+    void setIndexNumber(int key);
+
+    // A failed access (unknown field, a value that does not fit) sets Status
+    // and Message; a successful one leaves them as the last operation left them.
+    QVariant FieldValue(const QString &field);
+    bool setFieldValue(const QString &field, const QVariant &value);
+    // Every field to its empty value (blanks, zero), e.g. before building a new record.
+    void clearRecord();
+
+    int Status() const;
+    const QString &Message() const;
+
+    // 0 pads written text with blanks as the dictionary's files are; any
+    // other character code pads with that character.
+    int BlankChar() const;
+    void setBlankChar(int character);
+
+    // Settings of the block read GetNextExtended. ExtendedOps must be on for it;
+    // CacheRows is the block size (0 = to the end of the file); SelectedFields
+    // names the columns, comma-separated. AutoMode and CancelDialog are kept
+    // for the callers that set them; without a progress dialog they change nothing.
+    bool ExtendedOps() const;
+    void setExtendedOps(bool on);
+    bool AutoMode() const;
+    void setAutoMode(bool on);
+    bool CancelDialog() const;
+    void setCancelDialog(bool on);
+    int CacheRows() const;
+    void setCacheRows(int rows);
+    const QString &SelectedFields() const;
+    void setSelectedFields(const QString &fields);
+    // The block the last GetNextExtended delivered; row and column from 0.
+    int Rows() const;
+    QVariant RowColumnValue(int row, int column) const;
+
+    const QString &VAccessName() const;
+    void setVAccessName(const QString &name);
+
+    // Joins this control to a master: after each successful positioning of the
+    // master, this control reads its record whose current key equals the
+    // master's value of `field` (its own status tells whether one was found).
+    // Null master ends the join. Both controls must outlive the join.
+    void setJoin(DataAccessControl *master, const QString &field);
+    const QString &Join() const;
+
+    // Records in the open file.
+    std::int64_t TotalRecords() const;
+
+    int Open();
+    int Close();
+    int GetEqual();
+    int GetGreaterOrEqual();
+    int GetNext();
+    int GetLast();
+    int GetFirst();
+    int GetNextExtended();
+    int StepFirst();
+    int StepNext();
+    int Insert();
+    int Update();
+    int Delete();
+    int Unlock();
+    // A transaction on this control: writes after BeginTransaction are undone,
+    // last first, by AbortTransaction; Endtransaction keeps them. Closing the
+    // file with a transaction open aborts it.
+    int BeginTransaction();
+    int AbortTransaction();
+    int Endtransaction();
+
+    // The data file the last Open resolved, as a native path ("" before).
+    QString resolvedFilePath() const;
+
+    struct Impl;
+
+private:
+    // Takes a positioning result: the record into the buffer, joined controls follow.
+    int positioned(recman::Status result, bool byStep);
+    void followMaster();
+
+    std::unique_ptr<Impl> impl_;
+};
