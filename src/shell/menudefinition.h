@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+class mdiParent;
+
+// One entry of the frame's menu: its name (the key the privilege records
+// use), caption with access key, the name of the menu it sits in (empty for
+// the menu bar) and what it does. A separator has no caption and no action.
+struct MenuEntry {
+    QString name;
+    QString caption;
+    QString parent;
+    std::function<void(mdiParent &)> action;
+    bool isSeparator() const { return caption.isEmpty(); }
+};
+
+// The whole menu, in order.
+const std::vector<MenuEntry> &frameMenu();

@@ -1,0 +1,747 @@
+#include "classgrid.h"
+
+#include "formcomplexsorting.h"
+#include "twips.h"
+#include "wrappererror.h"
+
+#include "messageservice.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <QTableView>
+
+#include <algorithm>
+
+namespace {
+
+QString source(const char *member)
+{
+    return QStringLiteral("classGrid.") + QLatin1String(member);
+}
+
+// Editors never accept more characters than the column's maximum length.
+class LimitedLengthDelegate : public QStyledItemDelegate {
+public:
+    LimitedLengthDelegate(const GridModel &model, QObject *parent) : QStyledItemDelegate(parent), model_(model) {}
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        QWidget *editor = QStyledItemDelegate::createEditor(parent, option, index);
+        const int limit = model_.columns()[index.column()].MaxLength();
+        if (auto *line = qobject_cast<QLineEdit *>(editor); line && limit > 0)
+            line->setMaxLength(limit);
+        return editor;
+    }
+
+private:
+    const GridModel &model_;
+};
+
+bool sameValue(GridColumnType type, const QString &a, const QString &b)
+{
+    if (type == GridColumnType::Amount) {
+        const auto left = a.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(a);
+        const auto right = b.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(b);
+        if (left && right)
+            return *left == *right;
+    }
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+classGrid::classGrid(QObject *parent)
+    : QObject(parent), model_(std::make_unique<GridModel>()), totals_(std::make_unique<GridTotalsModel>(*model_))
+{
+    connect(model_.get(), &GridModel::cellEdited, this, [this](int row, int column) {
+        if (!balanceKey_.isEmpty() && model_->columns()[column].Key() == balanceAmountKey_)
+            RefreshBalance();
+        emit cellChanged(row + 1, model_->columns()[column].Key());
+    });
+}
+
+classGrid::~classGrid()
+{
+    // The views may outlive the wrapper; they must not keep our models.
+    if (view_)
+        view_->setModel(nullptr);
+    if (companion_)
+        companion_->setModel(nullptr);
+}
+
+void classGrid::Init(QTableView *grid, QTableView *companion)
+{
+    view_ = grid;
+    companion_ = companion;
+    view_->setModel(model_.get());
+    view_->setItemDelegate(new LimitedLengthDelegate(*model_, view_));
+    view_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view_->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
+    view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 6);
+    view_->verticalHeader()->setVisible(false); // keeps the totals' columns under the grid's
+    view_->setWordWrap(false);
+    view_->installEventFilter(this);
+    view_->viewport()->installEventFilter(this);
+    connect(view_->horizontalHeader(), &QHeaderView::sectionClicked, this, &classGrid::onHeaderClicked);
+    connect(view_->horizontalHeader(), &QHeaderView::sectionResized, this, [this] { syncCompanionWidths(); });
+    if (companion_) {
+        companion_->setModel(totals_.get());
+        companion_->horizontalHeader()->hide();
+        companion_->verticalHeader()->setVisible(false);
+        companion_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        companion_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        companion_->setSelectionMode(QAbstractItemView::NoSelection);
+        companion_->setFocusPolicy(Qt::NoFocus);
+        companion_->setFixedHeight(view_->verticalHeader()->defaultSectionSize() + 2 * companion_->frameWidth());
+        companion_->setVisible(totalsShown_);
+        // The totals scroll sideways with the grid above them.
+        connect(view_->horizontalScrollBar(), &QScrollBar::valueChanged, companion_->horizontalScrollBar(),
+                &QScrollBar::setValue);
+    }
+    setSingleSelection(singleSelection_);
+    applyEditTriggers();
+}
+
+void classGrid::SetVertScrollBar(bool always)
+{
+    if (view_)
+        view_->setVerticalScrollBarPolicy(always ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
+}
+
+void classGrid::Reset()
+{
+    model_->clearAll();
+    sortOrder_.clear();
+    defaultSort_.clear();
+    balanceAmountKey_.clear();
+    balanceKey_.clear();
+    multiLine_ = false;
+    multiLineConstant_ = 1;
+    multiLineColumnKey_.clear();
+    model_->setGreenbar(false);
+    ShowTotals(false);
+}
+
+void classGrid::Refresh()
+{
+    if (view_)
+        view_->viewport()->update();
+    RefreshTotals();
+}
+
+int classGrid::CountRows() const
+{
+    return model_->rowCount();
+}
+
+int classGrid::CountColumns() const
+{
+    return model_->columnCount();
+}
+
+bool classGrid::Greenbar() const
+{
+    return model_->greenbar();
+}
+
+void classGrid::setGreenbar(bool on)
+{
+    model_->setGreenbar(on);
+}
+
+void classGrid::RefreshGreenbar()
+{
+    model_->setGreenbar(model_->greenbar());
+}
+
+void classGrid::setLinesHorizontal(bool on)
+{
+    linesHorizontal_ = on;
+    if (view_)
+        view_->setShowGrid(linesHorizontal_ || linesVertical_);
+}
+
+void classGrid::setLinesVertical(bool on)
+{
+    linesVertical_ = on;
+    if (view_)
+        view_->setShowGrid(linesHorizontal_ || linesVertical_);
+}
+
+void classGrid::setMultiLineMode(bool on)
+{
+    multiLine_ = on;
+    if (view_)
+        view_->setWordWrap(on);
+    RefreshMultiLine();
+}
+
+int classGrid::MultiLineValueConstant() const
+{
+    if (!multiLine_)
+        throw WrapperError(wrongModeError, source("MultiLineValueConstant.Get"),
+                           QStringLiteral("Wrong mode to use this property."));
+    return multiLineConstant_;
+}
+
+void classGrid::setMultiLineValueConstant(int lines)
+{
+    if (!multiLine_)
+        throw WrapperError(wrongModeError, source("MultiLineValueConstant.Let"),
+                           QStringLiteral("Wrong mode to use this property."));
+    multiLineConstant_ = std::max(1, lines);
+    multiLineColumnKey_.clear();
+    RefreshMultiLine();
+}
+
+QString classGrid::MultiLineValueColumnKey() const
+{
+    if (!multiLine_)
+        throw WrapperError(wrongModeError, source("MultiLineValueColumnKey.Get"),
+                           QStringLiteral("Wrong mode to use this property."));
+    return multiLineColumnKey_;
+}
+
+void classGrid::setMultiLineValueColumnKey(const QString &key)
+{
+    if (!multiLine_)
+        throw WrapperError(wrongModeError, source("MultiLineValueColumnKey.Let"),
+                           QStringLiteral("Wrong mode to use this property."));
+    columnIndex(key, "MultiLineValueColumnKey.Let");
+    multiLineColumnKey_ = key;
+    RefreshMultiLine();
+}
+
+void classGrid::RefreshMultiLine()
+{
+    if (!view_)
+        return;
+    const int lineHeight = view_->fontMetrics().lineSpacing();
+    const int column = multiLineColumnKey_.isEmpty() ? -1 : model_->columnOf(multiLineColumnKey_);
+    for (int row = 0; row < model_->rowCount(); ++row) {
+        int lines = 1;
+        if (multiLine_)
+            lines = column >= 0 ? std::max(1, model_->cell(row, column).toInt()) : multiLineConstant_;
+        view_->verticalHeader()->resizeSection(row, lines * lineHeight + 6);
+    }
+}
+
+void classGrid::setSingleSelection(bool on)
+{
+    singleSelection_ = on;
+    if (view_)
+        view_->setSelectionMode(on ? QAbstractItemView::SingleSelection : QAbstractItemView::ExtendedSelection);
+}
+
+classGridColumn &classGrid::AddColumn(const QString &key, const QString &caption, const GridColumnOptions &options)
+{
+    if (key.isEmpty())
+        throw WrapperError(invalidPropertyValueError, source("AddColumn"), invalidKeyText());
+    if (model_->columnOf(key) >= 0)
+        throw WrapperError(457, source("AddColumn"), duplicateKeyText());
+    model_->addColumn(classGridColumn(key, caption, options));
+    const int column = model_->columnCount() - 1;
+    applyColumn(column);
+    return model_->columns()[column];
+}
+
+const classGridColumn &classGrid::Column(const QString &key) const
+{
+    return model_->columns()[columnIndex(key, "Column")];
+}
+
+classGridColumn &classGrid::Column(const QString &key)
+{
+    return model_->columns()[columnIndex(key, "Column")];
+}
+
+QString classGrid::ColumnExtra1(const QString &key) const
+{
+    return model_->columns()[columnIndex(key, "ColumnExtra1.Get")].Extra1();
+}
+
+void classGrid::setColumnExtra1(const QString &key, const QString &text)
+{
+    model_->columns()[columnIndex(key, "ColumnExtra1.Let")].setExtra1(text);
+}
+
+bool classGrid::ColumnHidden(const QString &key) const
+{
+    return model_->columns()[columnIndex(key, "ColumnHidden.Get")].Hidden();
+}
+
+void classGrid::setColumnHidden(const QString &key, bool hidden)
+{
+    const int column = columnIndex(key, "ColumnHidden.Let");
+    model_->columns()[column].setHidden(hidden || model_->columns()[column].IsOrigTwin());
+    applyColumn(column);
+}
+
+bool classGrid::ColumnDataEdit(const QString &key) const
+{
+    return model_->columns()[columnIndex(key, "ColumnDataEdit.Get")].Editable();
+}
+
+void classGrid::setColumnDataEdit(const QString &key, bool editable)
+{
+    const int column = columnIndex(key, "ColumnDataEdit.Let");
+    model_->columns()[column].setEditable(editable && !model_->columns()[column].IsOrigTwin());
+    model_->columnChanged(column);
+}
+
+QString classGrid::ColumnName(const QString &key) const
+{
+    return model_->columns()[columnIndex(key, "ColumnName.Get")].Description();
+}
+
+void classGrid::setColumnName(const QString &key, const QString &caption)
+{
+    const int column = columnIndex(key, "ColumnName.Let");
+    model_->columns()[column].setDescription(caption);
+    model_->columnChanged(column);
+}
+
+QString classGrid::ColumnKey(int column) const
+{
+    if (column < 1 || column > model_->columnCount())
+        throw WrapperError(invalidArrayIndexError, source("ColumnKey"), QStringLiteral("Invalid column index value"));
+    return model_->columns()[column - 1].Key();
+}
+
+void classGrid::ColumnWidth(const QString &key, int twips)
+{
+    const int column = columnIndex(key, "ColumnWidth");
+    model_->columns()[column].setWidthTwips(twips);
+    applyColumn(column);
+}
+
+bool classGrid::ColumnTotal(const QString &key) const
+{
+    return model_->columns()[columnIndex(key, "ColumnTotal.Get")].Total();
+}
+
+void classGrid::setColumnTotal(const QString &key, bool on)
+{
+    const int column = columnIndex(key, "ColumnTotal.Let");
+    model_->columns()[column].setTotal(on && !model_->columns()[column].IsOrigTwin());
+    RefreshTotals();
+}
+
+int classGrid::AddRow()
+{
+    const int row = model_->appendRow() + 1;
+    if (multiLine_)
+        RefreshMultiLine();
+    return row;
+}
+
+void classGrid::DeleteRow(int row)
+{
+    model_->removeRow(rowIndex(row, "DeleteRow"));
+    RefreshBalance();
+}
+
+void classGrid::ResetRows(int count)
+{
+    if (count < 0)
+        throw WrapperError(invalidPropertyValueError, source("ResetRows"), invalidCountText());
+    model_->clearRows();
+    model_->setRowCountTo(count);
+}
+
+QString classGrid::GetItemValue(int row, const QString &key) const
+{
+    const int r = rowIndex(row, "GetItemValue");
+    return model_->cell(r, columnIndex(key, "GetItemValue"));
+}
+
+QString classGrid::GetCellValue(int row, const QString &key) const
+{
+    const int r = rowIndex(row, "GetCellValue");
+    return model_->displayText(r, columnIndex(key, "GetCellValue"));
+}
+
+Currency classGrid::GetAmount(int row, const QString &key) const
+{
+    const int r = rowIndex(row, "GetAmount");
+    return model_->amount(r, columnIndex(key, "GetAmount")).value_or(Currency());
+}
+
+void classGrid::SetCell(int row, const QString &key, const QString &value)
+{
+    const int r = rowIndex(row, "SetCell");
+    const int column = columnIndex(key, "SetCell");
+    if (!model_->setCell(r, column, value))
+        throw WrapperError(13, source("SetCell"), QStringLiteral("Type mismatch"));
+    if (key == balanceAmountKey_)
+        RefreshBalance();
+}
+
+void classGrid::SetCell(int row, const QString &key, Currency amount)
+{
+    SetCell(row, key, amount.toSqlText());
+}
+
+void classGrid::SetCell(int row, const QString &key, bool checked)
+{
+    SetCell(row, key, checked ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+bool classGrid::CellLocked(int row, const QString &key) const
+{
+    const int r = rowIndex(row, "CellLocked.Get");
+    return model_->locked(r, columnIndex(key, "CellLocked.Get"));
+}
+
+void classGrid::setCellLocked(int row, const QString &key, bool locked)
+{
+    const int r = rowIndex(row, "CellLocked.Let");
+    model_->setLocked(r, columnIndex(key, "CellLocked.Let"), locked);
+}
+
+QString classGrid::GetValueUsingKey(const QString &searchKey, const QString &value, const QString &wantedKey) const
+{
+    const int search = columnIndex(searchKey, "GetValueUsingKey");
+    const int wanted = columnIndex(wantedKey, "GetValueUsingKey");
+    for (int row = 0; row < model_->rowCount(); ++row) {
+        if (model_->cell(row, search) == value)
+            return model_->cell(row, wanted);
+    }
+    return {};
+}
+
+bool classGrid::RowChanged(int row) const
+{
+    const int r = rowIndex(row, "RowChanged");
+    const auto &columns = model_->columns();
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        if (columns[c].IsOrigTwin())
+            continue;
+        const int twin = model_->columnOf(QStringLiteral("Orig") + columns[c].Key());
+        if (twin >= 0 && !sameValue(columns[c].Type(), model_->cell(r, int(c)), model_->cell(r, twin)))
+            return true;
+    }
+    return false;
+}
+
+int classGrid::CurrentRow() const
+{
+    if (!view_ || !view_->currentIndex().isValid())
+        return 0;
+    return view_->currentIndex().row() + 1;
+}
+
+QString classGrid::CurrentColumnName() const
+{
+    if (!view_ || !view_->currentIndex().isValid())
+        return {};
+    return model_->columns()[view_->currentIndex().column()].Key();
+}
+
+QString classGrid::CurrentCellValue() const
+{
+    if (!view_ || !view_->currentIndex().isValid())
+        return {};
+    return model_->cell(view_->currentIndex().row(), view_->currentIndex().column());
+}
+
+void classGrid::setCurrentCellValue(const QString &value)
+{
+    const int row = CurrentRow();
+    if (row == 0)
+        throw WrapperError(invalidArrayIndexError, source("CurrentCellValue.Let"), invalidRowText());
+    SetCell(row, CurrentColumnName(), value);
+}
+
+QString classGrid::CurrentRowValue(const QString &key) const
+{
+    const int row = CurrentRow();
+    if (row == 0)
+        throw WrapperError(invalidArrayIndexError, source("CurrentRowValue.Get"), invalidRowText());
+    return GetItemValue(row, key);
+}
+
+void classGrid::setCurrentRowValue(const QString &key, const QString &value)
+{
+    const int row = CurrentRow();
+    if (row == 0)
+        throw WrapperError(invalidArrayIndexError, source("CurrentRowValue.Let"), invalidRowText());
+    SetCell(row, key, value);
+}
+
+void classGrid::SelectRow(int row)
+{
+    const int r = rowIndex(row, "SelectRow");
+    if (!view_)
+        return;
+    int column = 0;
+    while (column < model_->columnCount() && model_->columns()[column].Hidden())
+        ++column;
+    const QModelIndex at = model_->index(r, std::min(column, model_->columnCount() - 1));
+    view_->setCurrentIndex(at);
+    view_->selectionModel()->select(at, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    view_->scrollTo(at);
+}
+
+void classGrid::ClearSelectedRow(int row)
+{
+    const int r = rowIndex(row, "ClearSelectedRow");
+    if (view_)
+        view_->selectionModel()->select(model_->index(r, 0), QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+}
+
+void classGrid::ClearSelectedRows()
+{
+    if (view_)
+        view_->clearSelection();
+}
+
+int classGrid::FirstselectedRow() const
+{
+    if (!view_)
+        return 0;
+    const QModelIndexList rows = view_->selectionModel()->selectedRows();
+    if (rows.isEmpty())
+        return 0;
+    const auto first = std::min_element(rows.begin(), rows.end(),
+                                        [](const QModelIndex &a, const QModelIndex &b) { return a.row() < b.row(); });
+    return first->row() + 1;
+}
+
+QStringList classGrid::GetSelectedByKey(const QString &key) const
+{
+    const int column = columnIndex(key, "GetSelectedByKey");
+    QStringList values;
+    if (!view_)
+        return values;
+    QModelIndexList rows = view_->selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end(), [](const QModelIndex &a, const QModelIndex &b) { return a.row() < b.row(); });
+    for (const QModelIndex &row : rows)
+        values << model_->cell(row.row(), column);
+    return values;
+}
+
+void classGrid::SortingDisable()
+{
+    sortingBeforeDisable_ = sorting_;
+    sorting_ = false;
+}
+
+void classGrid::SortingRestore()
+{
+    sorting_ = sortingBeforeDisable_;
+}
+
+void classGrid::DoSortSimple(const QString &key)
+{
+    const int column = columnIndex(key, "DoSortSimple");
+    if (!sorting_ || !model_->columns()[column].SortSimple())
+        return;
+    // A second click on the same column turns the order round.
+    const bool ascending = sortOrder_.size() != 1 || sortOrder_.front().Key() != key || !sortOrder_.front().Ascending();
+    SetSort({classGridSortLayout(key, ascending)});
+}
+
+void classGrid::DoSortComplex()
+{
+    const auto &columns = model_->columns();
+    const bool offered = std::any_of(columns.begin(), columns.end(),
+                                     [](const classGridColumn &c) { return c.SortComplex() && !c.IsOrigTwin(); });
+    if (!offered) {
+        messages().messageBox({QStringLiteral("Error"),
+                               QStringLiteral("This feature has not been enabled for this window."), MsgButtons::OK,
+                               MsgIcon::Exclamation, MsgAnswer::OK});
+        return;
+    }
+    formComplexSorting dialog(view_ ? view_->window() : nullptr);
+    for (const auto &column : columns) {
+        if (column.SortComplex() && !column.IsOrigTwin())
+            dialog.AddColumn(column.Key(), column.HeadingOneLine());
+    }
+    dialog.SetLayout(sortOrder_);
+    dialog.exec();
+    if (dialog.CloseAction() == formComplexSorting::Confirmed)
+        SetSort(dialog.Action());
+}
+
+void classGrid::SetSort(const GridSortOrder &order)
+{
+    for (const auto &step : order)
+        columnIndex(step.Key(), "SetSort");
+    sortOrder_ = order;
+    model_->sortRows(sortOrder_);
+    RefreshBalance();
+}
+
+void classGrid::ResetSort()
+{
+    SetSort(defaultSort_);
+}
+
+int classGrid::HeaderHeight() const
+{
+    return view_ ? pixelsToTwips(view_->horizontalHeader()->height()) : 0;
+}
+
+void classGrid::setHeaderHeight(int twips)
+{
+    if (view_)
+        view_->horizontalHeader()->setFixedHeight(twipsToPixels(twips));
+}
+
+void classGrid::Balance(const QString &amountKey, const QString &balanceKey)
+{
+    columnIndex(amountKey, "Balance");
+    columnIndex(balanceKey, "Balance");
+    balanceAmountKey_ = amountKey;
+    balanceKey_ = balanceKey;
+    RefreshBalance();
+}
+
+void classGrid::RefreshBalance()
+{
+    if (balanceKey_.isEmpty())
+        return;
+    const int amount = model_->columnOf(balanceAmountKey_);
+    const int balance = model_->columnOf(balanceKey_);
+    Currency running;
+    for (int row = 0; row < model_->rowCount(); ++row) {
+        running += model_->amount(row, amount).value_or(Currency());
+        model_->setCell(row, balance, running.toSqlText());
+    }
+}
+
+void classGrid::ShowTotals(bool on)
+{
+    totalsShown_ = on;
+    if (companion_)
+        companion_->setVisible(on);
+    syncCompanionWidths();
+}
+
+void classGrid::RefreshTotals()
+{
+    totals_->refresh();
+}
+
+Currency classGrid::GetColumnTotal(const QString &key) const
+{
+    return model_->columnTotal(columnIndex(key, "GetColumnTotal"));
+}
+
+void classGrid::setDirectEdit(bool on)
+{
+    directEdit_ = on;
+    applyEditTriggers();
+}
+
+void classGrid::RefreshHScrollBar()
+{
+    if (view_)
+        view_->updateGeometry();
+    syncCompanionWidths();
+}
+
+bool classGrid::Visible() const
+{
+    return view_ && !view_->isHidden();
+}
+
+void classGrid::setVisible(bool on)
+{
+    if (view_)
+        view_->setVisible(on);
+    if (companion_)
+        companion_->setVisible(on && totalsShown_);
+}
+
+bool classGrid::eventFilter(QObject *watched, QEvent *event)
+{
+    if (!view_)
+        return false;
+    if (watched == view_) {
+        switch (event->type()) {
+        case QEvent::KeyPress: {
+            const auto *key = static_cast<QKeyEvent *>(event);
+            emit keyPressed(key->text().isEmpty() ? key->key() : key->text().at(0).unicode());
+            break;
+        }
+        case QEvent::Show:
+        case QEvent::Hide:
+            emit visibilityChanged();
+            break;
+        case QEvent::Resize:
+            emit resized();
+            break;
+        default:
+            break;
+        }
+    } else if (watched == view_->viewport()) {
+        if (event->type() == QEvent::MouseButtonDblClick &&
+            static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+            emit leftDoubleClicked();
+        } else if (event->type() == QEvent::MouseButtonPress &&
+                   static_cast<QMouseEvent *>(event)->button() == Qt::RightButton) {
+            const QModelIndex at = view_->indexAt(static_cast<QMouseEvent *>(event)->position().toPoint());
+            if (at.isValid())
+                view_->setCurrentIndex(at);
+            emit rightClicked();
+        }
+    }
+    return false;
+}
+
+int classGrid::columnIndex(const QString &key, const char *member) const
+{
+    const int column = model_->columnOf(key);
+    if (column < 0)
+        throw WrapperError(invalidPropertyValueError, source(member), invalidKeyText());
+    return column;
+}
+
+int classGrid::rowIndex(int row, const char *member) const
+{
+    if (row < 1 || row > model_->rowCount())
+        throw WrapperError(invalidArrayIndexError, source(member), invalidRowText());
+    return row - 1;
+}
+
+void classGrid::applyColumn(int column)
+{
+    const classGridColumn &settings = model_->columns()[column];
+    for (QTableView *view : {view_.data(), companion_.data()}) {
+        if (!view)
+            continue;
+        view->setColumnHidden(column, settings.Hidden());
+        view->setColumnWidth(column, twipsToPixels(settings.WidthTwips()));
+    }
+    model_->columnChanged(column);
+}
+
+void classGrid::applyEditTriggers()
+{
+    if (!view_)
+        return;
+    view_->setEditTriggers(directEdit_ ? QAbstractItemView::AllEditTriggers
+                                       : QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+}
+
+void classGrid::syncCompanionWidths()
+{
+    if (!view_ || !companion_)
+        return;
+    for (int column = 0; column < model_->columnCount(); ++column) {
+        companion_->setColumnHidden(column, view_->isColumnHidden(column));
+        companion_->setColumnWidth(column, view_->columnWidth(column));
+    }
+}
+
+void classGrid::onHeaderClicked(int section)
+{
+    if (section >= 0 && section < model_->columnCount())
+        DoSortSimple(model_->columns()[section].Key());
+}

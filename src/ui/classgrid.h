@@ -1,0 +1,178 @@
+#pragma once
+
+#include "gridcolumn.h"
+#include "gridmodel.h"
+#include "gridsortlayout.h"
+
+#include "currency.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+
+#include <memory>
+
+#include <QTableView>
+
+// The grid wrapper: a table view of rows addressed by 1-based index and
+// columns addressed by key, with a companion view underneath that shows the
+// totals. Wrong use throws WrapperError and changes nothing.
+class classGrid : public QObject {
+    Q_OBJECT
+public:
+    explicit classGrid(QObject *parent = nullptr);
+    ~classGrid() override;
+
+    // Binds the wrapper to its views; the companion may be null.
+    void Init(QTableView *grid, QTableView *companion);
+    QTableView *view() const { return view_; }
+    QTableView *companionView() const { return companion_; }
+    void SetVertScrollBar(bool always);
+    void Reset();   // no columns, no rows, default settings
+    void Refresh(); // repaint after many changes
+    int CountRows() const;
+    int CountColumns() const;
+
+    bool Greenbar() const;
+    void setGreenbar(bool on);
+    void RefreshGreenbar();
+    bool LinesHorizontal() const { return linesHorizontal_; }
+    void setLinesHorizontal(bool on);
+    bool LinesVertical() const { return linesVertical_; }
+    void setLinesVertical(bool on);
+
+    // Multi-line mode: rows grow to show several lines, either a constant
+    // number or the number held in a column of the row.
+    bool MultiLineMode() const { return multiLine_; }
+    void setMultiLineMode(bool on);
+    int MultiLineValueConstant() const;
+    void setMultiLineValueConstant(int lines);
+    QString MultiLineValueColumnKey() const;
+    void setMultiLineValueColumnKey(const QString &key);
+    void RefreshMultiLine();
+
+    bool SingleSelection() const { return singleSelection_; }
+    void setSingleSelection(bool on);
+
+    classGridColumn &AddColumn(const QString &key, const QString &caption, const GridColumnOptions &options = {});
+    const classGridColumn &Column(const QString &key) const;
+    classGridColumn &Column(const QString &key);
+    QString ColumnExtra1(const QString &key) const;
+    void setColumnExtra1(const QString &key, const QString &text);
+    bool ColumnHidden(const QString &key) const;
+    void setColumnHidden(const QString &key, bool hidden);
+    bool ColumnDataEdit(const QString &key) const;
+    void setColumnDataEdit(const QString &key, bool editable);
+    QString ColumnName(const QString &key) const; // the caption
+    void setColumnName(const QString &key, const QString &caption);
+    QString ColumnKey(int column) const; // 1-based
+    void ColumnWidth(const QString &key, int twips);
+    bool ColumnTotal(const QString &key) const;
+    void setColumnTotal(const QString &key, bool on);
+
+    int AddRow(); // the new row's index
+    void DeleteRow(int row);
+    void ResetRows(int count = 0);
+
+    // Plain value: amounts as "1234.5", check cells "1"/"0".
+    QString GetItemValue(int row, const QString &key) const;
+    QString CellValue(int row, const QString &key) const { return GetItemValue(row, key); }
+    // As shown: amounts as "1,234.50".
+    QString GetCellValue(int row, const QString &key) const;
+    Currency GetAmount(int row, const QString &key) const;
+    void SetCell(int row, const QString &key, const QString &value);
+    void SetCell(int row, const QString &key, Currency amount);
+    void SetCell(int row, const QString &key, bool checked);
+    bool CellLocked(int row, const QString &key) const;
+    void setCellLocked(int row, const QString &key, bool locked);
+    // The value in `wantedKey` of the first row whose `searchKey` cell equals
+    // `value`; empty when none does.
+    QString GetValueUsingKey(const QString &searchKey, const QString &value, const QString &wantedKey) const;
+    // True when any column of the row differs from its "Orig" twin (text
+    // compared without regard to case, amounts by value).
+    bool RowChanged(int row) const;
+
+    int CurrentRow() const; // 0 when none
+    QString CurrentColumnName() const;
+    QString CurrentCellValue() const;
+    void setCurrentCellValue(const QString &value);
+    QString CurrentRowValue(const QString &key) const;
+    void setCurrentRowValue(const QString &key, const QString &value);
+    void SelectRow(int row); // makes it current and selected
+    void SetSelectedRow(int row) { SelectRow(row); }
+    void ClearSelectedRow(int row);
+    void ClearSelectedRows();
+    int FirstselectedRow() const; // 0 when none
+    QStringList GetSelectedByKey(const QString &key) const;
+
+    bool Sorting() const { return sorting_; }
+    void setSorting(bool on) { sorting_ = on; }
+    void SortingDisable();
+    void SortingRestore();
+    void DoSortSimple(const QString &key);
+    // The complex-sorting dialog; "This feature has not been enabled for this
+    // window." when no column is offered in it.
+    void DoSortComplex();
+    void SetSort(const GridSortOrder &order);
+    GridSortOrder GetSort() const { return sortOrder_; }
+    void ClearSort() { sortOrder_.clear(); }
+    void ResetSort();
+    void SaveSortDefault() { defaultSort_ = sortOrder_; }
+
+    int HeaderHeight() const; // twips
+    void setHeaderHeight(int twips);
+
+    // The balance column shows the running sum of an amount column.
+    void Balance(const QString &amountKey, const QString &balanceKey);
+    void RefreshBalance();
+
+    void ShowTotals(bool on);
+    void RefreshTotals();
+    Currency GetColumnTotal(const QString &key) const;
+
+    // On: typing starts editing the current cell; off: a double click or F2.
+    bool DirectEdit() const { return directEdit_; }
+    void setDirectEdit(bool on);
+    void RefreshHScrollBar();
+
+    bool Visible() const;
+    void setVisible(bool on);
+
+signals:
+    void cellChanged(int row, const QString &key);
+    void keyPressed(int key);
+    void leftDoubleClicked();
+    void rightClicked();
+    void visibilityChanged();
+    void resized();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    int columnIndex(const QString &key, const char *member) const;
+    int rowIndex(int row, const char *member) const;
+    void applyColumn(int column);
+    void applyEditTriggers();
+    void syncCompanionWidths();
+    void onHeaderClicked(int section);
+
+    std::unique_ptr<GridModel> model_;
+    std::unique_ptr<GridTotalsModel> totals_;
+    QPointer<QTableView> view_;
+    QPointer<QTableView> companion_;
+    bool linesHorizontal_ = true;
+    bool linesVertical_ = true;
+    bool multiLine_ = false;
+    int multiLineConstant_ = 1;
+    QString multiLineColumnKey_;
+    bool singleSelection_ = true;
+    bool sorting_ = true;
+    bool sortingBeforeDisable_ = true;
+    bool directEdit_ = true;
+    bool totalsShown_ = false;
+    GridSortOrder sortOrder_;
+    GridSortOrder defaultSort_;
+    QString balanceAmountKey_;
+    QString balanceKey_;
+};

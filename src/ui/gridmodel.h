@@ -1,0 +1,83 @@
+#pragma once
+
+#include "gridcolumn.h"
+#include "gridsortlayout.h"
+
+#include "currency.h"
+
+#include <QAbstractTableModel>
+
+#include <optional>
+#include <vector>
+
+// The cells of one grid: text per cell (amounts in their plain SQL form,
+// check cells "1"/"0"), a lock flag per cell, and the columns' settings.
+// Rows and columns are 0-based here; the wrapper speaks 1-based rows.
+class GridModel : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    using QAbstractTableModel::QAbstractTableModel;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+    void clearAll();
+    void addColumn(const classGridColumn &column);
+    std::vector<classGridColumn> &columns() { return columns_; }
+    const std::vector<classGridColumn> &columns() const { return columns_; }
+    // -1 when no column has the key.
+    int columnOf(const QString &key) const;
+    void columnChanged(int column);
+
+    int appendRow();
+    void removeRow(int row);
+    void setRowCountTo(int count);
+    void clearRows();
+
+    const QString &cell(int row, int column) const { return rows_[row].cells[column]; }
+    // Stores a value in the column's form; false when an amount does not parse.
+    bool setCell(int row, int column, const QString &value);
+    std::optional<Currency> amount(int row, int column) const;
+    QString displayText(int row, int column) const;
+    bool locked(int row, int column) const { return rows_[row].locked[column] != 0; }
+    void setLocked(int row, int column, bool on);
+
+    void setGreenbar(bool on);
+    bool greenbar() const { return greenbar_; }
+    void sortRows(const GridSortOrder &order);
+    Currency columnTotal(int column) const;
+
+signals:
+    // A user's edit (not a value set by code).
+    void cellEdited(int row, int column);
+
+private:
+    struct Row {
+        std::vector<QString> cells;
+        std::vector<char> locked;
+    };
+    bool editable(int row, int column) const;
+    int compareCells(int column, const Row &a, const Row &b) const;
+
+    std::vector<classGridColumn> columns_;
+    std::vector<Row> rows_;
+    bool greenbar_ = false;
+};
+
+// The companion grid's single row: the totals of the columns marked Total.
+class GridTotalsModel : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    explicit GridTotalsModel(GridModel &cells, QObject *parent = nullptr);
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    void refresh();
+
+private:
+    GridModel &cells_;
+};

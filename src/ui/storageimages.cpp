@@ -1,0 +1,51 @@
+#include "storageimages.h"
+
+#include <QApplication>
+#include <QHash>
+#include <QStyle>
+
+namespace {
+
+QHash<QString, QIcon> &addedImages()
+{
+    static QHash<QString, QIcon> images;
+    return images;
+}
+
+const QHash<QString, QStyle::StandardPixmap> &standardImages()
+{
+    static const QHash<QString, QStyle::StandardPixmap> images{
+        {QStringLiteral("Folder"), QStyle::SP_DirIcon},
+        {QStringLiteral("Object"), QStyle::SP_FileIcon},
+        {QStringLiteral("New"), QStyle::SP_FileDialogNewFolder},
+        {QStringLiteral("Edit"), QStyle::SP_FileDialogDetailedView},
+        {QStringLiteral("Delete"), QStyle::SP_TrashIcon},
+        {QStringLiteral("Save"), QStyle::SP_DialogSaveButton},
+        {QStringLiteral("Print"), QStyle::SP_FileDialogContentsView},
+        {QStringLiteral("Refresh"), QStyle::SP_BrowserReload},
+        {QStringLiteral("Up"), QStyle::SP_ArrowUp},
+        {QStringLiteral("Down"), QStyle::SP_ArrowDown},
+        {QStringLiteral("Open"), QStyle::SP_DialogOpenButton},
+        {QStringLiteral("Close"), QStyle::SP_DialogCloseButton},
+        {QStringLiteral("Find"), QStyle::SP_FileDialogContentsView},
+        {QStringLiteral("Help"), QStyle::SP_DialogHelpButton},
+    };
+    return images;
+}
+
+} // namespace
+
+QIcon formStorageImages::Image(const QString &key)
+{
+    if (const auto added = addedImages().constFind(key); added != addedImages().cend())
+        return *added;
+    const auto standard = standardImages().constFind(key);
+    if (standard == standardImages().cend() || !qApp)
+        return {};
+    return QApplication::style()->standardIcon(*standard);
+}
+
+void formStorageImages::AddImage(const QString &key, const QIcon &icon)
+{
+    addedImages().insert(key, icon);
+}
