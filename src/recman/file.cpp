@@ -1,5 +1,6 @@
 #include "file.h"
 
+#include "collation.h"
 #include "keyorder.h"
 #include "openfile.h"
 #include "recordscan.h"
@@ -57,6 +58,8 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
     std::error_code error;
     if (!std::filesystem::exists(path, error))
         return fail(Status::FileNotFound, "file not found: " + path.string());
+    if (!std::filesystem::is_regular_file(path, error))
+        return fail(Status::InvalidFileName, path.string() + " is not a file");
     const auto reason =
         impl->handle.open(path, mode == OpenMode::ReadOnly ? FileHandle::Mode::Read : FileHandle::Mode::ReadWrite);
     if (!reason.empty())
@@ -67,6 +70,7 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
     try {
         impl->header = readHeader(impl->handle);
         impl->pages = std::make_unique<PageMap>(impl->handle, impl->header);
+        attachCollatingSequences(impl->header, *impl->pages);
         auto scan = scanRecords(impl->header, *impl->pages);
         impl->info = describe(impl->header, scan);
         impl->records = std::move(scan.records);

@@ -47,6 +47,9 @@ KeySegment readSegment(Bytes page, std::size_t at, const FileHeader &header, int
     segment.length = bytes::u16(page, at + 0x16);
     segment.rawType = bytes::u8(page, at + 0x1C);
     segment.nullValue = bytes::u8(page, at + 0x1D);
+    if (header.format == Format::V6)
+        segment.acsPage = static_cast<std::uint32_t>(bytes::u8(page, at + 0x19)) << 16 |
+                          static_cast<std::uint32_t>(bytes::u8(page, at + 0x1B)) << 8 | bytes::u8(page, at + 0x1A);
     // Uncompressed 6.x slots start with a 2-byte usage count that key positions include.
     if (position < header.userOffset)
         throw FormatError("key " + std::to_string(key) + " segment " + std::to_string(segmentNumber) +
@@ -202,8 +205,6 @@ FileHeader readNewFormat(const FileHandle &file, Bytes first)
     if (header.versionWord >= 0x0800)
         throw FormatError("format version " + hex(header.versionWord, 4) +
                           " (8.x or later) has a different page layout; not supported");
-    if (header.versionWord < 0x0600 || header.versionWord >= 0x0800)
-        throw FormatError("unknown 6.x/7.x format version " + hex(header.versionWord, 4));
     header.pageSize = bytes::u16(first, fcr::PageSize);
     if (!validPageSize(header.pageSize))
         throw FormatError("page size " + std::to_string(header.pageSize) + " is not a multiple of 512 in 512..4096");
@@ -223,7 +224,7 @@ FileHeader readNewFormat(const FileHandle &file, Bytes first)
     if (bytes::u16(header.page, fcr::Version) != header.versionWord)
         header.versionWord = bytes::u16(header.page, fcr::Version);
     if (header.versionWord >= 0x0800 || header.versionWord < 0x0600)
-        throw FormatError("current control record has format version " + hex(header.versionWord, 4));
+        throw FormatError("unknown 6.x/7.x format version " + hex(header.versionWord, 4));
     parseCommon(header.page, header);
     if (bytes::u8(header.page, fcr::KeyCountAgain) != header.keys.size())
         throw FormatError("control record disagrees with itself on the number of keys");

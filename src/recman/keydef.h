@@ -65,6 +65,7 @@ struct KeySegment {
     std::uint32_t length = 0;
     std::uint8_t nullValue = 0;
     std::shared_ptr<const CollatingSequence> acs; // set when keyflag::Acs is on
+    std::uint32_t acsPage = 0;                    // 6.x: logical page of its table, 0 = the file's default
 
     // The type the comparison uses: the extended type, or the old binary/string choice.
     DataType type() const;

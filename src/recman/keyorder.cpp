@@ -174,6 +174,13 @@ std::size_t sortImageLength(const KeyDefinition &key)
 
 void appendSortImage(const KeyDefinition &key, Bytes keyValue, std::vector<std::uint8_t> &out)
 {
+    std::vector<std::uint8_t> padded;
+    if (keyValue.size() < key.length()) {
+        // Callers check lengths; a short value is still never read past its end.
+        padded.assign(keyValue.begin(), keyValue.end());
+        padded.resize(key.length(), 0);
+        keyValue = padded;
+    }
     std::size_t position = 0;
     for (const auto &segment : key.segments) {
         if (segment.length == 0)
@@ -185,9 +192,13 @@ void appendSortImage(const KeyDefinition &key, Bytes keyValue, std::vector<std::
 
 void appendKeyValue(const KeyDefinition &key, Bytes record, std::vector<std::uint8_t> &out)
 {
+    // Bytes beyond a short record (an expanded compressed record, say) count as zeros.
     for (const auto &segment : key.segments) {
-        const auto part = record.subspan(segment.offset, segment.length);
-        out.insert(out.end(), part.begin(), part.end());
+        const std::size_t start = std::min<std::size_t>(segment.offset, record.size());
+        const std::size_t available = std::min<std::size_t>(segment.length, record.size() - start);
+        out.insert(out.end(), record.begin() + static_cast<std::ptrdiff_t>(start),
+                   record.begin() + static_cast<std::ptrdiff_t>(start + available));
+        out.insert(out.end(), segment.length - available, 0);
     }
 }
 

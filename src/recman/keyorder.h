@@ -20,8 +20,8 @@ void appendSortImage(const KeyDefinition &key, Bytes keyValue, std::vector<std::
 // Length of the sort image of a key (fixed per key).
 std::size_t sortImageLength(const KeyDefinition &key);
 
-// The key value of a record: its segments' bytes, concatenated. The record
-// must be long enough (checked when the file is opened).
+// The key value of a record: its segments' bytes, concatenated (zeros for
+// bytes a short record does not have).
 void appendKeyValue(const KeyDefinition &key, Bytes record, std::vector<std::uint8_t> &out);
 
 // True when the record is left out of the key because of the null-key flags.

@@ -57,6 +57,17 @@ std::unordered_set<std::uint32_t> freeSlots(const FileHeader &header, const Page
     return free;
 }
 
+// 5.x slots carry no usage count: a slot that is all zero after a pointer-sized
+// first word was deleted or never used. (A live record shaped like that is
+// indistinguishable; the free chain is the primary test.)
+bool looksFree(const FileHeader &header, Bytes slot)
+{
+    if (!std::all_of(slot.begin() + 4, slot.end(), [](std::uint8_t b) { return b == 0; }))
+        return false;
+    const auto next = bytes::ws32(slot, 0);
+    return next == 0 || next == 0xFFFFFFFFu || (next % header.pageSize) >= 6;
+}
+
 // Follows a chain of variable-page fragments and appends their bytes.
 class TailReader {
 public:
@@ -176,6 +187,8 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
                 result.unusedSlots.push_back(address);
                 continue;
             }
+            if (header.format == Format::V5 && looksFree(header, bytesOfSlot))
+                continue;
             record.clear();
             if (header.compressed) {
                 std::vector<std::uint8_t> stream;
