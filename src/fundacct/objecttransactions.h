@@ -67,7 +67,9 @@ public:
     QString PeriodStart = QString::fromLatin1(lowestDateText);
     QString PeriodEnd = QString::fromLatin1(highestDateText);
 
-    // The summary file of a ledger ('R', 'E', 'G'); null before Init or for another letter.
+    // The summary file of a ledger ('R', 'E', 'G'); null before Init or for
+    // another letter. Each control keeps its own view of its file: a summary
+    // object that is to see the postings takes this control (setDataControl).
     std::shared_ptr<DataAccessControl> SummaryControl(QChar ledger) const;
     // Words for the last failure of an operation of this object.
     QString ErrorMsg() const { return errorMsg_.isEmpty() ? Message() : errorMsg_; }
