@@ -134,11 +134,8 @@ Status File::positionAt(int key, std::size_t position)
 
 Status File::keyed(int key, Bytes keyValue, int operation)
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
-    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
-        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist; the file has " +
-                                                  std::to_string(impl_->indexes.size()) + " keys");
+    if (const auto refused = checkKey(key))
+        return *refused;
     auto &index = impl_->indexes[static_cast<std::size_t>(key)];
     if (keyValue.size() < index.key().length())
         return fail(Status::InvalidKeyLength, "key value of " + std::to_string(keyValue.size()) +
@@ -188,90 +185,95 @@ Status File::getLessOrEqual(int key, Bytes keyValue)
     return keyed(key, keyValue, LessOrEqual);
 }
 
-Status File::getFirst(int key)
+std::optional<Status> File::checkKey(int key) const
 {
     if (!impl_)
         return fail(Status::FileNotOpen, "file not open");
     if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
-        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist");
+        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist; the file has " +
+                                                  std::to_string(impl_->indexes.size()) + " keys");
+    return std::nullopt;
+}
+
+Status File::getFirst(int key)
+{
+    if (const auto refused = checkKey(key))
+        return *refused;
     return positionAt(key, 0);
 }
 
 Status File::getLast(int key)
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
-    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
-        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist");
+    if (const auto refused = checkKey(key))
+        return *refused;
     const auto size = impl_->indexes[static_cast<std::size_t>(key)].size();
     return positionAt(key, size == 0 ? 0 : size - 1);
 }
 
 Status File::getNext(int key)
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
-    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
-        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist");
-    if (!impl_->current || impl_->keyPath < 0)
-        return fail(Status::InvalidPositioning, "no current record on a key; use a get operation first");
-    if (impl_->keyPath != key)
-        return fail(Status::DifferentKeyNumber,
-                    "positioned on key " + std::to_string(impl_->keyPath) + ", not " + std::to_string(key));
-    auto &index = impl_->indexes[static_cast<std::size_t>(key)];
-    auto position = index.lowerBound(impl_->keyImage, *impl_->current);
-    if (position < index.size() && index.ordinalAt(position) == *impl_->current)
-        ++position;
-    return positionAt(key, position);
+    return neighbour(key, +1);
 }
-
 Status File::getPrevious(int key)
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
-    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
-        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist");
+    return neighbour(key, -1);
+}
+
+Status File::neighbour(int key, int direction)
+{
+    if (const auto refused = checkKey(key))
+        return *refused;
     if (!impl_->current || impl_->keyPath < 0)
         return fail(Status::InvalidPositioning, "no current record on a key; use a get operation first");
     if (impl_->keyPath != key)
         return fail(Status::DifferentKeyNumber,
                     "positioned on key " + std::to_string(impl_->keyPath) + ", not " + std::to_string(key));
+    // Found again by (key image, ordinal): this works even when the current
+    // record has since been deleted.
     auto &index = impl_->indexes[static_cast<std::size_t>(key)];
-    const auto position = index.lowerBound(impl_->keyImage, *impl_->current);
+    auto position = index.lowerBound(impl_->keyImage, *impl_->current);
+    if (direction > 0)
+        return positionAt(key, position < index.size() && index.ordinalAt(position) == *impl_->current ? position + 1
+                                                                                                       : position);
     return positionAt(key, position == 0 ? index.size() : position - 1);
 }
 
-namespace {
-
-// Next live ordinal from `start` in direction `step` (+1/-1), or nullopt.
-std::optional<std::uint32_t> liveFrom(const RecordStore &records, std::int64_t start, int step)
+Status File::stepFirst()
 {
-    for (std::int64_t at = start; at >= 0 && at < static_cast<std::int64_t>(records.size()); at += step)
-        if (records.live(static_cast<std::size_t>(at)))
-            return static_cast<std::uint32_t>(at);
-    return std::nullopt;
+    return step(Step::First);
+}
+Status File::stepLast()
+{
+    return step(Step::Last);
+}
+Status File::stepNext()
+{
+    return step(Step::Next);
+}
+Status File::stepPrevious()
+{
+    return step(Step::Previous);
 }
 
-} // namespace
-
-#define RECMAN_STEP(name, startExpression, direction)                                                                  \
-    Status File::name()                                                                                                \
-    {                                                                                                                  \
-        if (!impl_)                                                                                                    \
-            return fail(Status::FileNotOpen, "file not open");                                                         \
-        const auto found = liveFrom(impl_->records, startExpression, direction);                                       \
-        if (!found)                                                                                                    \
-            return fail(Status::EndOfFile, "no record in that direction");                                             \
-        impl_->current = *found;                                                                                       \
-        impl_->keyPath = -1;                                                                                           \
-        return Status::Success;                                                                                        \
-    }
-
-RECMAN_STEP(stepFirst, 0, +1)
-RECMAN_STEP(stepLast, static_cast<std::int64_t>(impl_->records.size()) - 1, -1)
-RECMAN_STEP(stepNext, impl_->current ? std::int64_t{*impl_->current} + 1 : -1, +1)
-RECMAN_STEP(stepPrevious, impl_->current ? std::int64_t{*impl_->current} - 1 : -1, -1)
-#undef RECMAN_STEP
+Status File::step(Step which)
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    const auto &records = impl_->records;
+    const auto count = static_cast<std::int64_t>(records.size());
+    const std::int64_t current = impl_->current ? std::int64_t{*impl_->current} : -2;
+    const int direction = (which == Step::First || which == Step::Next) ? +1 : -1;
+    std::int64_t at = which == Step::First ? 0 : which == Step::Last ? count - 1 : current + direction;
+    if (!impl_->current && (which == Step::Next || which == Step::Previous))
+        return fail(Status::InvalidPositioning, "no current record to step from");
+    for (; at >= 0 && at < count; at += direction)
+        if (records.live(static_cast<std::size_t>(at))) {
+            impl_->current = static_cast<std::uint32_t>(at);
+            impl_->keyPath = -1;
+            return Status::Success;
+        }
+    return fail(Status::EndOfFile, "no record in that direction");
+}
 
 Bytes File::record() const
 {

@@ -27,6 +27,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -97,8 +98,13 @@ public:
     struct Impl;
 
 private:
+    enum class Step { First, Last, Next, Previous };
+
     Status fail(Status status, std::string message) const;
+    std::optional<Status> checkKey(int key) const;
     Status keyed(int key, Bytes keyValue, int operation);
+    Status neighbour(int key, int direction);
+    Status step(Step which);
     Status positionAt(int key, std::size_t position);
 
     std::unique_ptr<Impl> impl_;
