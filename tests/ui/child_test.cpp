@@ -1,0 +1,134 @@
+#include "mdichild.h"
+
+#include "guiapplication.h"
+#include "recordingmessages.h"
+
+#include <QFile>
+#include <QTableView>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class ChildTest : public ::testing::Test {
+protected:
+    GuiApplicationGuard app;
+    void SetUp() override
+    {
+        guiApplication();
+        child = std::make_unique<mdiChild>();
+        QObject::connect(child.get(), &mdiChild::Command, [this](const QString &c) { commands << c; });
+    }
+
+    void fillGrid(classGrid &grid)
+    {
+        grid.AddColumn("ID", "", {.hidden = true});
+        grid.AddColumn("Fund", "Fund");
+        grid.AddColumn("CurrentBalance", "Current Balance",
+                       {.caption2 = "2004", .type = GridColumnType::Amount, .editable = true});
+        grid.AddColumn("OrigCurrentBalance", "", {.type = GridColumnType::Amount});
+        const int row = grid.AddRow();
+        grid.SetCell(row, "ID", QString("7"));
+        grid.SetCell(row, "Fund", QString("A \"General\""));
+        grid.SetCell(row, "CurrentBalance", QString("1,234.5"));
+        grid.SetCell(row, "OrigCurrentBalance", QString("99"));
+    }
+
+    ScopedMessages shown;
+    std::unique_ptr<mdiChild> child;
+    QStringList commands;
+};
+
+TEST_F(ChildTest, BadGridSlotsAndCountsAreRefused)
+{
+    EXPECT_EQ(child->Grid(0), nullptr);
+    EXPECT_EQ(child->Grid(3), nullptr);
+    ASSERT_EQ(shown->shown().size(), 2u);
+    EXPECT_EQ(shown->shown()[0].message.text, "Invalid grid index value");
+    EXPECT_NE(child->Grid(2), nullptr);
+
+    child->setGridCount(2);
+    child->setGridCount(3);
+    EXPECT_EQ(child->GridCount(), 2);
+    EXPECT_EQ(shown->shown().back().message.text, "Invalid Grid Count Value");
+    child->setGridCount(0);
+    EXPECT_EQ(child->GridCount(), 2);
+}
+
+TEST_F(ChildTest, ExportWritesVisibleColumnsOnly)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("out.csv");
+    fillGrid(*child->Grid(1));
+    shown->answerText(path);
+    child->DoExport();
+
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString::fromUtf8(file.readAll()),
+              "\"Fund\",\"Current Balance 2004\"\r\n\"A \"\"General\"\"\",1234.5\r\n");
+    ASSERT_EQ(shown->shown().size(), 2u);
+    EXPECT_EQ(shown->shown()[0].message.text, "Please enter the file name for the data you want to export to! ");
+    EXPECT_EQ(shown->shown()[0].message.title, "Grid Data Export");
+    EXPECT_EQ(shown->shown()[1].message.text, "Data export finished!");
+}
+
+TEST_F(ChildTest, ACancelledOrEmptyExportWritesNothing)
+{
+    QTemporaryDir dir;
+    fillGrid(*child->Grid(1));
+    shown->answerText(std::nullopt);
+    child->DoExport();
+    shown->answerText(QString("  "));
+    child->DoExport();
+    EXPECT_TRUE(QDir(dir.path()).isEmpty());
+    EXPECT_EQ(shown->shown().size(), 2u); // the two prompts, no "finished"
+}
+
+TEST_F(ChildTest, AnExportThatCannotBeWrittenSaysSo)
+{
+    fillGrid(*child->Grid(1));
+    shown->answerText(QString("/nonexistent-dir/x/out.csv"));
+    child->DoExport();
+    ASSERT_EQ(shown->shown().size(), 2u);
+    EXPECT_TRUE(shown->shown()[1].message.text.startsWith("Cannot write /nonexistent-dir/x/out.csv"));
+}
+
+TEST_F(ChildTest, ActionsComeBackAsCommandStrings)
+{
+    child->Toolbar().AddButton("Folder_Create", "", "New", "Create Folder");
+    child->DropDown().AddDropDown("Ledger", "Ledger:");
+    child->DropDown().AddItem("Ledger", "R", "Revenue");
+    child->setGridCount(2);
+    classGrid &second = *child->Grid(2);
+    second.AddColumn("Amount", "Amount", {.type = GridColumnType::Amount, .editable = true});
+    second.AddRow();
+    commands.clear();
+
+    child->Toolbar().Item("Folder_Create").action()->trigger();
+    emit qobject_cast<QComboBox *>(child->DropDown().control("Ledger"))->activated(0);
+    second.view()->model()->setData(second.view()->model()->index(0, 0), "1", Qt::EditRole);
+    emit second.keyPressed('7');
+    child->DoPrint();
+    child->DoRefresh();
+    child->close();
+    EXPECT_EQ(commands, QStringList({"Folder_Create", "Ledger", "_CellChange(2)", "_KeyPress(2)", "_Print", "_Refresh",
+                                     "_Unload"}));
+    EXPECT_EQ(child->GridKeyAscii(), '7');
+    EXPECT_EQ(child->CurrentGridSlot(), 2);
+}
+
+TEST_F(ChildTest, InitFormEmptiesEveryPart)
+{
+    fillGrid(*child->Grid(1));
+    child->Explorer().AddRootFolder("F", "Folder");
+    child->Statusbar().AddPanel(0, "Status", "Status", "x");
+    child->InitForm();
+    EXPECT_EQ(child->Grid(1)->CountColumns(), 0);
+    EXPECT_EQ(child->Explorer().NodeCount(), 0);
+    EXPECT_EQ(child->Statusbar().Count(), 0);
+    EXPECT_EQ(child->FormType(), "Child");
+}
+
+} // namespace

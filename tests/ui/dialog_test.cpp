@@ -1,0 +1,171 @@
+#include "classdialog.h"
+#include "classdropdown.h"
+#include "classgrid.h"
+#include "twips.h"
+#include "wrappererror.h"
+
+#include "guiapplication.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// A worker that builds a small dialog and writes down what it was asked.
+class RecordingWorker : public DialogWorker {
+public:
+    QStringList events;
+    bool accept = false;
+    bool saveSucceeds = true;
+
+    void FormBuild(classDialog &dialog) override
+    {
+        events << "FormBuild";
+        dialog.SetSize(6200, 5400);
+        dialog.SetCaption("Fund Balances");
+        dialog.AddControl(DialogControlKind::TextBox, "txtName", "Name").Move(200, 100, 3000);
+        dialog.AddControl(DialogControlKind::CommandButton, "cmdGo", "Go").Move(3400, 100, 1000);
+        dialog.AddControl(DialogControlKind::Frame, "fraPreview", "Preview").Move(200, 800, 3000, 1200);
+        dialog.AddControl(DialogControlKind::OptionButton, "optPreview", "Print Preview", "fraPreview").Move(120, 300);
+        dialog.AddControl(DialogControlKind::OptionButton, "optPrint", "Print", "fraPreview").Move(120, 700);
+        dialog.AddControl(DialogControlKind::ComboBox, "cboFunds", "Fund").Move(200, 2200, 4000);
+        dialog.AddControl(DialogControlKind::Grid, "AcctGrid").Move(50, 3000, 6000, 2000);
+        dialog.AddControl(DialogControlKind::StatusBar, "sbrStatus");
+    }
+    void SecurityLock(classDialog &) override { events << "SecurityLock"; }
+    void LoadData(classDialog &dialog) override
+    {
+        events << "LoadData";
+        dialog.Control("cboFunds").AddItem("General", "A");
+        dialog.Control("cboFunds").AddItem("Debt", "B");
+        dialog.Control("cboFunds").setListIndex(0);
+    }
+    void LockControls(classDialog &) override { events << "LockControls"; }
+    void UserAction(classDialog &, const QString &name) override { events << "UserAction:" + name; }
+    bool ValidateData(classDialog &) override
+    {
+        events << "ValidateData";
+        return accept;
+    }
+    bool SaveData(classDialog &) override
+    {
+        events << "SaveData";
+        return saveSucceeds;
+    }
+};
+
+class DialogTest : public ::testing::Test {
+protected:
+    GuiApplicationGuard app;
+    void SetUp() override
+    {
+        guiApplication();
+        dialog.Build();
+        dialog.show();
+    }
+    void clickOK() { dialog.findChild<QPushButton *>("cmdDialogOK")->click(); }
+
+    RecordingWorker worker;
+    classDialog dialog{worker};
+};
+
+TEST_F(DialogTest, BuildingRaisesTheEventsInOrder)
+{
+    EXPECT_EQ(worker.events, QStringList({"FormBuild", "SecurityLock", "LoadData", "LockControls"}));
+    EXPECT_EQ(dialog.windowTitle(), "Fund Balances");
+    EXPECT_EQ(dialog.Control("cboFunds").Text(), "General");
+    EXPECT_EQ(dialog.Control("cboFunds").DropDown().GetSelectedByKey("cboFunds"), "A");
+}
+
+TEST_F(DialogTest, ARefusedValidationKeepsTheDialogOpenAndSavesNothing)
+{
+    worker.events.clear();
+    clickOK();
+    EXPECT_EQ(worker.events, QStringList({"ValidateData"}));
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.CloseAction(), classDialog::Cancelled);
+
+    worker.accept = true;
+    worker.saveSucceeds = false; // a failed write leaves it open too
+    clickOK();
+    EXPECT_TRUE(dialog.isVisible());
+
+    worker.saveSucceeds = true;
+    worker.events.clear();
+    clickOK();
+    EXPECT_EQ(worker.events, QStringList({"ValidateData", "SaveData"}));
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.CloseAction(), classDialog::Saved);
+}
+
+TEST_F(DialogTest, UserActionsCarryTheControlName)
+{
+    worker.events.clear();
+    dialog.findChild<QPushButton *>("cmdGo")->click();
+    dialog.findChild<QRadioButton *>("optPrint")->click();
+    auto *name = dialog.findChild<QLineEdit *>("txtName");
+    name->setFocus();
+    emit name->textEdited("x");
+    DialogControl &grid = dialog.Control("AcctGrid");
+    grid.Grid().AddColumn("Amount", "Amount", {.type = GridColumnType::Amount, .editable = true});
+    grid.Grid().AddRow();
+    grid.Grid().view()->model()->setData(grid.Grid().view()->model()->index(0, 0), "5", Qt::EditRole);
+    EXPECT_EQ(worker.events, QStringList({"UserAction:cmdGo", "UserAction:optPrint", "UserAction:txtName_Change",
+                                          "UserAction:AcctGrid_CellChange"}));
+    dialog.findChild<QPushButton *>("cmdDialogCancel")->click();
+    EXPECT_EQ(worker.events.last(), "UserAction:AcctGrid_CellChange"); // cancel saves nothing
+    EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST_F(DialogTest, ControlsArePlacedInTwipsAndKeepTheirProperties)
+{
+    DialogControl &name = dialog.Control("txtName");
+    EXPECT_NEAR(name.Left(), 200, 15);
+    EXPECT_NEAR(name.Width(), 3000, 15);
+    name.setMaxLength(40);
+    EXPECT_EQ(dialog.findChild<QLineEdit *>("txtName")->maxLength(), 40);
+    EXPECT_EQ(name.Caption(), "Name");
+
+    // Options in one frame exclude each other; positions are inside the frame.
+    DialogControl &preview = dialog.Control("optPreview");
+    DialogControl &print = dialog.Control("optPrint");
+    preview.setValue(true);
+    print.setValue(true);
+    EXPECT_FALSE(preview.Value());
+    EXPECT_EQ(preview.widget()->parentWidget(), dialog.Control("fraPreview").field());
+    EXPECT_NEAR(print.Top(), 700, 15);
+
+    EXPECT_THROW(dialog.AddControl(DialogControlKind::Label, "txtName"), WrapperError);
+    EXPECT_THROW(dialog.AddControl(DialogControlKind::Label, "lblX", "x", "txtName"), WrapperError);
+    EXPECT_THROW(dialog.Control("nothing"), WrapperError);
+    EXPECT_THROW(dialog.Control("cmdGo").Grid(), WrapperError);
+    EXPECT_THROW(dialog.Control("cmdGo").setMaxLength(3), WrapperError);
+}
+
+TEST(DialogMask, ClassicMasksBecomeInputMasks)
+{
+    EXPECT_EQ(inputMaskFromClassic("#####-####"), "99999-9999");
+    EXPECT_EQ(inputMaskFromClassic("###-###-####"), "999-999-9999");
+    EXPECT_EQ(inputMaskFromClassic("?A&"), "anx");
+    EXPECT_EQ(inputMaskFromClassic("(9)"), "(\\9)");
+}
+
+TEST(DialogRun, SaveFromAWorkerButtonFollowsTheSameRule)
+{
+    guiApplication();
+    RecordingWorker worker;
+    classDialog dialog(worker);
+    dialog.Build();
+    worker.events.clear();
+    EXPECT_FALSE(dialog.Save());
+    worker.accept = true;
+    EXPECT_TRUE(dialog.Save());
+    EXPECT_EQ(worker.events, QStringList({"ValidateData", "ValidateData", "SaveData"}));
+    dialog.Reload();
+    EXPECT_EQ(worker.events.mid(3), QStringList({"LoadData", "LockControls"}));
+}
+
+} // namespace

@@ -1,0 +1,280 @@
+#include "classgrid.h"
+#include "formcomplexsorting.h"
+#include "wrappererror.h"
+
+#include "guiapplication.h"
+#include "recordingmessages.h"
+
+#include <QPushButton>
+#include <QTableView>
+#include <QTableWidget>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class GridTest : public ::testing::Test {
+protected:
+    GuiApplicationGuard app;
+    void SetUp() override
+    {
+        guiApplication();
+        grid.Init(&view, &totals);
+        grid.AddColumn("Fund", "Fund");
+        grid.AddColumn("Amount", "Proposed Budget ",
+                       {.caption2 = "2004", .type = GridColumnType::Amount, .editable = true, .total = true});
+        grid.AddColumn("OrigAmount", "", {.type = GridColumnType::Amount, .editable = true});
+        grid.AddColumn("Name", "Name", {.editable = true, .maxLength = 5});
+    }
+
+    int addRow(const QString &fund, const QString &amount, const QString &name = {})
+    {
+        const int row = grid.AddRow();
+        grid.SetCell(row, "Fund", fund);
+        grid.SetCell(row, "Amount", amount);
+        grid.SetCell(row, "OrigAmount", amount);
+        grid.SetCell(row, "Name", name);
+        return row;
+    }
+
+    QStringList column(const QString &key) const
+    {
+        QStringList values;
+        for (int row = 1; row <= grid.CountRows(); ++row)
+            values << grid.GetItemValue(row, key);
+        return values;
+    }
+
+    QTableView view;
+    QTableView totals;
+    classGrid grid;
+};
+
+template <typename F> WrapperError caught(F &&f)
+{
+    try {
+        f();
+    } catch (const WrapperError &e) {
+        return e;
+    }
+    ADD_FAILURE() << "no WrapperError";
+    return WrapperError(0, {}, {});
+}
+
+TEST_F(GridTest, WrongUseIsRefusedWithItsMessageAndChangesNothing)
+{
+    addRow("A", "10");
+
+    const WrapperError key = caught([&] { grid.setColumnDataEdit("Nope", true); });
+    EXPECT_EQ(key.description(), "Invalid property key value");
+    EXPECT_EQ(key.source(), "classGrid.ColumnDataEdit.Let");
+
+    EXPECT_EQ(caught([&] { grid.GetItemValue(0, "Fund"); }).description(), "Invalid row index value");
+    EXPECT_EQ(caught([&] { grid.SetCell(2, "Fund", QString("B")); }).description(), "Invalid row index value");
+    EXPECT_EQ(caught([&] { grid.DeleteRow(5); }).number(), invalidArrayIndexError);
+    EXPECT_EQ(caught([&] { grid.ResetRows(-1); }).description(), "Invalid row count value");
+    EXPECT_EQ(caught([&] { grid.AddColumn("Fund", "Again"); }).description(), "Duplicate Key");
+
+    EXPECT_EQ(grid.CountColumns(), 4);
+    EXPECT_EQ(grid.CountRows(), 1);
+    EXPECT_EQ(grid.GetItemValue(1, "Fund"), "A");
+}
+
+TEST_F(GridTest, OrigTwinsAreHiddenAndNeverEditable)
+{
+    EXPECT_TRUE(grid.ColumnHidden("OrigAmount"));
+    EXPECT_TRUE(view.isColumnHidden(2));
+    EXPECT_FALSE(grid.ColumnDataEdit("OrigAmount"));
+    grid.setColumnHidden("OrigAmount", false);
+    EXPECT_TRUE(grid.ColumnHidden("OrigAmount"));
+    EXPECT_FALSE(grid.ColumnHidden("Amount"));
+}
+
+TEST_F(GridTest, AmountsAreExactAndShownWithGrouping)
+{
+    addRow("A", "1,234.5");
+    addRow("B", "-0.05");
+    EXPECT_EQ(grid.GetItemValue(1, "Amount"), "1234.5");
+    EXPECT_EQ(grid.GetCellValue(1, "Amount"), "1,234.50");
+    EXPECT_EQ(grid.GetCellValue(2, "Amount"), "-0.05");
+    EXPECT_EQ(view.model()->headerData(1, Qt::Horizontal).toString(), "Proposed Budget \n2004");
+
+    const WrapperError bad = caught([&] { grid.SetCell(1, "Amount", QString("12abc")); });
+    EXPECT_EQ(bad.number(), 13);
+    EXPECT_EQ(grid.GetItemValue(1, "Amount"), "1234.5");
+
+    // A typed amount that does not parse is refused and the cell keeps its value.
+    EXPECT_FALSE(view.model()->setData(view.model()->index(0, 1), "ten", Qt::EditRole));
+    EXPECT_TRUE(view.model()->setData(view.model()->index(0, 1), "0.1", Qt::EditRole));
+    EXPECT_TRUE(view.model()->setData(view.model()->index(1, 1), "0.2", Qt::EditRole));
+    EXPECT_EQ(grid.GetColumnTotal("Amount"), Currency::fromRaw(3000));
+    EXPECT_EQ(totals.model()->index(0, 1).data().toString(), "0.30");
+    EXPECT_EQ(totals.model()->index(0, 0).data().toString(), ""); // no total on Fund
+}
+
+TEST_F(GridTest, LockedCellsAndLengthLimitsRefuseEdits)
+{
+    addRow("A", "1", "abc");
+    QAbstractItemModel &model = *view.model();
+    grid.setCellLocked(1, "Amount", true);
+    EXPECT_TRUE(grid.CellLocked(1, "Amount"));
+    EXPECT_FALSE(model.flags(model.index(0, 1)) & Qt::ItemIsEditable);
+    EXPECT_FALSE(model.setData(model.index(0, 1), "5", Qt::EditRole));
+    EXPECT_EQ(grid.GetItemValue(1, "Amount"), "1");
+    EXPECT_FALSE(model.flags(model.index(0, 0)) & Qt::ItemIsEditable); // Fund not editable
+
+    EXPECT_FALSE(model.setData(model.index(0, 3), "toolong", Qt::EditRole));
+    EXPECT_EQ(grid.GetItemValue(1, "Name"), "abc");
+}
+
+TEST_F(GridTest, UserEditsRaiseCellChangeButCodeDoesNot)
+{
+    addRow("A", "1");
+    std::vector<std::pair<int, QString>> changes;
+    QObject::connect(&grid, &classGrid::cellChanged,
+                     [&](int row, const QString &key) { changes.emplace_back(row, key); });
+    grid.SetCell(1, "Amount", QString("2"));
+    EXPECT_TRUE(changes.empty());
+    view.model()->setData(view.model()->index(0, 1), "3", Qt::EditRole);
+    ASSERT_EQ(changes.size(), 1u);
+    EXPECT_EQ(changes[0], std::make_pair(1, QString("Amount")));
+}
+
+TEST_F(GridTest, RowChangedComparesWithTwinsByValue)
+{
+    addRow("A", "1.50", "x");
+    EXPECT_FALSE(grid.RowChanged(1));
+    grid.SetCell(1, "Amount", QString("1.5"));
+    EXPECT_FALSE(grid.RowChanged(1));
+    grid.SetCell(1, "Amount", QString("1.51"));
+    EXPECT_TRUE(grid.RowChanged(1));
+
+    grid.AddColumn("OrigName", "");
+    grid.SetCell(1, "Amount", QString("1.5"));
+    grid.SetCell(1, "OrigName", QString("X")); // text compares without regard to case
+    EXPECT_FALSE(grid.RowChanged(1));
+}
+
+TEST_F(GridTest, SimpleSortTogglesAndHonoursTheColumnSettings)
+{
+    addRow("B", "10");
+    addRow("C", "9");
+    addRow("A", "100");
+
+    grid.DoSortSimple("Amount"); // by value, not by text
+    EXPECT_EQ(column("Fund"), QStringList({"C", "B", "A"}));
+    grid.DoSortSimple("Amount");
+    EXPECT_EQ(column("Fund"), QStringList({"A", "B", "C"}));
+
+    grid.Column("Fund").setSortSimple(false);
+    grid.DoSortSimple("Fund");
+    EXPECT_EQ(column("Fund"), QStringList({"A", "B", "C"}));
+
+    grid.SaveSortDefault();
+    grid.SortingDisable();
+    grid.DoSortSimple("Amount");
+    EXPECT_EQ(column("Fund"), QStringList({"A", "B", "C"}));
+    grid.SortingRestore();
+    grid.DoSortSimple("Amount");
+    EXPECT_EQ(column("Fund"), QStringList({"C", "B", "A"}));
+    grid.ResetSort();
+    EXPECT_EQ(column("Fund"), QStringList({"A", "B", "C"}));
+}
+
+TEST_F(GridTest, ComplexSortWithoutOfferedColumnsOnlyExplains)
+{
+    ScopedMessages shown;
+    addRow("B", "1");
+    addRow("A", "2");
+    grid.DoSortComplex();
+    ASSERT_EQ(shown->shown().size(), 1u);
+    EXPECT_EQ(shown->shown()[0].message.title, "Error");
+    EXPECT_EQ(shown->shown()[0].message.text, "This feature has not been enabled for this window.");
+    EXPECT_EQ(column("Fund"), QStringList({"B", "A"}));
+    EXPECT_TRUE(grid.GetSort().empty());
+}
+
+TEST(ComplexSortingDialog, BuildsTheOrderFromTheButtons)
+{
+    guiApplication();
+    formComplexSorting dialog;
+    dialog.AddColumn("Fund", "Fund");
+    dialog.AddColumn("Amount", "Amount");
+    dialog.AddColumn("Name", "Name");
+    dialog.SetLayout({classGridSortLayout("Name", false)});
+
+    auto *available = dialog.findChild<QTableWidget *>("gridAvailable");
+    auto *selected = dialog.findChild<QTableWidget *>("gridSelected");
+    ASSERT_EQ(available->rowCount(), 2);
+    available->setCurrentCell(1, 0); // Amount
+    dialog.findChild<QPushButton *>("cmdAdd")->click();
+    selected->setCurrentCell(1, 0);
+    dialog.findChild<QPushButton *>("cmdMoveUp")->click();
+    const GridSortOrder expected{classGridSortLayout("Amount", true), classGridSortLayout("Name", false)};
+    EXPECT_EQ(dialog.Action(), expected);
+
+    dialog.findChild<QPushButton *>("cmdReset")->click();
+    EXPECT_TRUE(dialog.Action().empty());
+    EXPECT_EQ(available->rowCount(), 3);
+    dialog.findChild<QPushButton *>("cmdOK")->click();
+    EXPECT_EQ(dialog.CloseAction(), formComplexSorting::Confirmed);
+}
+
+TEST(SortLayout, SurvivesItsTextForm)
+{
+    const GridSortOrder order{classGridSortLayout("Fund", true), classGridSortLayout("A:B", false)};
+    EXPECT_EQ(sortOrderToText(order), "Fund:A;A:B:D");
+    EXPECT_EQ(sortOrderFromText(sortOrderToText(order)), order);
+    classGridSortLayout step;
+    EXPECT_FALSE(step.SetLayout("Fund:X"));
+    EXPECT_FALSE(step.SetLayout(":A"));
+}
+
+TEST_F(GridTest, MultiLinePropertiesBelongToMultiLineMode)
+{
+    const WrapperError constant = caught([&] { grid.MultiLineValueConstant(); });
+    EXPECT_EQ(constant.description(), "Wrong mode to use this property.");
+    EXPECT_EQ(constant.source(), "classGrid.MultiLineValueConstant.Get");
+    EXPECT_EQ(caught([&] { grid.MultiLineValueColumnKey(); }).source(), "classGrid.MultiLineValueColumnKey.Get");
+
+    addRow("A", "1");
+    const int single = view.rowHeight(0);
+    grid.setMultiLineMode(true);
+    grid.setMultiLineValueConstant(3);
+    EXPECT_EQ(grid.MultiLineValueConstant(), 3);
+    EXPECT_GT(view.rowHeight(0), 2 * single);
+    EXPECT_EQ(caught([&] { grid.setMultiLineValueColumnKey("Nope"); }).description(), "Invalid property key value");
+}
+
+TEST_F(GridTest, BalanceAndGreenbarFollowTheRows)
+{
+    grid.AddColumn("Balance", "Balance", {.type = GridColumnType::Amount});
+    addRow("A", "10");
+    addRow("B", "-2.5");
+    addRow("C", "1");
+    grid.Balance("Amount", "Balance");
+    EXPECT_EQ(column("Balance"), QStringList({"10", "7.5", "8.5"}));
+    grid.DeleteRow(1);
+    EXPECT_EQ(column("Balance"), QStringList({"-2.5", "-1.5"}));
+
+    grid.setGreenbar(true);
+    EXPECT_FALSE(view.model()->index(0, 0).data(Qt::BackgroundRole).isValid());
+    EXPECT_TRUE(view.model()->index(1, 0).data(Qt::BackgroundRole).isValid());
+}
+
+TEST_F(GridTest, SelectionAndLookupByKey)
+{
+    addRow("A", "1");
+    addRow("B", "2");
+    grid.SelectRow(2);
+    EXPECT_EQ(grid.CurrentRow(), 2);
+    EXPECT_EQ(grid.FirstselectedRow(), 2);
+    EXPECT_EQ(grid.CurrentRowValue("Fund"), "B");
+    EXPECT_EQ(grid.GetSelectedByKey("Fund"), QStringList({"B"}));
+    EXPECT_EQ(grid.GetValueUsingKey("Fund", "A", "Amount"), "1");
+    EXPECT_EQ(grid.GetValueUsingKey("Fund", "Z", "Amount"), "");
+    grid.ClearSelectedRows();
+    EXPECT_EQ(grid.FirstselectedRow(), 0);
+}
+
+} // namespace
