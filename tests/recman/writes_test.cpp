@@ -205,6 +205,24 @@ TEST(RecordManagerFileWrites, OnlyNonKeyBytesOfExistingRecordsChange)
     ASSERT_EQ(readOnly.open(path), Status::Success);
     ASSERT_EQ(readOnly.stepFirst(), Status::Success);
     EXPECT_EQ(readOnly.update(record), Status::AccessDenied);
+    // One writer at a time.
+    File writer, second;
+    ASSERT_EQ(writer.open(path, OpenMode::ReadWrite), Status::Success);
+    EXPECT_EQ(second.open(path, OpenMode::ReadWrite), Status::FileInUse);
+}
+
+TEST(RecordManagerFileWrites, VariableLengthRecordsAreNotRewritten)
+{
+    recmantest::TempDir dir;
+    const auto path = dir / "VARIABLE.DAT";
+    std::filesystem::copy_file(recmantest::fixture("VARIABLE.DAT"), path);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success);
+    ASSERT_EQ(file.stepFirst(), Status::Success);
+    const std::vector<std::uint8_t> record(file.record().begin(), file.record().end());
+    EXPECT_EQ(file.update(record), Status::AccessDenied);
+    EXPECT_NE(file.lastMessage().find("variable-length"), std::string::npos);
 }
 
 } // namespace
