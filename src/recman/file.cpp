@@ -314,7 +314,9 @@ Status File::update(Bytes record)
         return fail(Status::FileNotOpen, "file not open");
     if (!impl_->current || !impl_->records.live(*impl_->current))
         return fail(Status::InvalidPositioning, "no current record to update");
-    return fail(updateRecord(*impl_, *impl_->current, record, message_), message_);
+    std::string message;
+    const auto status = updateRecord(*impl_, *impl_->current, record, message);
+    return fail(status, std::move(message));
 }
 
 Status File::insert(Bytes record)
@@ -322,12 +324,13 @@ Status File::insert(Bytes record)
     if (!impl_)
         return fail(Status::FileNotOpen, "file not open");
     std::uint32_t ordinal = 0;
-    const auto status = insertRecord(*impl_, record, ordinal, message_);
+    std::string message;
+    const auto status = insertRecord(*impl_, record, ordinal, message);
     if (status == Status::Success) {
         impl_->current = ordinal;
         impl_->keyPath = -1;
     }
-    return fail(status, message_);
+    return fail(status, std::move(message));
 }
 
 Status File::erase()
@@ -336,7 +339,9 @@ Status File::erase()
         return fail(Status::FileNotOpen, "file not open");
     if (!impl_->current || !impl_->records.live(*impl_->current))
         return fail(Status::InvalidPositioning, "no current record to delete");
-    return fail(deleteRecord(*impl_, *impl_->current, message_), message_);
+    std::string message;
+    const auto status = deleteRecord(*impl_, *impl_->current, message);
+    return fail(status, std::move(message));
 }
 
 } // namespace recman
