@@ -1,7 +1,9 @@
 #include "dataaccesscontrol.h"
 
+#include "dictionary.h"
 #include "file.h"
-#include "fundtable.h"
+#include "fundfieldvalue.h"
+#include "fundlocation.h"
 
 #include <algorithm>
 #include <limits>
@@ -44,7 +46,9 @@ struct DataAccessControl::Impl {
     bool autoMode = false;
     bool cancelDialog = false;
 
-    FundTable table;
+    recman::TableDef table;
+    const recman::CodePage *codePage = &fundCodePage();
+    std::filesystem::path dictionaryRoot;
     recman::File file;
     std::vector<std::uint8_t> buffer;
     bool positionedByStep = false;
@@ -80,12 +84,42 @@ struct DataAccessControl::Impl {
         return false;
     }
 
-    const FundField *fieldOrFail(const QString &name)
+    const recman::FieldDef *fieldOrFail(const QString &name)
     {
-        const FundField *field = table.field(name);
+        const recman::FieldDef *field = table.field(name.trimmed().toStdString());
         if (!field)
-            set(StatusUnknownField, QStringLiteral("table \"%1\" has no field \"%2\"").arg(table.name, name));
+            set(StatusUnknownField,
+                QStringLiteral("table \"%1\" has no field \"%2\"").arg(QString::fromStdString(table.name), name));
         return field;
+    }
+
+    // A field of `record`; an invalid value, with the status set, when its bytes are no value.
+    QVariant read(const recman::FieldDef &field, recman::Bytes record)
+    {
+        QVariant value;
+        QString why;
+        if (!readFundField(field, record, *codePage, value, why))
+            set(StatusBadFieldValue, why);
+        return value;
+    }
+
+    // The table's definition from the dictionary at ddfPath: 0 or a status.
+    int readTable()
+    {
+        const auto root = fundRootFolder(ddfPath);
+        if (!root)
+            return set(
+                StatusDictionaryMissing,
+                QStringLiteral("no data dictionary (FILE.DDF, FIELD.DDF, INDEX.DDF): no folder \"%1\"").arg(ddfPath));
+        recman::Dictionary dictionary(*codePage);
+        if (dictionary.open(*root) != FileStatus::Success)
+            return set(StatusDictionaryMissing, QString::fromStdString(dictionary.lastMessage()));
+        const recman::TableDef *found = dictionary.table(fileName.trimmed().toStdString());
+        if (!found)
+            return set(StatusUnknownTable, QString::fromStdString(dictionary.lastMessage()));
+        table = *found;
+        dictionaryRoot = *root;
+        return 0;
     }
 
     // Finds the record whose bytes equal `record` (through key 0, then duplicates).
@@ -257,18 +291,18 @@ void DataAccessControl::setJoin(DataAccessControl *master, const QString &field)
 
 QVariant DataAccessControl::FieldValue(const QString &field)
 {
-    const FundField *definition = impl_->fieldOrFail(field);
-    return definition ? decodeFundField(*definition, impl_->buffer) : QVariant();
+    const recman::FieldDef *definition = impl_->fieldOrFail(field);
+    return definition ? impl_->read(*definition, impl_->buffer) : QVariant();
 }
 
 bool DataAccessControl::setFieldValue(const QString &field, const QVariant &value)
 {
-    const FundField *definition = impl_->fieldOrFail(field);
+    const recman::FieldDef *definition = impl_->fieldOrFail(field);
     if (!definition)
         return false;
     QString why;
-    if (!encodeFundField(*definition, value, impl_->buffer, impl_->pad(), why)) {
-        impl_->set(StatusBadFieldValue, QStringLiteral("field \"%1\": %2").arg(definition->name, why));
+    if (!writeFundField(*definition, value, impl_->buffer, *impl_->codePage, impl_->pad(), why)) {
+        impl_->set(StatusBadFieldValue, why);
         return false;
     }
     return true;
@@ -278,7 +312,7 @@ void DataAccessControl::clearRecord()
 {
     auto &buffer = impl_->buffer;
     std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
-    for (const FundField &field : impl_->table.fields) {
+    for (const recman::FieldDef &field : impl_->table.fields) {
         if (field.type == recman::DataType::String)
             std::fill_n(buffer.begin() + field.offset, field.size, std::uint8_t(' '));
     }
@@ -288,11 +322,11 @@ int DataAccessControl::Open()
 {
     Close();
     Impl &d = *impl_;
-    QString message;
-    if (const int status = readFundTable(d.ddfPath, d.fileName, d.table, message); status != 0)
-        return d.set(status, message);
-    const QString location = d.location.isEmpty() ? d.table.location : d.location;
-    const auto path = resolveFundPath(d.ddfPath, location);
+    d.codePage = &fundCodePage();
+    if (const int status = d.readTable(); status != 0)
+        return status;
+    const QString location = d.location.isEmpty() ? QString::fromStdString(d.table.location) : d.location;
+    const auto path = findFundFile(d.dictionaryRoot, location);
     if (!path)
         return d.set(statusFileNotFound, QStringLiteral("no data file at \"%1\"").arg(location));
     FileStatus opened = d.file.open(*path, recman::OpenMode::ReadWrite);
@@ -300,13 +334,13 @@ int DataAccessControl::Open()
         opened = d.file.open(*path, recman::OpenMode::ReadOnly);
     if (opened != FileStatus::Success)
         return d.fromFile(opened);
-    if (d.file.info().recordLength < static_cast<std::uint32_t>(d.table.recordLength)) {
+    if (d.file.info().recordLength < d.table.recordLength()) {
         d.file.close();
         return d.set(static_cast<int>(FileStatus::DataBufferTooShort),
                      QStringLiteral("records of \"%1\" are %2 bytes, the dictionary needs %3")
                          .arg(location)
                          .arg(d.file.info().recordLength)
-                         .arg(d.table.recordLength));
+                         .arg(d.table.recordLength()));
     }
     d.resolvedPath = QString::fromStdString(path->string());
     d.buffer.assign(d.file.info().recordLength, 0);
@@ -397,9 +431,9 @@ int DataAccessControl::GetNextExtended()
         return d.status;
     if (!d.extendedOps)
         return d.set(statusInvalidOperation, QStringLiteral("extended operations are off (ExtendedOps)"));
-    std::vector<const FundField *> columns;
+    std::vector<const recman::FieldDef *> columns;
     for (const QString &name : d.selectedFields.split(u',', Qt::SkipEmptyParts)) {
-        const FundField *field = d.fieldOrFail(name.trimmed());
+        const recman::FieldDef *field = d.fieldOrFail(name);
         if (!field)
             return d.status;
         columns.push_back(field);
@@ -411,8 +445,8 @@ int DataAccessControl::GetNextExtended()
     while (result == FileStatus::Success) {
         std::vector<QVariant> row;
         row.reserve(columns.size());
-        for (const FundField *field : columns)
-            row.push_back(decodeFundField(*field, d.file.record()));
+        for (const recman::FieldDef *field : columns)
+            row.push_back(d.read(*field, d.file.record()));
         d.rows.push_back(std::move(row));
         if (d.rows.size() == wanted)
             break;

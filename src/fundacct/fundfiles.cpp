@@ -1,7 +1,7 @@
 #include "fundfiles.h"
 
 #include "appglobals.h"
-#include "fundtable.h"
+#include "fundlocation.h"
 
 long OpenFundFile(std::unique_ptr<DataAccessControl> &control, const QString & /*ddfPath*/, const QString &fileName,
                   const QString &location)
@@ -21,7 +21,9 @@ QString GetFundDataLocation(int year)
     const QString yearFolder = gstrFundDataPath + u'\\' + gstrYear;
     if (year >= 2002)
         return gstrFundPath;
-    if (year == 2001)
-        return resolveFundPath(gstrRootPath, yearFolder + QStringLiteral("\\building.btr")) ? yearFolder : gstrFundPath;
+    if (year == 2001) {
+        const auto root = fundRootFolder(gstrRootPath);
+        return root && findFundFile(*root, yearFolder + QStringLiteral("\\building.btr")) ? yearFolder : gstrFundPath;
+    }
     return yearFolder;
 }

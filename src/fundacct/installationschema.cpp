@@ -1,5 +1,7 @@
 #include "installationschema.h"
 
+#include <QHash>
+
 #include <stdexcept>
 
 namespace {
@@ -22,24 +24,23 @@ FieldSpec integer(const char *name, int size)
 
 class TableBuilder {
 public:
-    TableBuilder(int id, const char *name, const char *fileName)
+    TableBuilder(const char *name, const char *fileName)
     {
-        spec_.id = id;
-        spec_.table.name = QString::fromLatin1(name);
+        spec_.table.name = name;
         spec_.fileName = QString::fromLatin1(fileName);
-        spec_.table.location = QStringLiteral("FUND\\") + spec_.fileName;
+        spec_.table.location = std::string("FUND\\") + fileName;
     }
 
     TableBuilder &fields(std::initializer_list<FieldSpec> list)
     {
         for (const FieldSpec &field : list)
-            add(QString::fromLatin1(field.name), field.type, field.size, 0);
+            add(field.name, field.type, field.size, 0);
         return *this;
     }
 
     TableBuilder &amount(const QString &name)
     {
-        add(name, DataType::Currency, 8, 4);
+        add(name.toStdString(), DataType::Currency, 8, 4);
         return *this;
     }
 
@@ -52,35 +53,35 @@ public:
         return *this;
     }
 
-    // flags: 'd' duplicates, 'i' case-insensitive, 'm' modifiable
+    // flags: 'd' duplicates, 'i' case-insensitive (text segments), 'm' modifiable
     TableBuilder &key(std::initializer_list<const char *> segments, const char *flags = "")
     {
-        FundIndex index;
-        index.number = static_cast<int>(spec_.indexes.size());
-        for (const char *segment : segments)
-            index.segments << QString::fromLatin1(segment);
-        const QByteArray f(flags);
-        index.duplicates = f.contains('d');
-        index.caseInsensitive = f.contains('i');
-        index.modifiable = f.contains('m') || index.duplicates;
-        spec_.indexes.push_back(index);
+        const std::string_view f(flags);
+        recman::IndexDef index;
+        index.duplicates = f.find('d') != f.npos;
+        index.modifiable = f.find('m') != f.npos || index.duplicates;
+        for (const char *segment : segments) {
+            const recman::FieldDef *field = spec_.table.field(segment);
+            if (!field)
+                throw std::logic_error(std::string("key on unknown field ") + segment);
+            index.segments.push_back({segment, false, f.find('i') != f.npos && field->type == DataType::String});
+        }
+        spec_.table.indexes.push_back(std::move(index));
         return *this;
     }
 
-    FundTableSpec done()
-    {
-        spec_.table.index();
-        return spec_;
-    }
+    FundTableSpec done() { return spec_; }
 
 private:
-    void add(const QString &name, DataType type, int size, int decimals)
+    void add(std::string name, DataType type, int size, int decimals)
     {
-        spec_.table.fields.push_back({name, type, spec_.table.recordLength, size, decimals});
-        spec_.table.recordLength += size;
+        const auto length = static_cast<std::uint32_t>(size);
+        spec_.table.fields.push_back({std::move(name), type, offset_, length, static_cast<std::uint8_t>(decimals), 0});
+        offset_ += length;
     }
 
     FundTableSpec spec_;
+    std::uint32_t offset_ = 0;
 };
 
 const std::initializer_list<FieldSpec> summaryAccountFields{
@@ -96,9 +97,9 @@ TableBuilder &summaryKeys(TableBuilder &table)
         .key({"State Code", "Account Code"}, "d");
 }
 
-FundTableSpec summary(int id, const char *name, const char *file, QChar ledger)
+FundTableSpec summary(const char *name, const char *file, QChar ledger)
 {
-    TableBuilder table(id, name, file);
+    TableBuilder table(name, file);
     table.fields(summaryAccountFields).monthly(ledger);
     return summaryKeys(table).done();
 }
@@ -106,28 +107,28 @@ FundTableSpec summary(int id, const char *name, const char *file, QChar ledger)
 std::vector<FundTableSpec> buildTables()
 {
     std::vector<FundTableSpec> tables;
-    tables.push_back(TableBuilder(1, "Funds", "Funds.btr")
+    tables.push_back(TableBuilder("Funds", "Funds.btr")
                          .fields({text("ID", 2), text("Name", 40), text("Checking ID", 4), text("GL Mask", 20),
                                   text("RL Mask", 20), text("EL Mask", 20)})
                          .key({"ID"}, "i")
                          .key({"Checking ID"}, "d")
                          .done());
     tables.push_back(
-        TableBuilder(2, "Checking Accounts", "Checking.btr")
+        TableBuilder("Checking Accounts", "Checking.btr")
             .fields({text("Checking ID", 4), text("Name", 40), text("Bank Account", 20), text("GL Account Code", 20)})
             .key({"Checking ID"}, "i")
             .done());
-    tables.push_back(TableBuilder(3, "Years", "Years.btr")
+    tables.push_back(TableBuilder("Years", "Years.btr")
                          .fields({text("YearNumber", 4), text("Name", 30), text("Changeable", 1),
                                   text("Fiscal Year Start", 8), text("Fiscal Year End", 8)})
                          .key({"YearNumber"})
                          .done());
-    tables.push_back(TableBuilder(4, "YearList", "YearList.btr")
+    tables.push_back(TableBuilder("YearList", "YearList.btr")
                          .fields({text("YearNumber", 4), text("TableId", 10), text("Name", 30)})
                          .key({"YearNumber"})
                          .key({"TableId"}, "i")
                          .done());
-    tables.push_back(TableBuilder(5, "FundParameters", "FundPara.btr")
+    tables.push_back(TableBuilder("FundParameters", "FundPara.btr")
                          .fields({text("Record Type", 5),
                                   integer("First Fiscal Month", 2),
                                   integer("End Fiscal Month", 2),
@@ -155,7 +156,7 @@ std::vector<FundTableSpec> buildTables()
                          .key({"Record Type"})
                          .done());
     tables.push_back(
-        TableBuilder(6, "SysParameters", "Params.btr")
+        TableBuilder("SysParameters", "Params.btr")
             .fields({text("Name", 50), text("Report Name", 50), text("Address 1", 40), text("Address 2", 40),
                      text("City", 30), text("State", 3), text("Zip Code", 10), text("Area Code", 3),
                      text("Telephone", 12), text("Fax Number", 12), text("Tax Exempt", 15), text("SED Code", 12),
@@ -163,10 +164,10 @@ std::vector<FundTableSpec> buildTables()
                      integer("End Fiscal Month", 2)})
             .key({"Name"}, "dm")
             .done());
-    tables.push_back(summary(7, "SummaryRevenue", "SumRev.btr", u'R'));
-    tables.push_back(summary(8, "SummaryExpenditure", "SumExp.btr", u'E'));
-    tables.push_back(summary(9, "SummaryGeneral", "SumGen.btr", u'G'));
-    tables.push_back(TableBuilder(10, "Transactions", "DetTrans.btr")
+    tables.push_back(summary("SummaryRevenue", "SumRev.btr", u'R'));
+    tables.push_back(summary("SummaryExpenditure", "SumExp.btr", u'E'));
+    tables.push_back(summary("SummaryGeneral", "SumGen.btr", u'G'));
+    tables.push_back(TableBuilder("Transactions", "DetTrans.btr")
                          .fields({integer("ID", 4), text("Ledger ID", 1), text("Fund ID", 2), text("Account Code", 20),
                                   text("Trans Date", 8), text("Reference Number", 10), text("Reference Text", 20),
                                   text("Vendor ID", 10), text("Description", 30), text("Encumbrance Number", 10),
@@ -183,16 +184,16 @@ std::vector<FundTableSpec> buildTables()
                          .key({"Receipt Number"}, "d")
                          .key({"Reference Number"}, "d")
                          .done());
-    tables.push_back(TableBuilder(11, "Counters", "Counters.btr")
+    tables.push_back(TableBuilder("Counters", "Counters.btr")
                          .fields({text("Counter Name", 30), integer("Next Value", 4)})
                          .key({"Counter Name"}, "i")
                          .done());
-    tables.push_back(TableBuilder(12, "Buildings", "building.btr")
+    tables.push_back(TableBuilder("Buildings", "building.btr")
                          .fields({text("Building ID", 4), text("Name", 40)})
                          .key({"Building ID"}, "i")
                          .done());
     tables.push_back(
-        TableBuilder(13, "Users", "Users.btr")
+        TableBuilder("Users", "Users.btr")
             .fields({text("ID", 8), text("Login User ID", 20), text("First Name", 20), text("Middle Initial", 1),
                      text("Last Name", 30), text("Print Preview", 1), text("Restrict Acct Codes", 1), text("Active", 1),
                      text("DateAdd", 8), text("DateChg", 8)})
@@ -200,27 +201,27 @@ std::vector<FundTableSpec> buildTables()
             .key({"Login User ID"}, "i")
             .done());
     tables.push_back(
-        TableBuilder(14, "UserPrivileges", "UserPriv.btr")
+        TableBuilder("UserPrivileges", "UserPriv.btr")
             .fields({text("User ID", 8), text("Application ID", 10), text("Access", 1), text("All Privileges", 1)})
             .key({"User ID", "Application ID"}, "i")
             .key({"Application ID", "User ID"}, "i")
             .done());
     tables.push_back(
-        TableBuilder(15, "AppPrivileges", "AppPriv.btr")
+        TableBuilder("AppPrivileges", "AppPriv.btr")
             .fields({text("User ID", 8), text("Application ID", 10), text("Privilege Key", 40), text("Granted", 1)})
             .key({"User ID", "Application ID", "Privilege Key"}, "i")
             .done());
-    tables.push_back(TableBuilder(16, "AppPrivDefs", "AppPrivDef.btr")
+    tables.push_back(TableBuilder("AppPrivDefs", "AppPrivDef.btr")
                          .fields({text("Application ID", 10), text("Privilege Key", 40), text("Module ID", 10),
                                   text("Description", 50)})
                          .key({"Application ID", "Privilege Key"}, "i")
                          .key({"Application ID", "Module ID", "Privilege Key"}, "i")
                          .done());
-    tables.push_back(TableBuilder(17, "AppModules", "AppModul.btr")
+    tables.push_back(TableBuilder("AppModules", "AppModul.btr")
                          .fields({text("Application ID", 10), text("Module ID", 10), text("Name", 40)})
                          .key({"Application ID", "Module ID"}, "i")
                          .done());
-    tables.push_back(TableBuilder(18, "AcctCodeAccess", "AcctCode.btr")
+    tables.push_back(TableBuilder("AcctCodeAccess", "AcctCode.btr")
                          .fields({text("User ID", 8), integer("Sequence", 2), text("Entry", 20)})
                          .key({"User ID", "Sequence"})
                          .done());
@@ -258,7 +259,7 @@ const std::vector<FundTableSpec> &installationTables()
 const FundTableSpec &installationTable(const QString &name)
 {
     for (const FundTableSpec &spec : installationTables()) {
-        if (spec.table.name.compare(name, Qt::CaseInsensitive) == 0)
+        if (QString::fromStdString(spec.table.name).compare(name, Qt::CaseInsensitive) == 0)
             return spec;
     }
     throw std::invalid_argument("no installation table " + name.toStdString());

@@ -1,26 +1,17 @@
 #pragma once
 
-#include "fundtable.h"
+#include "dictionary.h"
 
 #include <QStringList>
 
 #include <vector>
 
 // The Kora-Fund installation as our sample installations lay it out
-// (docs/fund-installation.md): every table with its fields, offsets and keys.
-struct FundIndex {
-    int number = 0;
-    QStringList segments; // field names, in order
-    bool duplicates = false;
-    bool caseInsensitive = false;
-    bool modifiable = false;
-};
-
+// (docs/fund-installation.md): every table with its fields, offsets and keys
+// (index i is key i of the data file).
 struct FundTableSpec {
-    int id = 0;
-    FundTable table;  // name, location "FUND\<file>", fields with offsets
-    QString fileName; // "Funds.btr"
-    std::vector<FundIndex> indexes;
+    recman::TableDef table; // location "FUND\<file>"; id 0, numbered when the dictionary is written
+    QString fileName;       // "Funds.btr"
 };
 
 const std::vector<FundTableSpec> &installationTables();

@@ -1,8 +1,8 @@
 #include "sampleinstallation.h"
 
-#include "creator.h"
 #include "dates.h"
-#include "ddffiles.h"
+#include "dictionary.h"
+#include "fundfieldvalue.h"
 #include "installationschema.h"
 #include "objectparameters.h"
 
@@ -20,38 +20,38 @@ namespace {
 // a fault of the generator and stops it.
 class RecordBuilder {
 public:
-    explicit RecordBuilder(const FundTable &table) : table_(table), record_(table.recordLength) { clear(); }
+    explicit RecordBuilder(const recman::TableDef &table) : table_(table), record_(table.recordLength()) { clear(); }
 
     RecordBuilder &clear()
     {
         std::fill(record_.begin(), record_.end(), std::uint8_t{0});
-        for (const FundField &field : table_.fields) {
+        for (const recman::FieldDef &field : table_.fields) {
             if (field.type == recman::DataType::String)
                 std::fill_n(record_.begin() + field.offset, field.size, std::uint8_t(' '));
         }
         return *this;
     }
 
-    RecordBuilder &set(const FundField &field, const QVariant &value)
+    RecordBuilder &set(const recman::FieldDef &field, const QVariant &value)
     {
         QString why;
-        if (!encodeFundField(field, value, record_, ' ', why))
-            throw std::runtime_error(QStringLiteral("%1.%2: %3").arg(table_.name, field.name, why).toStdString());
+        if (!writeFundField(field, value, record_, fundCodePage(), ' ', why))
+            throw std::runtime_error(table_.name + ": " + why.toStdString());
         return *this;
     }
 
     RecordBuilder &set(const char *name, const QVariant &value)
     {
-        const FundField *field = table_.field(QString::fromLatin1(name));
+        const recman::FieldDef *field = table_.field(name);
         if (!field)
-            throw std::runtime_error(std::string("no field ") + name + " in " + table_.name.toStdString());
+            throw std::runtime_error(std::string("no field ") + name + " in " + table_.name);
         return set(*field, value);
     }
 
     const std::vector<std::uint8_t> &record() const { return record_; }
 
 private:
-    const FundTable &table_;
+    const recman::TableDef &table_;
     std::vector<std::uint8_t> record_;
 };
 
@@ -60,12 +60,9 @@ using Rows = std::vector<std::vector<std::uint8_t>>;
 void writeTable(const fs::path &fundFolder, const QString &tableName, const recman::RecordSource &source)
 {
     const FundTableSpec &spec = installationTable(tableName);
-    recman::FileSpec fileSpec;
-    fileSpec.recordLength = static_cast<std::uint32_t>(spec.table.recordLength);
-    fileSpec.keys = fundKeyDefinitions(spec);
     std::string why;
-    const auto status = recman::createFile(fundFolder / spec.fileName.toStdString(), fileSpec, source, why,
-                                           recman::CreateMode::Overwrite);
+    const auto status = recman::createDataFile(fundFolder / spec.fileName.toStdString(), spec.table, source, why,
+                                               recman::CreateMode::Overwrite);
     if (status != recman::Status::Success)
         throw std::runtime_error(spec.fileName.toStdString() + ": " + why);
 }
@@ -303,7 +300,7 @@ public:
         for (const char *name : {"ID", "Ledger ID", "Fund ID", "Account Code", "Trans Date", "Reference Number",
                                  "Reference Text", "Vendor ID", "Description", "Encumbrance Number", "Invoice Number",
                                  "Check Number", "Receipt Number", "Column ID", "Amount 1", "Amount 2"})
-            fields_.push_back(table_.field(QString::fromLatin1(name)));
+            fields_.push_back(table_.field(name));
     }
 
     std::int64_t count() const { return nextId_ - 1; }
@@ -441,9 +438,9 @@ private:
     QDate start_;
     std::mt19937_64 random_;
     std::vector<MonthSums> &sums_;
-    const FundTable &table_;
+    const recman::TableDef &table_;
     RecordBuilder builder_;
-    std::vector<const FundField *> fields_;
+    std::vector<const recman::FieldDef *> fields_;
     std::vector<Transaction> pending_;
     std::size_t account_ = 0;
     std::int64_t nextId_ = 1;
@@ -457,13 +454,13 @@ private:
 void writeSummary(const fs::path &fund, const char *tableName, QChar ledger, const std::vector<SampleAccount> &accounts,
                   const std::vector<MonthSums> &sums)
 {
-    const FundTable &table = installationTable(QString::fromLatin1(tableName)).table;
+    const recman::TableDef &table = installationTable(QString::fromLatin1(tableName)).table;
     RecordBuilder builder(table);
     const QStringList amounts = monthlyAmountNames(ledger);
-    std::vector<const FundField *> monthly;
+    std::vector<const recman::FieldDef *> monthly;
     for (int month = 1; month <= 12; ++month) {
         for (const QString &amount : amounts)
-            monthly.push_back(table.field(monthlyFieldName(month, amount)));
+            monthly.push_back(table.field(monthlyFieldName(month, amount).toStdString()));
     }
     std::size_t next = 0;
     writeTable(fund, QString::fromLatin1(tableName), [&](std::vector<std::uint8_t> &record) {
@@ -527,6 +524,17 @@ std::vector<SampleAccount> allAccounts(const SampleDistrict &district, const Sam
     return accounts;
 }
 
+int writeDictionary(const fs::path &root, QString &message)
+{
+    std::vector<recman::TableDef> tables;
+    for (const FundTableSpec &spec : installationTables())
+        tables.push_back(spec.table);
+    std::string why;
+    const auto status = recman::createDictionary(root, tables, why, fundCodePage());
+    message = QString::fromStdString(why);
+    return recman::statusNumber(status);
+}
+
 } // namespace
 
 int createSampleInstallation(const QString &root, const SampleDistrict &district, const SampleOptions &options,
@@ -538,7 +546,7 @@ int createSampleInstallation(const QString &root, const SampleDistrict &district
         const fs::path rootPath = root.toStdString();
         const fs::path fund = rootPath / "FUND";
         fs::create_directories(fund);
-        if (const int status = writeFundDictionary(rootPath, installationTables(), message); status != 0)
+        if (const int status = writeDictionary(rootPath, message); status != 0)
             return status;
         writeFundsAndYears(fund, district);
         writeParameters(fund, district);

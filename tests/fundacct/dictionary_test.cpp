@@ -1,89 +1,91 @@
 #include "currency.h"
-#include "ddffiles.h"
+#include "dictionary.h"
 #include "file.h"
-#include "fundtable.h"
+#include "fundfieldvalue.h"
+#include "fundlocation.h"
 #include "installationschema.h"
 #include "objectparameters.h"
 #include "objectsysparams.h"
 #include "sampleinstallationfixture.h"
 
+#include <QDir>
+#include <QFile>
+
 using DictionaryTest = SampleInstallationTest;
 
-// What the generator wrote into FILE/FIELD.DDF reads back as the layout, and
+// What the generator wrote into the DDF files reads back as the layout, and
 // every data file's own keys are the layout's keys.
 TEST_F(DictionaryTest, EveryTableReadsBackAsDesigned)
 {
+    const auto folder = fundRootFolder(root().toUpper()); // found whatever the case
+    ASSERT_TRUE(folder);
+    recman::Dictionary dictionary(fundCodePage());
+    ASSERT_EQ(dictionary.open(*folder), recman::Status::Success) << dictionary.lastMessage();
     for (const FundTableSpec &spec : installationTables()) {
-        FundTable read;
-        QString message;
-        ASSERT_EQ(readFundTable(root().toLower(), spec.table.name.toUpper(), read, message), 0)
-            << message.toStdString();
-        EXPECT_EQ(read.name, spec.table.name);
-        EXPECT_EQ(read.location, QStringLiteral("FUND\\") + spec.fileName);
-        ASSERT_EQ(read.fields.size(), spec.table.fields.size()) << spec.table.name.toStdString();
-        for (std::size_t i = 0; i < read.fields.size(); ++i) {
-            const FundField &want = spec.table.fields[i];
-            const FundField *got = read.field(want.name.toLower());
-            ASSERT_NE(got, nullptr) << want.name.toStdString();
-            EXPECT_EQ(got->offset, want.offset) << want.name.toStdString();
+        const recman::TableDef *read =
+            dictionary.table(QString::fromStdString(spec.table.name).toUpper().toStdString());
+        ASSERT_NE(read, nullptr) << spec.table.name;
+        EXPECT_EQ(read->name, spec.table.name);
+        EXPECT_EQ(read->location, "FUND\\" + spec.fileName.toStdString());
+        ASSERT_EQ(read->fields.size(), spec.table.fields.size()) << spec.table.name;
+        for (const recman::FieldDef &want : spec.table.fields) {
+            const recman::FieldDef *got = read->field(QString::fromStdString(want.name).toLower().toStdString());
+            ASSERT_NE(got, nullptr) << want.name;
+            EXPECT_EQ(got->offset, want.offset) << want.name;
             EXPECT_EQ(got->size, want.size);
             EXPECT_EQ(got->type, want.type);
             EXPECT_EQ(got->decimals, want.decimals);
         }
-        EXPECT_EQ(read.recordLength, spec.table.recordLength);
+        EXPECT_EQ(read->recordLength(), spec.table.recordLength());
 
         recman::File file;
-        const auto path = resolveFundPath(root(), read.location);
+        const auto path = findFundFile(*folder, QString::fromStdString(read->location));
         ASSERT_TRUE(path);
         ASSERT_EQ(file.open(*path), recman::Status::Success);
-        const auto keys = fundKeyDefinitions(spec);
-        ASSERT_EQ(file.info().keys.size(), keys.size()) << spec.table.name.toStdString();
-        for (std::size_t k = 0; k < keys.size(); ++k) {
-            ASSERT_EQ(file.info().keys[k].segments.size(), keys[k].segments.size());
-            for (std::size_t s = 0; s < keys[k].segments.size(); ++s) {
-                EXPECT_EQ(file.info().keys[k].segments[s].offset, keys[k].segments[s].offset);
-                EXPECT_EQ(file.info().keys[k].segments[s].length, keys[k].segments[s].length);
-                EXPECT_EQ(file.info().keys[k].allowsDuplicates(), keys[k].allowsDuplicates());
+        recman::FileSpec keys;
+        std::string why;
+        ASSERT_EQ(recman::fileSpecFor(*read, keys, why), recman::Status::Success) << why;
+        ASSERT_EQ(file.info().keys.size(), keys.keys.size()) << spec.table.name;
+        for (std::size_t k = 0; k < keys.keys.size(); ++k) {
+            const auto &want = keys.keys[k];
+            ASSERT_EQ(file.info().keys[k].segments.size(), want.segments.size());
+            EXPECT_EQ(file.info().keys[k].allowsDuplicates(), want.allowsDuplicates());
+            for (std::size_t s = 0; s < want.segments.size(); ++s) {
+                EXPECT_EQ(file.info().keys[k].segments[s].offset, want.segments[s].offset);
+                EXPECT_EQ(file.info().keys[k].segments[s].length, want.segments[s].length);
+                EXPECT_EQ(file.info().keys[k].segments[s].flags & recman::keyflag::CaseInsensitive,
+                          want.segments[s].flags & recman::keyflag::CaseInsensitive);
             }
         }
     }
 }
 
-TEST(FieldCodecs, ValuesFitOrAreRefusedWithAReason)
+TEST(FundLocations, WindowsPathsFindTheFilesBelowTheDictionaryOrElsewhere)
 {
-    std::vector<std::uint8_t> record(20, 0xAA);
-    const FundField text{QStringLiteral("Code"), recman::DataType::String, 0, 6, 0};
-    const FundField small{QStringLiteral("Month"), recman::DataType::Integer, 6, 2, 0};
-    const FundField amount{QStringLiteral("Amount"), recman::DataType::Currency, 8, 8, 4};
-    QString why;
+    QTemporaryDir root, elsewhere;
+    ASSERT_TRUE(QDir(root.path()).mkpath(QStringLiteral("Fund/Data")));
+    for (const QString &name :
+         {root.path() + QStringLiteral("/Fund/Data/Users.BTR"), elsewhere.path() + QStringLiteral("/Other.btr")}) {
+        QFile file(name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    const auto folder = fundRootFolder(QStringLiteral("C:") + root.path().toUpper().replace(u'/', u'\\'));
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(QString::fromStdString(folder->string()), root.path());
+    EXPECT_FALSE(fundRootFolder(root.path() + QStringLiteral("/Fund/Data/Users.BTR"))); // a file, not a folder
+    EXPECT_FALSE(fundRootFolder(root.path() + QStringLiteral("/Missing")));
 
-    ASSERT_TRUE(encodeFundField(text, QStringLiteral("AB"), record, '*', why));
-    EXPECT_EQ(std::string(record.begin(), record.begin() + 6), "AB****");
-    ASSERT_TRUE(encodeFundField(text, QStringLiteral("AB"), record, ' ', why));
-    EXPECT_EQ(decodeFundField(text, record).toString(), QStringLiteral("AB"));
-    record[2] = 0; // NUL padding as some writers leave it
-    EXPECT_EQ(decodeFundField(text, record).toString(), QStringLiteral("AB"));
-    EXPECT_FALSE(encodeFundField(text, QStringLiteral("ABCDEFG"), record, ' ', why));
-    EXPECT_TRUE(why.contains(QStringLiteral("7")));
-    EXPECT_EQ(decodeFundField(text, record).toString(), QStringLiteral("AB")); // nothing half-written
-
-    ASSERT_TRUE(encodeFundField(small, -12, record, ' ', why));
-    EXPECT_EQ(decodeFundField(small, record).toLongLong(), -12);
-    ASSERT_TRUE(encodeFundField(small, QStringLiteral(" 32767 "), record, ' ', why));
-    EXPECT_EQ(decodeFundField(small, record).toLongLong(), 32767);
-    EXPECT_FALSE(encodeFundField(small, 32768, record, ' ', why));
-    EXPECT_FALSE(encodeFundField(small, QStringLiteral("7a"), record, ' ', why));
-    EXPECT_EQ(decodeFundField(small, record).toLongLong(), 32767);
-
-    ASSERT_TRUE(encodeFundField(amount, QStringLiteral("-1,234.56"), record, ' ', why));
-    EXPECT_EQ(decodeFundField(amount, record).value<Currency>(), Currency::fromRaw(-12345600));
-    EXPECT_EQ(decodeFundField(amount, record).toString(), QStringLiteral("-1234.56"));
-    ASSERT_TRUE(encodeFundField(amount, QVariant::fromValue(Currency::fromRaw(1)), record, ' ', why));
-    EXPECT_EQ(decodeFundField(amount, record).value<Currency>(), Currency::fromRaw(1));
-    ASSERT_TRUE(encodeFundField(amount, QString(), record, ' ', why));
-    EXPECT_TRUE(decodeFundField(amount, record).value<Currency>().isZero());
-    EXPECT_FALSE(encodeFundField(amount, QStringLiteral("ten"), record, ' ', why));
-    EXPECT_EQ(record[19], 0xAA); // nothing written past the last field
+    const QString expected = root.path() + QStringLiteral("/Fund/Data/Users.BTR");
+    for (const QString &location :
+         {QStringLiteral("fund\\data\\users.btr"), QStringLiteral(".\\FUND/DATA/USERS.BTR"),
+          QStringLiteral("D:\\KORA\\FUND\\DATA\\Users.btr"), root.path() + QStringLiteral("\\FUND\\DATA\\users.btr")}) {
+        const auto found = findFundFile(*folder, location);
+        ASSERT_TRUE(found) << location.toStdString();
+        EXPECT_EQ(QString::fromStdString(found->string()), expected) << location.toStdString();
+    }
+    EXPECT_TRUE(findFundFile(*folder, elsewhere.path() + QStringLiteral("\\OTHER.BTR")));
+    EXPECT_FALSE(findFundFile(*folder, QStringLiteral("Other.btr")));  // relative means below the dictionary
+    EXPECT_FALSE(findFundFile(*folder, QStringLiteral("FUND\\DATA"))); // a folder is no data file
 }
 
 TEST(SingleRecordFiles, CreateWritesTheStandardRecords)
