@@ -168,11 +168,12 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
     std::vector<std::uint8_t> record;
     const auto perPage = slotsPerPage(header);
     std::uint32_t live = 0;
-    result.records.reserve(header.recordCount <= pages.physicalPageCount() * perPage ? header.recordCount : 0,
-                           std::size_t{header.recordCount} * header.recordLength <=
-                                   pages.physicalPageCount() * std::size_t{header.pageSize}
-                               ? std::size_t{header.recordCount} * header.recordLength
-                               : 0);
+    // The control record's count is only trusted as far as the file could hold it.
+    const std::uint64_t possible = std::uint64_t{pages.physicalPageCount()} * perPage;
+    const std::uint64_t expected = std::min<std::uint64_t>(header.recordCount, possible);
+    result.records.reserve(expected,
+                           std::min<std::uint64_t>(expected * header.recordLength,
+                                                   std::uint64_t{pages.physicalPageCount()} * header.pageSize));
     for (std::uint32_t logical = 1; logical < pages.logicalPageEnd() && live < header.recordCount; ++logical) {
         if (!isDataPage(header, pages, logical, page))
             continue;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <functional>
 
 using namespace recman;
 
@@ -95,6 +96,48 @@ TEST(Dictionary, WrittenDictionaryAndDataFileReadBack)
     EXPECT_EQ(toText(value), "-5.0000");
     ASSERT_TRUE(decodeField(*table->field("Opened"), file.record(), dictionary.codePage(), value, error));
     EXPECT_EQ(toText(value), "2003-07-01");
+}
+
+// Rewrites one DDF through `change`, keeping its keys but allowing a new record length.
+void rewriteDdf(const std::filesystem::path &path, std::uint32_t newLength,
+                const std::function<void(std::vector<std::uint8_t> &)> &change)
+{
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success);
+    FileSpec spec;
+    spec.recordLength = newLength;
+    spec.keys = file.info().keys;
+    std::vector<std::vector<std::uint8_t>> rows;
+    for (auto s = file.stepFirst(); s == Status::Success; s = file.stepNext()) {
+        rows.emplace_back(file.record().begin(), file.record().end());
+        rows.back().resize(newLength);
+        change(rows.back());
+    }
+    file.close();
+    std::string message;
+    ASSERT_EQ(createFile(path, spec, rows, message, CreateMode::Overwrite), Status::Success) << message;
+}
+
+TEST(Dictionary, OlderDictionariesWith87ByteFilesAndIndexesCountedFromOne)
+{
+    recmantest::TempDir root;
+    std::string message;
+    ASSERT_EQ(createDictionary(root.path(), {fundsTable()}, message), Status::Success) << message;
+    rewriteDdf(root / "FILE.DDF", 87, [](std::vector<std::uint8_t> &) {});
+    rewriteDdf(root / "INDEX.DDF", 10, [](std::vector<std::uint8_t> &row) {
+        ++row[4]; // Xi$Number
+        ++row[6]; // Xi$Part
+    });
+    Dictionary dictionary;
+    ASSERT_EQ(dictionary.open(root.path()), Status::Success) << dictionary.lastMessage();
+    const auto *table = dictionary.table("funds");
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table->location, "C:\\KORA\\FUND\\Funds.btr");
+    ASSERT_EQ(table->indexes.size(), 2u);
+    EXPECT_EQ(table->indexes[0].segments.size(), 1u);
+    EXPECT_EQ(table->indexes[0].segments[0].field, "ID");
+    ASSERT_EQ(table->indexes[1].segments.size(), 2u);
+    EXPECT_EQ(table->indexes[1].segments[0].field, "Name");
 }
 
 TEST(Dictionary, MissingFilesAndBrokenDictionariesAreReported)
