@@ -10,6 +10,7 @@
 #include "objecttransactions.h"
 #include "sampleinstallation.h"
 
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -21,8 +22,11 @@ namespace {
 constexpr int accountCount = 20'000;
 constexpr std::int64_t transactionCount = 1'000'000;
 
+// KORA_LEDGERS_BENCH_ROOT names a folder to keep the installation in between
+// runs (made when it holds none); without it a temporary folder is used.
 struct LargeInstallation {
-    QTemporaryDir folder;
+    QTemporaryDir temporary;
+    QString root = qEnvironmentVariable("KORA_LEDGERS_BENCH_ROOT", temporary.path());
     QString fund;
     std::vector<QString> expenditureCodes;
     QString failure;
@@ -30,16 +34,15 @@ struct LargeInstallation {
     LargeInstallation()
     {
         QString message;
-        SampleSummary made;
-        if (createSampleInstallation(folder.path(), smallSampleDistrict(), {accountCount, transactionCount}, message,
-                                     &made) != 0) {
+        if (!QFileInfo::exists(root + QStringLiteral("/FILE.DDF")) &&
+            createSampleInstallation(root, smallSampleDistrict(), {accountCount, transactionCount}, message) != 0) {
             failure = message;
             return;
         }
-        fund = folder.path() + QStringLiteral("\\FUND");
+        fund = root + QStringLiteral("\\FUND");
         classObjectELSummary summary;
         std::vector<AccountCodeName> codes;
-        if (summary.Init(folder.path(), fund) != 0 || summary.GetAcctCodeList(codes) != 0) {
+        if (summary.Init(root, fund) != 0 || summary.GetAcctCodeList(codes) != 0) {
             failure = summary.ErrorMsg();
             return;
         }
@@ -67,7 +70,7 @@ void BM_CalcBalanceAllExpenditure(benchmark::State &state)
     if (!ready(state))
         return;
     classObjectELSummary summary;
-    if (summary.Init(installation().folder.path(), installation().fund) != 0) {
+    if (summary.Init(installation().root, installation().fund) != 0) {
         state.SkipWithError(summary.ErrorMsg().toStdString().c_str());
         return;
     }
@@ -94,7 +97,7 @@ void BM_GetEqualByAccountCode(benchmark::State &state)
     if (!ready(state))
         return;
     classObjectTransactions transactions;
-    if (transactions.Init(installation().folder.path(), installation().fund) != 0) {
+    if (transactions.Init(installation().root, installation().fund) != 0) {
         state.SkipWithError(transactions.ErrorMsg().toStdString().c_str());
         return;
     }
@@ -120,7 +123,7 @@ void BM_ListByAccountCode(benchmark::State &state)
     if (!ready(state))
         return;
     classObjectTransactions transactions;
-    if (transactions.Init(installation().folder.path(), installation().fund) != 0) {
+    if (transactions.Init(installation().root, installation().fund) != 0) {
         state.SkipWithError(transactions.ErrorMsg().toStdString().c_str());
         return;
     }
