@@ -5,6 +5,7 @@
 
 #include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QHeaderView>
 #include <QTreeWidget>
 
 #include <memory>
@@ -38,6 +39,9 @@ void classExplorer::Init(QTreeWidget *tree)
     tree_ = tree;
     tree_->setHeaderHidden(true);
     tree_->setColumnCount(1);
+    // Long captions scroll sideways instead of being cut short.
+    tree_->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    tree_->header()->setStretchLastSection(false);
     tree_->setContextMenuPolicy(Qt::DefaultContextMenu);
     tree_->installEventFilter(this);
     tree_->viewport()->installEventFilter(this);

@@ -43,7 +43,11 @@ formErrorLog::formErrorLog(QWidget *parent) : QDialog(parent)
     grid_->setSelectionBehavior(QAbstractItemView::SelectRows);
     grid_->setSelectionMode(QAbstractItemView::SingleSelection);
     grid_->horizontalHeader()->setStretchLastSection(true);
-    grid_->setColumnWidth(0, 130);
+    grid_->setWordWrap(false);
+    // Wide enough for a time stamp and the usual procedure names.
+    const int widths[] = {150, 110, 170, 70};
+    for (int column = 0; column < 4; ++column)
+        grid_->setColumnWidth(column, widths[column]);
     auto *print = makeButton(QStringLiteral("cmdPrint"), QStringLiteral("&Print"), this);
     auto *clear = makeButton(QStringLiteral("cmdClear"), QStringLiteral("C&lear"), this);
     auto *close = makeButton(QStringLiteral("cmdClose"), QStringLiteral("&Close"), this);
@@ -55,7 +59,7 @@ formErrorLog::formErrorLog(QWidget *parent) : QDialog(parent)
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(grid_);
     layout->addLayout(buttons);
-    resize(720, 360);
+    resize(760, 360);
     connect(print, &QPushButton::clicked, this, &formErrorLog::Print);
     connect(clear, &QPushButton::clicked, this, &formErrorLog::Clear);
     connect(close, &QPushButton::clicked, this, &QDialog::hide);
