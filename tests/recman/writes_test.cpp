@@ -175,6 +175,36 @@ TEST_F(CreatedFile, CreateRefusesExistingFileAndDuplicateUniqueKeys)
     EXPECT_FALSE(std::filesystem::exists(other));
 }
 
+TEST(CreatedFiles, CollatingSequenceAndDescendingKeysSurviveTheRoundTrip)
+{
+    recmantest::TempDir dir;
+    auto upper = std::make_shared<CollatingSequence>();
+    upper->name = "UPPER";
+    for (int i = 0; i < 256; ++i)
+        upper->table[i] = static_cast<std::uint8_t>(i >= 'a' && i <= 'z' ? i - 32 : i);
+    FileSpec spec;
+    spec.recordLength = recordLength;
+    KeyDefinition name;
+    name.segments.push_back({0, 0, keyflag::Extended | keyflag::Duplicates | keyflag::Acs,
+                             static_cast<std::uint8_t>(DataType::String), 4, 16, 0, upper});
+    KeyDefinition idDown;
+    idDown.number = 1;
+    idDown.segments.push_back(
+        {1, 0, keyflag::Extended | keyflag::Descending, static_cast<std::uint8_t>(DataType::Integer), 0, 4, 0, {}});
+    spec.keys = {name, idDown};
+    std::string message;
+    ASSERT_EQ(createFile(dir / "ACS.BTR", spec, {makeRecord(1, "beta"), makeRecord(2, "ALPHA"), makeRecord(3, "Gamma")},
+                         message),
+              Status::Success)
+        << message;
+    File file;
+    ASSERT_EQ(file.open(dir / "ACS.BTR"), Status::Success) << file.lastMessage();
+    ASSERT_TRUE(file.info().keys[0].segments[0].acs);
+    EXPECT_EQ(file.info().keys[0].segments[0].acs->name, "UPPER");
+    EXPECT_EQ(idsInKeyOrder(file, 0), (std::vector<std::int32_t>{2, 1, 3}));
+    EXPECT_EQ(idsInKeyOrder(file, 1), (std::vector<std::int32_t>{3, 2, 1}));
+}
+
 TEST(RecordManagerFileWrites, OnlyNonKeyBytesOfExistingRecordsChange)
 {
     recmantest::TempDir dir;
