@@ -107,11 +107,18 @@ QStringList wholeSchema(SqlDialect d)
     };
 }
 
+// The folder walk of the explorer and the reports asks for the codes of one
+// folder at a time; without this index each question scans the whole ledger.
+QStringList folderIndex(SqlDialect)
+{
+    return {QStringLiteral("CREATE INDEX AccountCodes_Folder ON AccountCodes (FundID, Ledger, ParentID)")};
+}
+
 using Migration = std::function<QStringList(SqlDialect)>;
 
 const std::vector<Migration> &migrations()
 {
-    static const std::vector<Migration> all{wholeSchema};
+    static const std::vector<Migration> all{wholeSchema, folderIndex};
     return all;
 }
 

@@ -115,6 +115,27 @@ bool StoreBase::changeOneRow(const QString &sql, const QString &sub, const std::
     return false;
 }
 
+bool StoreBase::inTransaction(const QString &sub, const std::function<bool()> &work)
+{
+    if (db().inTransaction())
+        return work();
+    DbError error;
+    if (!db().BeginTrans(&error)) {
+        reportDbError(sub, error);
+        return false;
+    }
+    if (!work()) {
+        db().RollbackTrans();
+        return false;
+    }
+    if (!db().CommitTrans(&error)) {
+        db().RollbackTrans();
+        reportDbError(sub, error);
+        return false;
+    }
+    return true;
+}
+
 bool StoreBase::run(const QString &sql, const QString &sub, qint64 *affected)
 {
     DbError error;

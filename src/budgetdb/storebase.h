@@ -51,6 +51,11 @@ protected:
     // row; any other count reports (999, sub, failText(count)).
     bool changeOneRow(const QString &sql, const QString &sub, const std::function<QString(qint64)> &failText);
 
+    // Runs `work` inside a transaction: the caller's when one is open already,
+    // else one of its own, committed when work returns true and rolled back
+    // (keeping work's error report) when it returns false.
+    bool inTransaction(const QString &sub, const std::function<bool()> &work);
+
     // Runs a statement with no count rule; false (and reported) on a database error.
     bool run(const QString &sql, const QString &sub, qint64 *affected = nullptr);
 

@@ -68,6 +68,27 @@ TEST_P(SchemaTest, InsertsByPositionAndGeneratedKeysWork)
     EXPECT_EQ(firstText("select Name from SummaryTree where ID = '1'", "name"), "Top");
 }
 
+TEST_P(SchemaTest, OlderDatabaseIsMigratedInPlaceKeepingItsRows)
+{
+    // Wind the database back to the first release: no folder index, version 1.
+    exec("DROP INDEX AccountCodes_Folder");
+    exec("DELETE FROM KoraSchema");
+    exec("INSERT INTO KoraSchema (Version) VALUES (1)");
+    exec("Insert into Bals values ('A', 100.5, 90)");
+
+    DbError error;
+    ASSERT_TRUE(BudgetSchema::migrate(*db(), &error)) << error.text.toStdString();
+    BudgetSchema::State state;
+    ASSERT_TRUE(BudgetSchema::inspect(*db(), state));
+    EXPECT_EQ(state.version, BudgetSchema::programVersion());
+    Recordset kept;
+    ASSERT_TRUE(db()->open("select CurrentBalance from Bals where Fund = 'A'", kept));
+    EXPECT_EQ(kept.amount("CurrentBalance"), *Currency::parse("100.5"));
+    kept.Close();
+    // The index is back: creating it again must fail.
+    EXPECT_FALSE(db()->execute("CREATE INDEX AccountCodes_Folder ON AccountCodes (FundID)", nullptr, &error));
+}
+
 TEST_P(SchemaTest, YearTreeCopyFeedsTheLiveTree)
 {
     DbError error;
