@@ -122,7 +122,7 @@ public:
         const auto pageSize = file_.header.pageSize;
         const auto usage = file_.header.usage + 1;
         ensureFreePhysical();
-        // 1. Changed pages onto physical pages no current page uses.
+        // 1. Changed pages (always data pages) onto physical pages no current page uses.
         std::map<std::uint32_t, std::uint32_t> placed;
         for (auto &[logical, content] : pages_) {
             const auto physical = takePhysical();
@@ -159,8 +159,7 @@ public:
                 newUsage = usage;
                 for (const auto &[logical, physical] : placed)
                     if ((logical - 1) / pages.entriesPerPat() == g)
-                        pagebuild::setPatEntry(content, logical - g * pages.entriesPerPat(), physical,
-                                               pageType(logical));
+                        pagebuild::setPatEntry(content, logical - g * pages.entriesPerPat(), physical, pagetype::Data);
             }
             bytes::put32(content, 4, newUsage);
             if (!file_.handle.writeAt(std::uint64_t{pages.patPhysical(g) + inactive} * pageSize, content))
@@ -198,8 +197,6 @@ public:
     }
 
 private:
-    std::uint8_t pageType(std::uint32_t) const { return pagetype::Data; }
-
     void ensureFreePhysical()
     {
         if (file_.freePhysicalKnown)

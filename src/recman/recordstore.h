@@ -22,7 +22,6 @@ public:
     std::uint32_t address(std::size_t ordinal) const { return addresses_[ordinal]; }
     bool live(std::size_t ordinal) const { return live_[ordinal] != 0; }
     void setLive(std::size_t ordinal, bool live) { live_[ordinal] = live ? 1 : 0; }
-    void setAddress(std::size_t ordinal, std::uint32_t address) { addresses_[ordinal] = address; }
 
     std::size_t append(Bytes record, std::uint32_t address)
     {
@@ -39,7 +38,6 @@ public:
         addresses_.reserve(records);
         live_.reserve(records);
     }
-    std::size_t byteSize() const { return data_.size(); }
 
 private:
     std::vector<std::uint8_t> data_;
