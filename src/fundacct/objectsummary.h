@@ -44,7 +44,6 @@ public:
     explicit SummaryFileAccess(const QStringList &amountNames);
 
     const QString &fieldName(std::size_t amount, int month) const { return names_[amount][month - 1]; }
-    std::size_t amountCount() const { return names_.size(); }
 
     // Monthly texts of the control's current record: "" for 0, else "#,##0.00".
     void load(DataAccessControl &control, std::size_t amount, MonthlyTexts &into) const;
