@@ -18,10 +18,7 @@ clsLine::clsLine() : CountedStore(QStringLiteral("clsLine"))
 
 bool clsLine::changeOneRowAlone(const QString &sql, const QString &sub, const FailText &failText)
 {
-    const auto transaction = beginOwn(sub);
-    if (!transaction || !changeOneRow(sql, sub, failText))
-        return false;
-    return commit(*transaction, sub);
+    return inTransaction(sub, [&] { return changeOneRow(sql, sub, failText); });
 }
 
 bool clsLine::UpdateBatch()

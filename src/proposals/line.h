@@ -27,7 +27,7 @@ public:
     bool Retrieve();
 
 private:
-    // Runs a one-row statement in a transaction of its own.
+    // Runs a one-row statement in a transaction of its own (or the caller's).
     bool changeOneRowAlone(const QString &sql, const QString &sub, const FailText &failText);
 
     clsLineItem item_;

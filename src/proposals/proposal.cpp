@@ -38,22 +38,17 @@ bool clsProposal::UpdateBatch()
 
 bool clsProposal::InitNewProposal(QString &source)
 {
-    const auto transaction = beginOwn(initSub);
-    if (!transaction)
-        return false;
-    if (!run(QStringLiteral("Update Proposal Set Active = 'N' "), initSub))
-        return false;
     const QString claim = "Update Proposal Set " + QStringLiteral(" Name = ") + sqlText(item_.Name) +
                           ", Status = 'O', Active = 'Y' where ID = " + sqlText(item_.ID);
-    if (!changeOneRow(claim, initSub, countThen(QStringLiteral(" records to be update"))))
-        return false;
-    if (!isKnownSource(source))
-        source = QStringLiteral("E");
-    if (!run("Delete from ProposalBudget where ProposalID = " + sqlText(item_.ID), initSub))
-        return false;
-    if (!fillSlotAmounts(source.toUpper()))
-        return false;
-    return commit(*transaction, initSub);
+    return inTransaction(initSub, [&] {
+        if (!run(QStringLiteral("Update Proposal Set Active = 'N' "), initSub) ||
+            !changeOneRow(claim, initSub, countThen(QStringLiteral(" records to be update"))))
+            return false;
+        if (!isKnownSource(source))
+            source = QStringLiteral("E");
+        return run("Delete from ProposalBudget where ProposalID = " + sqlText(item_.ID), initSub) &&
+               fillSlotAmounts(source.toUpper());
+    });
 }
 
 bool clsProposal::fillSlotAmounts(const QString &source)
@@ -103,14 +98,10 @@ bool clsProposal::copyProposal(const QString &source)
 bool clsProposal::Delete()
 {
     const QString sub = QStringLiteral("Delete");
-    const auto transaction = beginOwn(sub);
-    if (!transaction)
-        return false;
     const QString sql = "Update Proposal Set " + QStringLiteral(" Name = ") + sqlText(item_.Name) +
                         ", Status = '', Active = 'N' where ID = " + sqlText(item_.ID);
-    if (!changeOneRow(sql, sub, countThen(QStringLiteral(" records to be update"))))
-        return false;
-    return commit(*transaction, sub);
+    return inTransaction(sub,
+                         [&] { return changeOneRow(sql, sub, countThen(QStringLiteral(" records to be update"))); });
 }
 
 bool clsProposal::GetList(std::vector<clsProposalItem> &items)

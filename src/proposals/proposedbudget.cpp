@@ -231,23 +231,23 @@ bool clsProposedBudget::AddBatch()
 bool clsProposedBudget::Update()
 {
     const QString sub = QStringLiteral("Update Budget ");
-    qint64 affected = 0;
-    {
-        const auto transaction = beginOwn(sub);
-        if (!transaction || !run(updateStatement(), sub, &affected))
+    bool missing = false;
+    const bool updated = inTransaction(sub, [&] {
+        qint64 affected = 0;
+        if (!run(updateStatement(), sub, &affected))
             return false;
-        if (affected == 1)
-            return commit(*transaction, sub);
-        if (affected > 1) {
+        if (affected > 1)
             report(999, sub, addFailure);
-            return false;
-        }
-    }
+        missing = affected == 0;
+        return affected == 1;
+    });
+    if (updated || !missing)
+        return updated;
     // No row yet: insert one, keeping the amounts the caller set (Retrieve would overwrite them).
     const clsProposedBudgetItem wanted = item_;
     if (Retrieve()) {
         item_ = wanted;
-        report(999, sub, countThen(QStringLiteral(" records to be update"))(affected));
+        report(999, sub, countThen(QStringLiteral(" records to be update"))(0));
         return false;
     }
     return Add();

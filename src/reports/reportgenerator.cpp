@@ -67,24 +67,6 @@ bool clsReportGenerator::changeOne(const QString &sql)
     return changeOneRow(sql, reportSource, [](qint64) { return QStringLiteral("Invalid number of records added!"); });
 }
 
-bool clsReportGenerator::inTransaction(const QString &sub, const std::function<bool()> &work)
-{
-    if (db().inTransaction())
-        return work();
-    Transaction transaction(db());
-    if (!transaction.begun()) {
-        report(-1, sub, QStringLiteral("Cannot begin a transaction on the budget database."));
-        return false;
-    }
-    if (!work())
-        return false;
-    DbError error;
-    if (transaction.commit(&error))
-        return true;
-    reportDbError(sub, error);
-    return false;
-}
-
 bool clsReportGenerator::AddReportName()
 {
     const QString sql = "Insert into Report (Name, Description,Ledger,FundID, Date) " + QStringLiteral("Values (") +

@@ -49,7 +49,6 @@ public:
 
 private:
     bool changeOne(const QString &sql);
-    bool inTransaction(const QString &sub, const std::function<bool()> &work);
     clsReportHeadings describe(const QString &key) const;
 
     clsReportName name_;
