@@ -8,9 +8,11 @@
 // Keyed operations take a key number and, where they search, a key value:
 // the key's segments' bytes concatenated (KeyDefinition::length() bytes; longer
 // buffers are fine, the rest is ignored). keyValueOf() builds one from a record.
-// Step operations walk the records in physical order. Every operation returns
-// a Status; on failure lastMessage() says what happened. The current record
-// stays in place when an operation fails.
+// getNext/getPrevious continue on the key the last get used (7 for another
+// key, 8 after a step or with no current record). Step operations walk the
+// records in physical order and may follow any get. Past either end: 9;
+// get-equal without a match: 4. Every operation returns a Status; on failure
+// lastMessage() says what happened and the current record stays in place.
 //
 // Writes (open with OpenMode::ReadWrite):
 //  - update() rewrites the current record in place. In files of the record
