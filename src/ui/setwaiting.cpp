@@ -16,11 +16,10 @@ bool &cursorOverridden()
 
 mdiChild *activeChild()
 {
-    for (QWidget *top : QApplication::topLevelWidgets()) {
-        for (QMdiArea *area : top->findChildren<QMdiArea *>()) {
-            if (QMdiSubWindow *sub = area->activeSubWindow())
-                return qobject_cast<mdiChild *>(sub->widget());
-        }
+    for (QWidget *widget : QApplication::allWidgets()) {
+        auto *area = qobject_cast<QMdiArea *>(widget);
+        if (QMdiSubWindow *sub = area ? area->activeSubWindow() : nullptr)
+            return qobject_cast<mdiChild *>(sub->widget());
     }
     return nullptr;
 }

@@ -1,9 +1,16 @@
 #include "mdichild.h"
+#include "setwaiting.h"
 
 #include "guiapplication.h"
 #include "recordingmessages.h"
 
+#include <QApplication>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMouseEvent>
 #include <QTableView>
 #include <QTemporaryDir>
 
@@ -129,6 +136,55 @@ TEST_F(ChildTest, InitFormEmptiesEveryPart)
     EXPECT_EQ(child->Explorer().NodeCount(), 0);
     EXPECT_EQ(child->Statusbar().Count(), 0);
     EXPECT_EQ(child->FormType(), "Child");
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ChildTest, DropsPanelsAndTheTimerBecomeCommands)
+{
+    child->Explorer().AddRootFolder("F1", "One");
+    child->Explorer().AddRootFolder("F2", "Two");
+    child->Statusbar().AddPanel(0, "Status", "Status", "Open");
+    QObject::connect(child.get(), &mdiChild::Command, [this](const QString &c) {
+        if (c == "_explorerNodeDrag")
+            child->Explorer().setDragSuccessful(true);
+    });
+    commands.clear();
+    child->Explorer().DropNode("F2", "F1");
+    EXPECT_TRUE(commands.contains("_explorerNodeDrag"));
+    EXPECT_EQ(child->Explorer().Node("F2").parentKey, "F1");
+
+    commands.clear();
+    QLabel *panel = child->findChild<QLabel *>("Status");
+    QMouseEvent release(QEvent::MouseButtonRelease, QPointF(1, 1), panel->mapToGlobal(QPointF(1, 1)), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(panel, &release);
+    EXPECT_EQ(commands, QStringList({"Status"}));
+
+    child->Timer().start(1);
+    QElapsedTimer waited;
+    waited.start();
+    while (!commands.contains("_Timer") && waited.elapsed() < 2000)
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+    child->Timer().stop();
+    EXPECT_TRUE(commands.contains("_Timer"));
+}
+
+TEST_F(ChildTest, SetWaitingMarksTheActiveChild)
+{
+    QMdiArea area;
+    child.release()->ShowForm(area); // the area's sub-window owns it from here
+    area.show();
+    auto *shownChild = qobject_cast<mdiChild *>(area.activeSubWindow()->widget());
+    ASSERT_NE(shownChild, nullptr);
+    SetWaiting(true);
+    EXPECT_TRUE(shownChild->Waiting());
+    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    SetWaiting(false);
+    EXPECT_FALSE(shownChild->Waiting());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "classdialog.h"
 #include "classdropdown.h"
 #include "classgrid.h"
+#include "classstatusbar.h"
+#include "classtoolbar.h"
 #include "twips.h"
 #include "wrappererror.h"
 
@@ -166,6 +168,51 @@ TEST(DialogRun, SaveFromAWorkerButtonFollowsTheSameRule)
     EXPECT_EQ(worker.events, QStringList({"ValidateData", "ValidateData", "SaveData"}));
     dialog.Reload();
     EXPECT_EQ(worker.events.mid(3), QStringList({"LoadData", "LockControls"}));
+}
+
+} // namespace
+
+namespace {
+
+class BarsWorker : public DialogWorker {
+public:
+    QStringList actions;
+    void FormBuild(classDialog &dialog) override
+    {
+        dialog.SetSize(4000, 2000);
+        dialog.ShowStandardButtons(false);
+        dialog.AddControl(DialogControlKind::Toolbar, "tbrMain")
+            .Toolbar()
+            .AddButton("tlbLnItem", "", "", "Line Item", ToolbarButtonStyle::Default, "List");
+        dialog.AddControl(DialogControlKind::StatusBar, "sbrStatus").Statusbar().AddPanel(0, "Status", "Status", "");
+        dialog.AddControl(DialogControlKind::ListBox, "lstProposals", "Proposal    Description")
+            .Move(200, 150, 3000, 1200);
+    }
+    void UserAction(classDialog &dialog, const QString &name) override
+    {
+        actions << name;
+        if (name == "tlbLnItem")
+            dialog.CloseDialog();
+    }
+};
+
+TEST(DialogBars, ToolbarButtonsRaiseTheirKeyAndMayCloseTheDialog)
+{
+    GuiApplicationGuard app;
+    BarsWorker worker;
+    classDialog dialog(worker);
+    dialog.Build();
+    dialog.show();
+    EXPECT_FALSE(dialog.findChild<QPushButton *>("cmdDialogOK")->isVisible());
+    DialogControl &list = dialog.Control("lstProposals");
+    list.AddItem("1  Budget", "1");
+    list.AddItem("2  Draft", "2");
+    dialog.Control("sbrStatus").Statusbar().setPanelText("Status", "Loading Records");
+    EXPECT_EQ(dialog.Control("sbrStatus").Statusbar().PanelText("Status"), "Loading Records");
+    dialog.Control("tbrMain").Toolbar().Item("tlbLnItem").action()->trigger();
+    EXPECT_EQ(worker.actions, QStringList({"tlbLnItem"}));
+    EXPECT_EQ(dialog.CloseAction(), classDialog::ClosedByWorker);
+    EXPECT_FALSE(dialog.isVisible());
 }
 
 } // namespace

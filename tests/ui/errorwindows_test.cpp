@@ -1,12 +1,16 @@
 #include "formerrordialog.h"
 #include "formerrorlog.h"
 #include "twips.h"
+#include "widgetmessages.h"
 
 #include "guiapplication.h"
 #include "recordingmessages.h"
 
+#include <QApplication>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPrinter>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -142,6 +146,62 @@ TEST_F(ErrorDialogTest, CriticalPointsToTheLogAndBeeps)
     ASSERT_EQ(shown->shown().size(), 1u);
     EXPECT_EQ(shown->shown()[0].kind, RecordingMessages::Shown::Kind::Beep);
     EXPECT_FALSE(dialog.isVisible());
+}
+
+} // namespace
+
+namespace {
+
+// Answers the next message or input box that opens, as a user would.
+void answerNextBox(std::function<void(QWidget *)> act)
+{
+    QTimer::singleShot(0, [act] {
+        for (QWidget *top : QApplication::topLevelWidgets()) {
+            if (top->isVisible() && (qobject_cast<QMessageBox *>(top) || qobject_cast<QInputDialog *>(top))) {
+                act(top);
+                return;
+            }
+        }
+    });
+}
+
+TEST(WidgetMessagesTest, BoxesShowTheRequestAndGiveTheAnswer)
+{
+    GuiApplicationGuard app;
+    WidgetMessages service;
+    QString seenText;
+    QString defaultButton;
+    answerNextBox([&](QWidget *box) {
+        auto *message = qobject_cast<QMessageBox *>(box);
+        seenText = message->text();
+        defaultButton = message->defaultButton()->text();
+        message->button(QMessageBox::Yes)->click();
+    });
+    const MsgAnswer answer =
+        service.messageBox({"Clear error log", "Are you sure?", MsgButtons::YesNo, MsgIcon::Question, MsgAnswer::No});
+    EXPECT_EQ(answer, MsgAnswer::Yes);
+    EXPECT_EQ(seenText, "Are you sure?");
+    EXPECT_EQ(defaultButton, QMessageBox().addButton(QMessageBox::No)->text());
+
+    answerNextBox([](QWidget *box) { qobject_cast<QInputDialog *>(box)->reject(); });
+    EXPECT_EQ(service.inputBox("File?", "Grid Data Export", "c:\\data.csv"), std::nullopt);
+    answerNextBox([](QWidget *box) { qobject_cast<QInputDialog *>(box)->accept(); });
+    EXPECT_EQ(service.inputBox("File?", "Grid Data Export", "c:\\data.csv"), QString("c:\\data.csv"));
+}
+
+TEST(WidgetMessagesTest, ErrorsGoToTheApplicationsErrorDialog)
+{
+    GuiApplicationGuard app;
+    formErrorDialog dialog;
+    WidgetMessages service(&dialog);
+    QString title;
+    QTimer::singleShot(0, &dialog, [&] {
+        title = dialog.windowTitle();
+        dialog.findChild<QPushButton *>("cmdOK")->click();
+    });
+    service.errorDialog({4, "Error returned from Kora-Fund", "Cannot find current year.", false});
+    EXPECT_EQ(title, "Error returned from Kora-Fund");
+    EXPECT_EQ(dialog.IconMode(), 4);
 }
 
 } // namespace

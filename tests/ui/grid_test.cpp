@@ -1,13 +1,17 @@
 #include "classgrid.h"
 #include "formcomplexsorting.h"
+#include "twips.h"
 #include "wrappererror.h"
 
 #include "guiapplication.h"
 #include "recordingmessages.h"
 
+#include <QApplication>
+#include <QComboBox>
 #include <QPushButton>
 #include <QTableView>
 #include <QTableWidget>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -275,6 +279,68 @@ TEST_F(GridTest, SelectionAndLookupByKey)
     EXPECT_EQ(grid.GetValueUsingKey("Fund", "Z", "Amount"), "");
     grid.ClearSelectedRows();
     EXPECT_EQ(grid.FirstselectedRow(), 0);
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(GridTest, AConfirmedComplexSortOrdersByEveryChosenColumn)
+{
+    grid.Column("Fund").setSortComplex(true);
+    grid.Column("Amount").setSortComplex(true);
+    addRow("B", "1");
+    addRow("A", "1");
+    addRow("A", "5");
+    QTimer::singleShot(0, [] {
+        for (QWidget *top : QApplication::topLevelWidgets()) {
+            auto *dialog = qobject_cast<formComplexSorting *>(top);
+            if (!dialog || !dialog->isVisible())
+                continue;
+            auto *available = dialog->findChild<QTableWidget *>("gridAvailable");
+            auto *add = dialog->findChild<QPushButton *>("cmdAdd");
+            available->setCurrentCell(1, 0); // Amount first
+            add->click();
+            available->setCurrentCell(0, 0); // then Fund
+            add->click();
+            auto *selected = dialog->findChild<QTableWidget *>("gridSelected");
+            qobject_cast<QComboBox *>(selected->cellWidget(0, 1))->setCurrentIndex(1); // Amount descending
+            dialog->findChild<QPushButton *>("cmdOK")->click();
+        }
+    });
+    grid.DoSortComplex();
+    EXPECT_EQ(column("Fund"), QStringList({"A", "A", "B"}));
+    EXPECT_EQ(column("Amount"), QStringList({"5", "1", "1"}));
+    EXPECT_EQ(sortOrderToText(grid.GetSort()), "Amount:D;Fund:A");
+}
+
+TEST_F(GridTest, RowsAndColumnsKeepTheirSettings)
+{
+    grid.AddColumn("Active", "Active", {.type = GridColumnType::Check, .editable = true});
+    grid.ResetRows(2);
+    EXPECT_EQ(grid.CountRows(), 2);
+    EXPECT_EQ(grid.GetItemValue(2, "Active"), "0");
+    EXPECT_EQ(grid.GetItemValue(2, "Fund"), "");
+    QAbstractItemModel &model = *view.model();
+    EXPECT_TRUE(model.flags(model.index(0, 4)) & Qt::ItemIsUserCheckable);
+    EXPECT_TRUE(model.setData(model.index(0, 4), Qt::Checked, Qt::CheckStateRole));
+    EXPECT_EQ(grid.GetItemValue(1, "Active"), "1");
+    grid.SetCell(2, "Active", true);
+    EXPECT_EQ(grid.GetItemValue(2, "Active"), "1");
+
+    EXPECT_EQ(grid.ColumnKey(2), "Amount");
+    EXPECT_THROW(grid.ColumnKey(9), WrapperError);
+    grid.ColumnWidth("Fund", 2880);
+    EXPECT_EQ(view.columnWidth(0), twipsToPixels(2880));
+    EXPECT_EQ(totals.columnWidth(0), twipsToPixels(2880));
+    grid.setColumnName("Fund", "Fund ID");
+    EXPECT_EQ(grid.ColumnName("Fund"), "Fund ID");
+    grid.setColumnExtra1("Fund", "x");
+    EXPECT_EQ(grid.ColumnExtra1("Fund"), "x");
+
+    grid.Reset();
+    EXPECT_EQ(grid.CountColumns(), 0);
+    EXPECT_EQ(grid.CountRows(), 0);
 }
 
 } // namespace
