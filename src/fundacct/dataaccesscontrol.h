@@ -27,7 +27,10 @@ enum class Status : int;
 // Field values: text fields give QString (right-trimmed), integer fields
 // qlonglong, amount fields Currency (which converts to QString as plain decimal
 // text), anything else the dictionary's decoded value as text. Setting takes
-// the same types or text and converts by the field's type.
+// the same types or text and converts by the field's type; a value that does
+// not fit (text too long, a number out of range) is refused, never cut, and
+// the buffer keeps what it held. Text is stored in the installation's code
+// page (fundCodePage(), Windows-1252 unless set), as it was when Open ran.
 class DataAccessControl {
 public:
     // Status codes of the control's own failures, beside the file engine's.
