@@ -278,6 +278,30 @@ Status createDataFile(const std::filesystem::path &path, const TableDef &table, 
     return createFile(path, spec, records, message, mode);
 }
 
+Status createDataFile(const std::filesystem::path &path, const TableDef &table,
+                      const std::vector<std::vector<std::uint8_t>> &records, std::string &message, CreateMode mode)
+{
+    std::size_t next = 0;
+    return createDataFile(
+        path, table,
+        [&](std::vector<std::uint8_t> &record) {
+            if (next == records.size())
+                return false;
+            record = records[next++];
+            return true;
+        },
+        message, mode);
+}
+
+std::vector<std::uint8_t> blankRecord(const TableDef &table, const CodePage &codePage)
+{
+    std::vector<std::uint8_t> record(table.recordLength(), 0);
+    std::string ignored;
+    for (const auto &field : table.fields)
+        encodeField(field, Null{}, record, codePage, ignored);
+    return record;
+}
+
 namespace {
 
 // Field encoding errors while writing the dictionary's own rows mean a name
@@ -363,21 +387,11 @@ Status createDictionary(const std::filesystem::path &root, const std::vector<Tab
         }
     }
     const std::vector<std::vector<std::uint8_t>> *rows[] = {&fileRows, &fieldRows, &indexRows};
-    for (std::size_t i = 0; i < system.size(); ++i) {
-        std::size_t next = 0;
-        const auto &source = *rows[i];
-        const auto status = createDataFile(
-            root / system[i].location, system[i],
-            [&](std::vector<std::uint8_t> &record) {
-                if (next == source.size())
-                    return false;
-                record = source[next++];
-                return true;
-            },
-            message, CreateMode::Overwrite);
-        if (status != Status::Success)
+    for (std::size_t i = 0; i < system.size(); ++i)
+        if (const auto status =
+                createDataFile(root / system[i].location, system[i], *rows[i], message, CreateMode::Overwrite);
+            status != Status::Success)
             return status;
-    }
     return Status::Success;
 }
 

@@ -86,5 +86,12 @@ Status createDictionary(const std::filesystem::path &root, const std::vector<Tab
 // Creates a table's data file from raw records of table.recordLength() bytes.
 Status createDataFile(const std::filesystem::path &path, const TableDef &table, const RecordSource &records,
                       std::string &message, CreateMode mode = CreateMode::FailIfExists);
+Status createDataFile(const std::filesystem::path &path, const TableDef &table,
+                      const std::vector<std::vector<std::uint8_t>> &records, std::string &message,
+                      CreateMode mode = CreateMode::FailIfExists);
+
+// A record of the table with every field empty: text blank, numbers zero,
+// dates null. Fill it with encodeField().
+std::vector<std::uint8_t> blankRecord(const TableDef &table, const CodePage &codePage = CodePage::windows1252());
 
 } // namespace recman

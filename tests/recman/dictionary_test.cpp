@@ -32,7 +32,7 @@ TableDef fundsTable()
 std::vector<std::uint8_t> fundRecord(const TableDef &table, const std::string &id, const std::string &name,
                                      std::int64_t balanceTenThousandths)
 {
-    std::vector<std::uint8_t> record(table.recordLength(), 0);
+    auto record = blankRecord(table);
     std::string error;
     EXPECT_TRUE(encodeField(*table.field("ID"), id, record, CodePage::windows1252(), error)) << error;
     EXPECT_TRUE(encodeField(*table.field("Name"), name, record, CodePage::windows1252(), error)) << error;
@@ -53,15 +53,7 @@ TEST(Dictionary, WrittenDictionaryAndDataFileReadBack)
     ASSERT_EQ(createDictionary(root.path(), {funds}, message), Status::Success) << message;
     const std::vector<std::vector<std::uint8_t>> records = {fundRecord(funds, "A", "General Fund", 1234567),
                                                             fundRecord(funds, "B", "café fund", -50000)};
-    std::size_t next = 0;
-    ASSERT_EQ(createDataFile(
-                  root / "Fund" / "FUNDS.BTR", funds,
-                  [&](std::vector<std::uint8_t> &record) {
-                      return next < records.size() ? (record = records[next++], true) : false;
-                  },
-                  message),
-              Status::Success)
-        << message;
+    ASSERT_EQ(createDataFile(root / "Fund" / "FUNDS.BTR", funds, records, message), Status::Success) << message;
 
     Dictionary dictionary;
     ASSERT_EQ(dictionary.open(root.path()), Status::Success) << dictionary.lastMessage();
@@ -116,6 +108,21 @@ void rewriteDdf(const std::filesystem::path &path, std::uint32_t newLength,
     file.close();
     std::string message;
     ASSERT_EQ(createFile(path, spec, rows, message, CreateMode::Overwrite), Status::Success) << message;
+}
+
+TEST(Dictionary, BlankRecordsHoldEmptyValues)
+{
+    auto table = fundsTable();
+    table.fields.push_back({"Amount", DataType::Decimal, 47, 3, 2, 0});
+    const auto record = blankRecord(table);
+    const std::vector<std::uint8_t> blankId(4, ' ');
+    EXPECT_TRUE(std::equal(blankId.begin(), blankId.end(), record.begin()));
+    Value value;
+    std::string error;
+    ASSERT_TRUE(decodeField(*table.field("Amount"), record, CodePage::windows1252(), value, error)) << error;
+    EXPECT_EQ(value, (Value{Decimal{0, 2}}));
+    ASSERT_TRUE(decodeField(*table.field("Opened"), record, CodePage::windows1252(), value, error));
+    EXPECT_EQ(value, Value{Null{}});
 }
 
 TEST(Dictionary, OlderDictionariesWith87ByteFilesAndIndexesCountedFromOne)
