@@ -97,7 +97,10 @@ private:
         const std::uint32_t count = bytes::u16(page, 10);
         const std::uint32_t fragment = pointer.fragment;
         const std::uint32_t directoryLimit = (header_.pageSize - 12) / 2;
-        if (fragment >= count || fragment >= directoryLimit)
+        if (count > directoryLimit)
+            throw FormatError("variable page " + std::to_string(pointer.page) + " claims " + std::to_string(count) +
+                              " fragments, more than fit");
+        if (fragment >= count)
             throw FormatError("variable-record pointer names fragment " + std::to_string(fragment) + " of page " +
                               std::to_string(pointer.page) + ", which has " + std::to_string(count));
         const auto entry = bytes::u16(page, header_.pageSize - 2 * (fragment + 1));

@@ -104,6 +104,21 @@ TEST(Robustness, UnsupportedFormatsAreNamed)
     EXPECT_NE(refusal(std::vector<std::uint8_t>(100, 0)).find("shorter than one page"), std::string::npos);
 }
 
+TEST(Robustness, VariablePageWithAnImpossibleFragmentCount)
+{
+    // Found by fuzzing: a fragment count larger than the page made the
+    // directory start wrap around and a fragment read run past the page.
+    auto bytes = recmantest::readBytes(recmantest::fixture("VARIABLE.DAT"));
+    int patched = 0;
+    for (std::size_t page = 512; page + 512 <= bytes.size(); page += 512)
+        if (bytes::u32(bytes, page + 6) == 0xFFFFFFFF && (bytes::u16(bytes, page + 4) & 0x8000) == 0) {
+            bytes::put16(bytes, page + 10, 0xFFF0);
+            ++patched;
+        }
+    ASSERT_GT(patched, 0);
+    EXPECT_NE(refusal(bytes).find("fragments"), std::string::npos);
+}
+
 TEST(Robustness, OwnerProtectedButPlainOldFilesRead)
 {
     auto bytes = recmantest::readBytes(recmantest::fixture("MBBSEMU.DAT"));
