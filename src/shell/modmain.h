@@ -1,0 +1,46 @@
+#pragma once
+
+#include "budgetdbconfig.h"
+
+#include <QString>
+
+// The start-up procedures of the application. Each fills the application
+// globals (appglobals.h, gadoConnection) and reports through the message
+// service; the main window's load runs them in order (mainwindowload.h).
+
+// Result codes of the command-line and user checks.
+inline constexpr long invalidCommandLine = -6; // empty, or no blank between user and root
+inline constexpr long rootNotFound = -1;
+inline constexpr long unknownUser = -2;
+inline constexpr long fundFileNotOpened = -2001; // the users or the parameter file
+
+// Makes gadoConnection from the configuration (data source and server name
+// included) and opens it; on failure shows the connection's error and returns false.
+bool OpenDatabase(const BudgetDbConfig &config);
+// Closes gadoConnection when there is one; false (after showing why) when closing failed.
+bool CloseDatabase();
+
+// "USER ROOT": the user is the text before the first blank, the root
+// everything after it, upper-cased, blanks included. 0, -6 or -1.
+long ParseCommandLine(const QString &commandLine, QString &user, QString &root);
+// 0 and gstrRootPath set when the folder exists (matched case-insensitively,
+// as the fund files are), else -1.
+long CheckRootPath(const QString &root);
+
+// Finds the user by log-in ID in the Kora-Fund users file: the ID becomes the
+// record ID, the display name "First M. Last", and gintPrintPreview the
+// user's setting. 0, -2 (no such user) or -2001 (users file not opened, after
+// saying so).
+long LoadUser(QString &userId, QString &userName);
+
+// gstrProposalID from the active proposal; "1" after saying it could not be read.
+void ReadActiveProposal();
+// gstrBudgetYearID, gstrProposedYearID (next calendar year when there is
+// none) and gbCalendarYear; each failure is shown and start-up goes on.
+void ReadBudgetYears();
+// gstrYear (the latest Kora-Fund year) and gstrFirstFiscalMonth; 0, or a
+// status with its explanation in message.
+long ReadFundYear(QString &message);
+
+// Busy-waits two seconds.
+void Pause();
