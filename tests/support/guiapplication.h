@@ -2,17 +2,39 @@
 
 #include <QApplication>
 
+#include <gtest/gtest.h>
+
 #include <memory>
 
-// Widget tests need one QApplication for the whole test binary; the first
-// call creates it (on the offscreen platform the test runner selects).
+// Owns the one QApplication of a widget test binary and ends it when the
+// tests are done, before the exit handlers take Qt's own statics away.
+class GuiApplicationEnvironment : public ::testing::Environment {
+public:
+    QApplication &application()
+    {
+        if (!app_)
+            app_ = std::make_unique<QApplication>(argc_, argv_);
+        return *app_;
+    }
+    void TearDown() override { app_.reset(); }
+
+private:
+    int argc_ = 1;
+    char name_[11] = "kora-tests";
+    char *argv_[2] = {name_, nullptr};
+    std::unique_ptr<QApplication> app_;
+};
+
+// The first call creates the application (on the offscreen platform the test
+// runner selects); gtest owns the environment that holds it.
 inline QApplication &guiApplication()
 {
-    static int argc = 1;
-    static char name[] = "kora-tests";
-    static char *argv[] = {name, nullptr};
-    static const auto app = std::make_unique<QApplication>(argc, argv);
-    return *app;
+    static GuiApplicationEnvironment *const environment = [] {
+        auto *created = new GuiApplicationEnvironment;
+        ::testing::AddGlobalTestEnvironment(created);
+        return created;
+    }();
+    return environment->application();
 }
 
 // The first member of a widget test fixture, so the application exists
