@@ -1,32 +1,20 @@
 #include "grouping.h"
 #include "valueset.h"
 
+#include "raisednumber.h"
+
 #include <gtest/gtest.h>
-
-namespace {
-
-template <typename Call> int raised(Call call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.number();
-    }
-    return -1;
-}
-
-} // namespace
 
 TEST(Grouping, WrongUseRaisesItsNumberAndChangesNothing)
 {
     classGrouping<int> grouping;
     grouping.Add(10, "Fund");
     grouping.Add(20, "Amount");
-    EXPECT_EQ(raised([&] { grouping.Add(99, "Amount"); }), 457);
-    EXPECT_EQ(raised([&] { grouping.Add(99, ""); }), 449);
-    EXPECT_EQ(raised([&] { grouping.FindKey(""); }), 327);
-    EXPECT_EQ(raised([&] { grouping.Item(3); }), 9);
-    EXPECT_EQ(raised([&] { grouping.Remove("Missing"); }), 9);
+    EXPECT_EQ(raisedNumber([&] { grouping.Add(99, "Amount"); }), 457);
+    EXPECT_EQ(raisedNumber([&] { grouping.Add(99, ""); }), 449);
+    EXPECT_EQ(raisedNumber([&] { grouping.FindKey(""); }), 327);
+    EXPECT_EQ(raisedNumber([&] { grouping.Item(3); }), 9);
+    EXPECT_EQ(raisedNumber([&] { grouping.Remove("Missing"); }), 9);
     EXPECT_EQ(grouping.Count(), 2);
     EXPECT_EQ(grouping.Item("Amount"), 20);
     EXPECT_EQ(grouping.FindKey("amount"), 0) << "keys compare exactly";
@@ -71,5 +59,5 @@ TEST(ValueSet, SetOperationsKeepInsertionOrderAndClonesAreIndependent)
     EXPECT_FALSE(copy.Remove("B"));
     EXPECT_TRUE(a.InSet("B"));
     EXPECT_EQ(copy.Item(2), "C");
-    EXPECT_EQ(raised([&] { copy.Item(3); }), 9);
+    EXPECT_EQ(raisedNumber([&] { copy.Item(3); }), 9);
 }

@@ -9,7 +9,7 @@ TEST(Currency, ParsesWhatUsersTypeAndDatabasesPrint)
     EXPECT_EQ(Currency::parse("-1,000")->raw(), -10000000);
     EXPECT_EQ(Currency::parse("(12.00)")->raw(), -120000);
     EXPECT_EQ(Currency::parse(".25")->raw(), 2500);
-    EXPECT_EQ(Currency::parse("0.00005")->raw(), 1);   // rounds half away from zero
+    EXPECT_EQ(Currency::parse("0.00005")->raw(), 1); // rounds half away from zero
     EXPECT_EQ(Currency::parse("-0.00005")->raw(), -1);
     EXPECT_EQ(Currency::parse("0.00004")->raw(), 0);
     for (const char *bad : {"", " ", "abc", "12x", "1.2.3", "$", "--1", "1e5"})

@@ -1,29 +1,14 @@
 #include "dates.h"
-#include "runtimeerror.h"
+#include "raisednumber.h"
 
 #include <gtest/gtest.h>
-
-namespace {
-
-// The number a call raised, -1 when it raised nothing.
-template <typename Call> int raised(Call call)
-{
-    try {
-        call();
-    } catch (const RuntimeError &error) {
-        return error.description() == "Invalid date input" ? error.number() : 0;
-    }
-    return -1;
-}
-
-} // namespace
 
 TEST(Dates, EightDigitTextConvertsOrFailsByExceptionOrStatus)
 {
     EXPECT_EQ(DateFromYYYYMMDD("20040229"), QDate(2004, 2, 29));
     EXPECT_TRUE(DateFromYYYYMMDD("").isNull());
     for (const char *bad : {"20030230", "2003-2-1", "200302011", "2003O201", " 0030201", "00000000"})
-        EXPECT_EQ(raised([bad] { DateFromYYYYMMDD(bad); }), 13) << bad;
+        EXPECT_EQ(raisedNumber([bad] { DateFromYYYYMMDD(bad); }), 13) << bad;
 
     QDate date(1999, 1, 1);
     EXPECT_EQ(TryDateFromYYYYMMDD("", date), -3);
@@ -39,8 +24,14 @@ TEST(Dates, FormatsKeepLeadingZerosAndRefuseNonDates)
     EXPECT_EQ(FormatYYYYMMDD(QDate(2003, 7, 4)), "20030704");
     EXPECT_EQ(FormatMMDDYY(QDate(2010, 7, 4)), "07-04-10");
     EXPECT_EQ(FormatMMDDYYYY(QDate(2003, 7, 4)), "07-04-2003");
-    EXPECT_EQ(raised([] { FormatYYYYMMDD(QDate()); }), 13);
-    EXPECT_EQ(raised([] { FormatMMDDYY(QDate(2003, 2, 30)); }), 13);
+    try {
+        FormatYYYYMMDD(QDate());
+        ADD_FAILURE() << "a null date was formatted";
+    } catch (const RuntimeError &error) {
+        EXPECT_EQ(error.number(), 13);
+        EXPECT_EQ(error.description(), "Invalid date input");
+    }
+    EXPECT_EQ(raisedNumber([] { FormatMMDDYY(QDate(2003, 2, 30)); }), 13);
 }
 
 TEST(Dates, FiscalYearsRunTwelveMonthsNamedByTheirEnd)
@@ -54,6 +45,6 @@ TEST(Dates, FiscalYearsRunTwelveMonthsNamedByTheirEnd)
         EXPECT_EQ(FiscalYearStart(month, 2004), QDate(2003, month, 1)) << month;
         EXPECT_EQ(FiscalYearEnd(month, 2004).addDays(1), QDate(2004, month, 1)) << month;
     }
-    EXPECT_EQ(raised([] { FiscalYearStart(0, 2004); }), 13);
-    EXPECT_EQ(raised([] { FiscalYearEnd(13, 2004); }), 13);
+    EXPECT_EQ(raisedNumber([] { FiscalYearStart(0, 2004); }), 13);
+    EXPECT_EQ(raisedNumber([] { FiscalYearEnd(13, 2004); }), 13);
 }

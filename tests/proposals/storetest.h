@@ -55,6 +55,7 @@ protected:
     }
     QString scalar(const QString &sql) { return rows(sql).section('|', 0, 0); }
 
+    static Currency money(const char *text) { return *Currency::parse(text); }
     static void expectError(const clsErrObject &error, const QString &sub, const QString &text)
     {
         EXPECT_EQ(error.ErrorNumber(), 999);
