@@ -12,6 +12,7 @@ demo=${KORA_DEMO_DIR:-${XDG_DATA_HOME:-$HOME/.local/share}/kora-budget/demo}
 user=${KORA_USER:-BUSINESS}
 
 "$here/scripts/install-deps.sh"
+export CCACHE_BASEDIR=$here CCACHE_NOHASHDIR=1
 cmake -S "$here" -B "$build" -G Ninja -DKORA_BUILD_TESTS=OFF
 cmake --build "$build" -j"$(nproc)" --target kora-budget kora-budget-admin
 

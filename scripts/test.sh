@@ -6,8 +6,13 @@ here=$(cd "$(dirname "$0")/.." && pwd)
 build=${KORA_BUILD_DIR:-$here/build}
 
 "$here/scripts/install-deps.sh"
+# Let ccache reuse objects across checkouts of the same sources.
+export CCACHE_BASEDIR=$here CCACHE_NOHASHDIR=1
 cmake -S "$here" -B "$build" -G Ninja -DKORA_BUILD_TESTS=ON
 cmake --build "$build" -j"$(nproc)"
+
+# A short fuzzing pass over the record-manager engine (clang's libFuzzer).
+"$here/fuzz/run-short.sh" "${KORA_FUZZ_SECONDS:-15}" "$build-fuzz"
 
 # shellcheck source=scripts/test-postgres.sh
 source "$here/scripts/test-postgres.sh"
