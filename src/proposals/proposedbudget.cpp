@@ -220,7 +220,7 @@ bool clsProposedBudget::GetListNew(std::vector<clsProposedBudgetItem> &items)
 
 bool clsProposedBudget::Add()
 {
-    return addOneRow(insertStatement(), addSub);
+    return inTransaction(addSub, [this] { return AddBatch(); });
 }
 
 bool clsProposedBudget::AddBatch()

@@ -30,10 +30,12 @@ public:
     bool GetListSep(std::vector<clsProposedBudgetItem> &items);
     // Every live account of the fund and ledger, with zero amounts where the proposal has no row.
     bool GetListNew(std::vector<clsProposedBudgetItem> &items);
+    // Inserts one row in a transaction of its own (or the caller's).
     bool Add();
     // Add without a transaction of its own.
     bool AddBatch();
-    // Updates the account's row in its own transaction, inserting it when missing.
+    // Updates the account's row in a transaction of its own (or the caller's),
+    // inserting it when missing.
     bool Update();
     // Loads the amounts of (ID, ProposalID).
     bool Retrieve();

@@ -67,7 +67,9 @@ TEST_P(ProposedBudgetTest, UpdateInsertsAMissingRowAndFailuresAreReported)
     expectError(store.Error(), "Retrieve Budget", "Record not found on propsal :2");
     EXPECT_EQ(store.Error().ErrorCls(), "ProposalBudget:Retrieve");
     item().ProposedBudget = item().ProposedCatC = money("42.5");
+    ASSERT_TRUE(store.BeginTransaction());
     ASSERT_TRUE(store.Update()) << store.Error().ErrorText().toStdString();
+    ASSERT_TRUE(store.Endtransaction());
     item().ProposedBudget = money("43");
     ASSERT_TRUE(store.Update());
     item().ProposedBudget = {};
