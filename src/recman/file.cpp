@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace recman {
 
@@ -83,6 +84,8 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
         return fail(Status::NotARecordManagerFile, path.string() + ": " + error.what());
     } catch (const std::bad_alloc &) {
         return fail(Status::IoError, path.string() + ": not enough memory to load the file");
+    } catch (const std::exception &error) {
+        return fail(Status::IoError, path.string() + ": " + error.what());
     }
     impl_ = std::move(impl);
     message_.clear();
@@ -308,29 +311,39 @@ Status File::position(std::uint32_t &address) const
     return Status::Success;
 }
 
+Status File::guardedWrite(const std::function<Status(std::string &)> &write)
+{
+    std::string message;
+    try {
+        const auto status = write(message);
+        return fail(status, std::move(message));
+    } catch (const std::exception &error) {
+        return fail(Status::IoError, std::string("write abandoned: ") + error.what());
+    }
+}
+
 Status File::update(Bytes record)
 {
     if (!impl_)
         return fail(Status::FileNotOpen, "file not open");
     if (!impl_->current || !impl_->records.live(*impl_->current))
         return fail(Status::InvalidPositioning, "no current record to update");
-    std::string message;
-    const auto status = updateRecord(*impl_, *impl_->current, record, message);
-    return fail(status, std::move(message));
+    return guardedWrite([&](std::string &message) { return updateRecord(*impl_, *impl_->current, record, message); });
 }
 
 Status File::insert(Bytes record)
 {
     if (!impl_)
         return fail(Status::FileNotOpen, "file not open");
-    std::uint32_t ordinal = 0;
-    std::string message;
-    const auto status = insertRecord(*impl_, record, ordinal, message);
-    if (status == Status::Success) {
-        impl_->current = ordinal;
-        impl_->keyPath = -1;
-    }
-    return fail(status, std::move(message));
+    return guardedWrite([&](std::string &message) {
+        std::uint32_t ordinal = 0;
+        const auto status = insertRecord(*impl_, record, ordinal, message);
+        if (status == Status::Success) {
+            impl_->current = ordinal;
+            impl_->keyPath = -1;
+        }
+        return status;
+    });
 }
 
 Status File::erase()
@@ -339,9 +352,7 @@ Status File::erase()
         return fail(Status::FileNotOpen, "file not open");
     if (!impl_->current || !impl_->records.live(*impl_->current))
         return fail(Status::InvalidPositioning, "no current record to delete");
-    std::string message;
-    const auto status = deleteRecord(*impl_, *impl_->current, message);
-    return fail(status, std::move(message));
+    return guardedWrite([&](std::string &message) { return deleteRecord(*impl_, *impl_->current, message); });
 }
 
 } // namespace recman

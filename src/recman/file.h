@@ -28,6 +28,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -108,6 +109,7 @@ private:
     Status neighbour(int key, int direction);
     Status step(Step which);
     Status positionAt(int key, std::size_t position);
+    Status guardedWrite(const std::function<Status(std::string &)> &write);
 
     std::unique_ptr<Impl> impl_;
     mutable std::string message_;
