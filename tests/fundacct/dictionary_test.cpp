@@ -21,11 +21,13 @@ TEST_F(DictionaryTest, EveryTableReadsBackAsDesigned)
     ASSERT_TRUE(folder);
     recman::Dictionary dictionary(fundCodePage());
     ASSERT_EQ(dictionary.open(*folder), recman::Status::Success) << dictionary.lastMessage();
+    std::uint16_t id = 100; // after the dictionary's own tables, in layout order
     for (const FundTableSpec &spec : installationTables()) {
         const recman::TableDef *read =
             dictionary.table(QString::fromStdString(spec.table.name).toUpper().toStdString());
         ASSERT_NE(read, nullptr) << spec.table.name;
         EXPECT_EQ(read->name, spec.table.name);
+        EXPECT_EQ(read->id, id++);
         EXPECT_EQ(read->location, "FUND\\" + spec.fileName.toStdString());
         ASSERT_EQ(read->fields.size(), spec.table.fields.size()) << spec.table.name;
         for (const recman::FieldDef &want : spec.table.fields) {
