@@ -126,6 +126,28 @@ TEST_F(CreatedFile, InsertUpdateDeleteSurviveReopen)
     EXPECT_LE(std::filesystem::file_size(path), sizeBefore + 4096);
 }
 
+TEST_F(CreatedFile, CommitInterruptedBeforeTheControlRecordLeavesTheOldState)
+{
+    {
+        File file;
+        ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success);
+        const std::int32_t five = 5;
+        ASSERT_EQ(file.getEqual(0, Bytes(reinterpret_cast<const std::uint8_t *>(&five), 4)), Status::Success);
+        ASSERT_EQ(file.erase(), Status::Success);
+    }
+    // The delete wrote its data page, then PAT copy B (usage 2), then control
+    // record copy B (usage 2). Undo only the last step, as a crash would.
+    auto bytes = recmantest::readBytes(path);
+    ASSERT_EQ(bytes[4096 + 4], 2);
+    std::fill(bytes.begin() + 4096, bytes.begin() + 8192, 0);
+    recmantest::writeBytes(path, bytes);
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    EXPECT_EQ(file.info().recordCount, 5u);
+    EXPECT_TRUE(file.info().warnings.empty()) << file.info().warnings.front();
+    EXPECT_EQ(idsInKeyOrder(file, 0), (std::vector<std::int32_t>{-3, 0, 5, 7, 200}));
+}
+
 TEST(CreatedFiles, BulkFileSpanningPatGroupsTakesInserts)
 {
     // 1024-byte pages: 254 pages per allocation table, 20 records per page,
