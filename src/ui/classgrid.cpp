@@ -218,16 +218,20 @@ void classGrid::setMultiLineValueColumnKey(const QString &key)
 
 void classGrid::RefreshMultiLine()
 {
+    for (int row = 0; row < model_->rowCount(); ++row)
+        applyRowHeight(row);
+}
+
+void classGrid::applyRowHeight(int row)
+{
     if (!view_)
         return;
-    const int lineHeight = view_->fontMetrics().lineSpacing();
-    const int column = multiLineColumnKey_.isEmpty() ? -1 : model_->columnOf(multiLineColumnKey_);
-    for (int row = 0; row < model_->rowCount(); ++row) {
-        int lines = 1;
-        if (multiLine_)
-            lines = column >= 0 ? std::max(1, model_->cell(row, column).toInt()) : multiLineConstant_;
-        view_->verticalHeader()->resizeSection(row, lines * lineHeight + 6);
+    int lines = 1;
+    if (multiLine_) {
+        const int column = multiLineColumnKey_.isEmpty() ? -1 : model_->columnOf(multiLineColumnKey_);
+        lines = column >= 0 ? std::max(1, model_->cell(row, column).toInt()) : multiLineConstant_;
     }
+    view_->verticalHeader()->resizeSection(row, lines * view_->fontMetrics().lineSpacing() + 6);
 }
 
 void classGrid::setSingleSelection(bool on)
@@ -333,10 +337,10 @@ void classGrid::setColumnTotal(const QString &key, bool on)
 
 int classGrid::AddRow()
 {
-    const int row = model_->appendRow() + 1;
+    const int row = model_->appendRow();
     if (multiLine_)
-        RefreshMultiLine();
-    return row;
+        applyRowHeight(row);
+    return row + 1;
 }
 
 void classGrid::DeleteRow(int row)

@@ -153,6 +153,7 @@ private:
     int columnIndex(const QString &key, const char *member) const;
     int rowIndex(int row, const char *member) const;
     void applyColumn(int column);
+    void applyRowHeight(int row); // 0-based
     void applyEditTriggers();
     void syncCompanionWidths();
     void onHeaderClicked(int section);
