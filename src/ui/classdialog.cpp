@@ -112,7 +112,7 @@ DialogControl &classDialog::AddControl(DialogControlKind kind, const QString &na
     if (name.isEmpty())
         throw WrapperError(invalidPropertyValueError, source("AddControl"), invalidKeyText());
     if (HasControl(name))
-        throw WrapperError(457, source("AddControl"), duplicateKeyText());
+        throw WrapperError(duplicateKeyError, source("AddControl"), duplicateKeyText());
     QWidget *container = canvas_;
     if (!frame.isEmpty()) {
         const DialogControl &host = Control(frame);

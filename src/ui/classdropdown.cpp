@@ -107,7 +107,7 @@ void classDropDown::addList(const QString &key, const QString &caption, const QS
     }
     if (std::any_of(lists_.begin(), lists_.end(), [&](const Entry &e) { return e.key == key; })) {
         delete control;
-        throw WrapperError(457, source("AddDropDown"), duplicateKeyText());
+        throw WrapperError(duplicateKeyError, source("AddDropDown"), duplicateKeyText());
     }
     auto *box = new QWidget(host_);
     auto *layout = new QVBoxLayout(box);

@@ -239,7 +239,7 @@ void classExplorer::addNode(const QString &parentKey, const QString &key, const 
     if (key.isEmpty())
         throw WrapperError(invalidPropertyValueError, source(member), invalidKeyText());
     if (items_.contains(key))
-        throw WrapperError(457, source(member), duplicateKeyText());
+        throw WrapperError(duplicateKeyError, source(member), duplicateKeyText());
     QTreeWidgetItem *parentNode = parentKey.isEmpty() ? nullptr : item(parentKey, member);
     auto node = std::make_unique<QTreeWidgetItem>(QStringList{text});
     node->setData(0, keyRole, key);

@@ -246,7 +246,7 @@ classGridColumn &classGrid::AddColumn(const QString &key, const QString &caption
     if (key.isEmpty())
         throw WrapperError(invalidPropertyValueError, source("AddColumn"), invalidKeyText());
     if (model_->columnOf(key) >= 0)
-        throw WrapperError(457, source("AddColumn"), duplicateKeyText());
+        throw WrapperError(duplicateKeyError, source("AddColumn"), duplicateKeyText());
     model_->addColumn(classGridColumn(key, caption, options));
     const int column = model_->columnCount() - 1;
     applyColumn(column);

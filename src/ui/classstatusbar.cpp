@@ -92,7 +92,7 @@ void classStatusbar::AddPanel(int index, const QString &key, const QString &tag,
     if (key.isEmpty() || !bar_)
         throw WrapperError(invalidPropertyValueError, source("AddPanel"), invalidKeyText());
     if (KeyToIndex(key) != 0)
-        throw WrapperError(457, source("AddPanel"), duplicateKeyText());
+        throw WrapperError(duplicateKeyError, source("AddPanel"), duplicateKeyText());
     if (index < 0 || index > Count() + 1)
         throw WrapperError(invalidArrayIndexError, source("AddPanel"), QStringLiteral("Invalid panel index value"));
     auto *label = new QLabel(text, bar_);

@@ -142,7 +142,7 @@ classToolbarButton &classToolbar::AddButton(const QString &key, const QString &p
     if (key.isEmpty() || !toolbar_)
         throw WrapperError(invalidPropertyValueError, source("AddButton"), invalidKeyText());
     if (std::any_of(buttons_.begin(), buttons_.end(), [&](const auto &b) { return b->Key() == key; }))
-        throw WrapperError(457, source("AddButton"), duplicateKeyText());
+        throw WrapperError(duplicateKeyError, source("AddButton"), duplicateKeyText());
     QAction *action = toolbar_->addAction(caption.isEmpty() ? key : caption);
     action->setObjectName(key);
     auto added = std::make_unique<classToolbarButton>();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "grouping.h" // the collection error numbers
 #include "runtimeerror.h"
 
 #include <QString>
