@@ -17,6 +17,7 @@ int main(int argc, char *argv[])
     sinceStart.start();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kora-Budget"));
+    QApplication::setApplicationVersion(QStringLiteral(KORA_VERSION));
     setMessageService(std::make_unique<WidgetMessages>());
 
     const ProgramArguments arguments = parseProgramArguments(QCoreApplication::arguments());
