@@ -441,6 +441,7 @@ int DataAccessControl::GetNextExtended()
     const std::size_t wanted =
         d.cacheRows > 0 ? static_cast<std::size_t>(d.cacheRows) : std::numeric_limits<std::size_t>::max();
     auto advance = [&] { return d.positionedByStep ? d.file.stepNext() : d.file.getNext(d.index); };
+    d.set(0);
     FileStatus result = d.blockStartsAtCurrent && !d.file.record().empty() ? FileStatus::Success : advance();
     while (result == FileStatus::Success) {
         std::vector<QVariant> row;
@@ -457,7 +458,7 @@ int DataAccessControl::GetNextExtended()
         return d.fromFile(result);
     const auto record = d.file.record();
     std::copy(record.begin(), record.end(), d.buffer.begin());
-    return d.set(0);
+    return d.status; // a value that could not be read in the block says so
 }
 
 int DataAccessControl::Insert()

@@ -1,5 +1,6 @@
 #include "currency.h"
 #include "dataaccesscontrol.h"
+#include "dictionary.h"
 #include "fundfieldvalue.h"
 #include "sampleinstallationfixture.h"
 
@@ -144,4 +145,51 @@ TEST_F(ControlFieldTest, AccentedNamesRoundTripThroughTheFileAndTooLongLeavesThe
         EXPECT_EQ(other.FieldValue(QStringLiteral("Name")).toString(), QStringLiteral("╔cole Saint-╔loi Ç 1"));
     }
     ASSERT_EQ(control.Delete(), 0);
+}
+
+// A dictionary of another program may hold types our tables do not use; bytes
+// that are no value of the field's type are reported, not shown as something.
+TEST(ControlFieldValues, BytesThatAreNoValueGiveAStatusInReadsAndBlocks)
+{
+    QTemporaryDir root;
+    recman::TableDef table{"Events", "Events.btr", {}, {}, 0, 0};
+    table.fields = {{"Code", DataType::String, 0, 4, 0, 0}, {"Held", DataType::Date, 4, 4, 0, 0}};
+    table.indexes = {recman::IndexDef{{{"Code"}}, false, true, false}};
+    const std::vector<std::vector<std::uint8_t>> rows{{'A', ' ', ' ', ' ', 1, 7, 0xE8, 0x07},
+                                                      {'B', ' ', ' ', ' ', 40, 13, 0xE8, 0x07}}; // 40/13/2024
+    std::size_t next = 0;
+    std::string why;
+    const std::filesystem::path folder = root.path().toStdString();
+    ASSERT_EQ(recman::createDictionary(folder, {table}, why), recman::Status::Success) << why;
+    ASSERT_EQ(recman::createDataFile(
+                  folder / "Events.btr", table,
+                  [&](std::vector<std::uint8_t> &record) {
+                      if (next == rows.size())
+                          return false;
+                      record = rows[next++];
+                      return true;
+                  },
+                  why),
+              recman::Status::Success)
+        << why;
+
+    DataAccessControl control;
+    control.setDdfPath(root.path());
+    control.setFileName(QStringLiteral("events"));
+    ASSERT_EQ(control.Open(), 0) << control.Message().toStdString();
+    ASSERT_EQ(control.GetFirst(), 0);
+    EXPECT_EQ(control.FieldValue(QStringLiteral("Held")).toString(), QStringLiteral("2024-07-01"));
+    ASSERT_EQ(control.GetNext(), 0);
+    EXPECT_FALSE(control.FieldValue(QStringLiteral("Held")).isValid());
+    EXPECT_EQ(control.Status(), DataAccessControl::StatusBadFieldValue);
+    EXPECT_TRUE(control.Message().contains(QStringLiteral("Held"))) << control.Message().toStdString();
+
+    ASSERT_EQ(control.GetFirst(), 0);
+    control.setExtendedOps(true);
+    control.setSelectedFields(QStringLiteral("Code,Held"));
+    EXPECT_EQ(control.GetNextExtended(), DataAccessControl::StatusBadFieldValue);
+    ASSERT_EQ(control.Rows(), 2);
+    EXPECT_EQ(control.RowColumnValue(0, 1).toString(), QStringLiteral("2024-07-01"));
+    EXPECT_EQ(control.RowColumnValue(1, 0).toString(), QStringLiteral("B"));
+    EXPECT_FALSE(control.RowColumnValue(1, 1).isValid());
 }
