@@ -70,8 +70,7 @@ bool MainWindowLoad::Load(const StartupSettings &settings)
         messages().errorDialog(
             {4, QStringLiteral("Error returned from Kora-Fund"),
              QStringLiteral("Cannot find current year. error:%1 %2 Fund Description will not available.")
-                 .arg(code)
-                 .arg(message),
+                 .arg(QString::number(code), message),
              false});
     gstrFundYear = gstrYear;
     gstrYear = gstrBudgetYearID;
