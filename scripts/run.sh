@@ -13,7 +13,12 @@ user=${KORA_USER:-BUSINESS}
 
 "$here/scripts/install-deps.sh"
 export CCACHE_BASEDIR=$here CCACHE_NOHASHDIR=1
-cmake -S "$here" -B "$build" -G Ninja -DKORA_BUILD_TESTS=OFF
+# A new build folder leaves the tests out; an existing one keeps its own choice.
+if [ -f "$build/CMakeCache.txt" ]; then
+  cmake -S "$here" -B "$build"
+else
+  cmake -S "$here" -B "$build" -G Ninja -DKORA_BUILD_TESTS=OFF
+fi
 cmake --build "$build" -j"$(nproc)" --target kora-budget kora-budget-admin
 
 # A half-made district (an interrupted first run) is made again from scratch.
