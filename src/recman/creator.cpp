@@ -28,12 +28,8 @@ struct Layout {
     std::uint32_t firstDataPage = 0;
 };
 
-std::string checkSpec(const FileSpec &spec)
+std::string checkKeys(const FileSpec &spec)
 {
-    if (spec.pageSize < 1024 || spec.pageSize > 4096 || spec.pageSize % 512 != 0)
-        return "page size must be a multiple of 512 from 1024 to 4096";
-    if (spec.recordLength == 0 || spec.recordLength > 4000)
-        return "record length must be 1..4000";
     if (spec.keys.size() > 119)
         return "more than 119 keys";
     for (std::size_t k = 0; k < spec.keys.size(); ++k) {
@@ -48,6 +44,20 @@ std::string checkSpec(const FileSpec &spec)
         }
     }
     return {};
+}
+
+// File geometry the creator cannot honour (InvalidOperation), then key
+// definitions it cannot honour (InvalidKeyLength).
+Status checkSpec(const FileSpec &spec, std::string &message)
+{
+    if (spec.pageSize < 1024 || spec.pageSize > 4096 || spec.pageSize % 512 != 0)
+        message = "page size must be a multiple of 512 from 1024 to 4096";
+    else if (spec.recordLength == 0 || spec.recordLength > 4000)
+        message = "record length must be 1..4000";
+    if (!message.empty())
+        return Status::InvalidOperation;
+    message = checkKeys(spec);
+    return message.empty() ? Status::Success : Status::InvalidKeyLength;
 }
 
 Layout planLayout(const FileSpec &spec)
@@ -265,6 +275,11 @@ private:
 Status writeNewFile(FileHandle &file, const FileSpec &spec, const RecordSource &records, std::string &message)
 {
     const auto layout = planLayout(spec);
+    if (layout.physicalLength > spec.pageSize - 6) {
+        message = "records of " + std::to_string(layout.physicalLength) +
+                  " bytes with their duplicate pointers do not fit a " + std::to_string(spec.pageSize) + "-byte page";
+        return Status::InvalidOperation;
+    }
     const auto segmentCount =
         std::accumulate(spec.keys.begin(), spec.keys.end(), std::size_t{0},
                         [](std::size_t n, const KeyDefinition &key) { return n + key.segments.size(); });
@@ -328,9 +343,9 @@ Status writeNewFile(FileHandle &file, const FileSpec &spec, const RecordSource &
 Status createFile(const std::filesystem::path &path, const FileSpec &spec, const RecordSource &records,
                   std::string &message, CreateMode mode)
 {
-    message = checkSpec(spec);
-    if (!message.empty())
-        return Status::InvalidKeyLength;
+    message.clear();
+    if (const auto status = checkSpec(spec, message); status != Status::Success)
+        return status;
     std::error_code error;
     if (path.empty() || path.filename().empty()) {
         message = "no file name given";

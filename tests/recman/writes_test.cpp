@@ -193,8 +193,17 @@ TEST_F(CreatedFile, CreateRefusesExistingFileAndDuplicateUniqueKeys)
     EXPECT_EQ(createFile(other, sampleSpec(), {makeRecord(1, "A"), makeRecord(1, "B")}, message), Status::DuplicateKey);
     EXPECT_FALSE(std::filesystem::exists(other));
     EXPECT_EQ(createFile(other, sampleSpec(), {std::vector<std::uint8_t>(3, 0)}, message), Status::DataBufferTooShort);
-    EXPECT_TRUE(std::filesystem::directory_iterator(dir.path()) != std::filesystem::directory_iterator());
     EXPECT_FALSE(std::filesystem::exists(other));
+    auto tooLong = sampleSpec();
+    tooLong.pageSize = 1024;
+    tooLong.recordLength = 1020;
+    EXPECT_EQ(createFile(other, tooLong, std::vector<std::vector<std::uint8_t>>{}, message), Status::InvalidOperation);
+    tooLong.keys[0].segments[0].offset = 2000;
+    tooLong.pageSize = 4096;
+    EXPECT_EQ(createFile(other, tooLong, std::vector<std::vector<std::uint8_t>>{}, message), Status::InvalidKeyLength);
+    EXPECT_FALSE(std::filesystem::exists(other));
+    // Only the file that was there from the start remains.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), std::filesystem::directory_iterator()), 1);
 }
 
 TEST(CreatedFiles, CollatingSequenceAndDescendingKeysSurviveTheRoundTrip)
