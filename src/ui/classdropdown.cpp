@@ -130,6 +130,28 @@ void classDropDown::addList(const QString &key, const QString &caption, const QS
     lists_.push_back(e);
 }
 
+void classDropDown::Percentage(const QString &list, int percent)
+{
+    Entry &found = entry(list, "Percentage");
+    if (percent < 1 || percent > 100)
+        throw WrapperError(invalidPropertyValueError, source("Percentage"), QStringLiteral("Invalid property value"));
+    found.percent = percent;
+    applyPercentages();
+}
+
+void classDropDown::applyPercentages()
+{
+    if (!host_)
+        return;
+    const QMargins margins =
+        host_->contentsMargins() + (host_->layout() ? host_->layout()->contentsMargins() : QMargins());
+    const int width = host_->width() - margins.left() - margins.right();
+    for (const Entry &e : lists_) {
+        if (e.percent > 0)
+            control(e.key)->setFixedWidth(std::max(1, width * e.percent / 100));
+    }
+}
+
 QWidget *classDropDown::control(const QString &list) const
 {
     const Entry &e = entry(list, "control");
@@ -315,8 +337,10 @@ bool classDropDown::eventFilter(QObject *watched, QEvent *event)
     if (watched == host_) {
         if (event->type() == QEvent::Show || event->type() == QEvent::Hide)
             emit visibilityChanged();
-        else if (event->type() == QEvent::Resize)
+        else if (event->type() == QEvent::Resize) {
+            applyPercentages();
             emit resized();
+        }
     }
     return false;
 }

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <utility>
 #include <vector>
 
 #include <QComboBox>
@@ -25,6 +26,9 @@ public:
     bool Visible() const;
     void setVisible(bool on);
     int Count() const { return int(lists_.size()); }
+    // Sizes the list's control to a share (1 to 100) of the host's width and
+    // keeps that share when the host is resized.
+    void Percentage(const QString &list, int percent);
 
     // Each returns the new list's position among the lists.
     int AddDropDown(const QString &key, const QString &caption, const QString &toolTip = {}, int widthTwips = 2400);
@@ -72,9 +76,15 @@ private:
         QPointer<QLabel> label;
         QPointer<QComboBox> combo;
         QPointer<QListWidget> listBox;
+        int percent = 0; // 0: the fixed width given when it was added
     };
     const Entry &entry(const QString &list, const char *member) const;
+    Entry &entry(const QString &list, const char *member)
+    {
+        return const_cast<Entry &>(std::as_const(*this).entry(list, member));
+    }
     int checkedIndex(const Entry &e, int index, const char *member) const;
+    void applyPercentages();
     void addList(const QString &key, const QString &caption, const QString &toolTip, QWidget *control);
 
     QPointer<QWidget> host_;

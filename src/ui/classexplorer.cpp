@@ -34,9 +34,10 @@ classExplorer::classExplorer(QObject *parent) : QObject(parent)
 {
 }
 
-void classExplorer::Init(QTreeWidget *tree)
+void classExplorer::Init(QTreeWidget *tree, QLabel *caption)
 {
     tree_ = tree;
+    caption_ = caption;
     tree_->setHeaderHidden(true);
     tree_->setColumnCount(1);
     // Long captions scroll sideways instead of being cut short.
@@ -47,9 +48,11 @@ void classExplorer::Init(QTreeWidget *tree)
     tree_->viewport()->installEventFilter(this);
     connect(tree_, &QTreeWidget::itemClicked, this, [this] { emit nodeClicked(); });
     connect(tree_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *current) {
+        updateCaption();
         if (current)
             emit nodeClicked();
     });
+    updateCaption();
     setEnableDragDrop(dragDrop_);
 }
 
@@ -67,6 +70,7 @@ void classExplorer::RemoveNodes()
     items_.clear();
     if (tree_)
         tree_->clear();
+    updateCaption();
 }
 
 void classExplorer::AddRootFolder(const QString &key, const QString &text, const QString &image)
@@ -115,6 +119,7 @@ ExplorerNode classExplorer::Node(const QString &key) const
 void classExplorer::setNodeText(const QString &key, const QString &text)
 {
     item(key, "NodeText")->setText(0, text);
+    updateCaption();
 }
 
 QStringList classExplorer::ChildKeys(const QString &key) const
@@ -131,6 +136,7 @@ void classExplorer::RemoveNode(const QString &key)
     QTreeWidgetItem *node = item(key, "RemoveNode");
     forget(node);
     delete node; // a tree item is owned by its parent; deleting it detaches it
+    updateCaption();
 }
 
 void classExplorer::setEnableDragDrop(bool on)
@@ -164,6 +170,8 @@ void classExplorer::setVisible(bool on)
 {
     if (tree_)
         tree_->setVisible(on);
+    if (caption_)
+        caption_->setVisible(on);
 }
 
 bool classExplorer::DropNode(const QString &draggedKey, const QString &targetKey)
@@ -190,6 +198,7 @@ bool classExplorer::DropNode(const QString &draggedKey, const QString &targetKey
     target->addChild(moved);
     target->setExpanded(true);
     tree_->setCurrentItem(moved);
+    updateCaption(); // the same node, now under another folder
     return true;
 }
 
@@ -262,4 +271,14 @@ void classExplorer::forget(QTreeWidgetItem *node)
     for (int i = 0; i < node->childCount(); ++i)
         forget(node->child(i));
     items_.remove(node->data(0, keyRole).toString());
+}
+
+void classExplorer::updateCaption()
+{
+    if (!caption_)
+        return;
+    QStringList path;
+    for (const QTreeWidgetItem *node = tree_ ? tree_->currentItem() : nullptr; node; node = node->parent())
+        path.prepend(node->text(0));
+    caption_->setText(path.join(QStringLiteral(" \\ ")));
 }

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <QLabel>
 #include <QTreeWidget>
 
 // What the explorer knows of one node.
@@ -20,14 +21,18 @@ struct ExplorerNode {
 // The tree wrapper: folders and objects addressed by key. With drag and drop
 // enabled, a drop raises nodeDragged with Dragging, NewParent and
 // SelectedNode describing the move; the node moves in the tree only when the
-// handler sets DragSuccessful.
+// handler sets DragSuccessful. The second control is a caption beside the
+// tree that shows where the selected node lies: the texts of its folders and
+// its own, joined by " \ ", or nothing when no node is selected.
 class classExplorer : public QObject {
     Q_OBJECT
 public:
     explicit classExplorer(QObject *parent = nullptr);
 
-    void Init(QTreeWidget *tree);
+    // The caption may be null for a tree shown on its own.
+    void Init(QTreeWidget *tree, QLabel *caption = nullptr);
     QTreeWidget *view() const { return tree_; }
+    QLabel *caption() const { return caption_; }
     void Reset();
     void RemoveNodes();
     void AddRootFolder(const QString &key, const QString &text, const QString &image = QStringLiteral("Folder"));
@@ -73,8 +78,10 @@ private:
     void addNode(const QString &parentKey, const QString &key, const QString &text, const QString &image, bool folder,
                  const char *member);
     void forget(QTreeWidgetItem *node);
+    void updateCaption();
 
     QPointer<QTreeWidget> tree_;
+    QPointer<QLabel> caption_;
     QHash<QString, QTreeWidgetItem *> items_; // owned by the tree
     bool dragDrop_ = false;
     bool dragging_ = false;

@@ -1,6 +1,7 @@
 #include "classgrid.h"
 
 #include "formcomplexsorting.h"
+#include "griddelegate.h"
 #include "twips.h"
 #include "wrappererror.h"
 
@@ -9,10 +10,10 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLineEdit>
+#include <QMdiSubWindow>
 #include <QMouseEvent>
 #include <QScrollBar>
-#include <QStyledItemDelegate>
+#include <QSettings>
 #include <QTableView>
 
 #include <algorithm>
@@ -24,22 +25,21 @@ QString source(const char *member)
     return QStringLiteral("classGrid.") + QLatin1String(member);
 }
 
-// Editors never accept more characters than the column's maximum length.
-class LimitedLengthDelegate : public QStyledItemDelegate {
-public:
-    LimitedLengthDelegate(const GridModel &model, QObject *parent) : QStyledItemDelegate(parent), model_(model) {}
-    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override
-    {
-        QWidget *editor = QStyledItemDelegate::createEditor(parent, option, index);
-        const int limit = model_.columns()[index.column()].MaxLength();
-        if (auto *line = qobject_cast<QLineEdit *>(editor); line && limit > 0)
-            line->setMaxLength(limit);
-        return editor;
-    }
+QString sortSettingsKey(const QString &layoutName)
+{
+    return QStringLiteral("SortLayouts/") + layoutName;
+}
 
-private:
-    const GridModel &model_;
-};
+// The name of the form a widget sits on: the window, or the widget an MDI
+// sub-window holds (its window is the frame, shared by every child).
+QString formName(const QWidget *widget)
+{
+    for (; widget; widget = widget->parentWidget()) {
+        if (widget->isWindow() || qobject_cast<const QMdiSubWindow *>(widget->parentWidget()))
+            return widget->objectName().isEmpty() ? widget->windowTitle() : widget->objectName();
+    }
+    return {};
+}
 
 bool sameValue(GridColumnType type, const QString &a, const QString &b)
 {
@@ -78,7 +78,10 @@ void classGrid::Init(QTableView *grid, QTableView *companion)
     view_ = grid;
     companion_ = companion;
     view_->setModel(model_.get());
-    view_->setItemDelegate(new LimitedLengthDelegate(*model_, view_));
+    delegate_ = new GridDelegate(*model_, view_);
+    view_->setItemDelegate(delegate_);
+    view_->setShowGrid(false); // the delegate draws each kind of rule on its own
+    applyLines();
     view_->setSelectionBehavior(QAbstractItemView::SelectRows);
     view_->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
     view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 6);
@@ -161,15 +164,21 @@ void classGrid::RefreshGreenbar()
 void classGrid::setLinesHorizontal(bool on)
 {
     linesHorizontal_ = on;
-    if (view_)
-        view_->setShowGrid(linesHorizontal_ || linesVertical_);
+    applyLines();
 }
 
 void classGrid::setLinesVertical(bool on)
 {
     linesVertical_ = on;
-    if (view_)
-        view_->setShowGrid(linesHorizontal_ || linesVertical_);
+    applyLines();
+}
+
+void classGrid::applyLines()
+{
+    if (!delegate_)
+        return;
+    delegate_->setLines(linesHorizontal_, linesVertical_);
+    view_->viewport()->update();
 }
 
 void classGrid::setMultiLineMode(bool on)
@@ -333,6 +342,33 @@ void classGrid::setColumnTotal(const QString &key, bool on)
     const int column = columnIndex(key, "ColumnTotal.Let");
     model_->columns()[column].setTotal(on && !model_->columns()[column].IsOrigTwin());
     RefreshTotals();
+}
+
+bool classGrid::ColumnGrouping(const QString &key) const
+{
+    return model_->columns()[columnIndex(key, "ColumnGrouping.Get")].Grouping();
+}
+
+void classGrid::setColumnGrouping(const QString &key, bool on)
+{
+    const int column = columnIndex(key, "ColumnGrouping.Let");
+    model_->columns()[column].setGrouping(on);
+    // Grouping a column changes what the grouped columns after it show.
+    for (int c = column; c < model_->columnCount(); ++c)
+        model_->columnChanged(c);
+}
+
+void classGrid::SetColumn(const QString &key)
+{
+    const int column = columnIndex(key, "SetColumn");
+    if (model_->columns()[column].Hidden())
+        throw WrapperError(invalidPropertyValueError, source("SetColumn"), invalidKeyText());
+    const int row = rowIndex(std::max(CurrentRow(), 1), "SetColumn");
+    if (!view_)
+        return;
+    const QModelIndex at = model_->index(row, column);
+    view_->setCurrentIndex(at);
+    view_->scrollTo(at);
 }
 
 int classGrid::AddRow()
@@ -581,8 +617,32 @@ void classGrid::SetSort(const GridSortOrder &order)
     RefreshBalance();
 }
 
+QString classGrid::SortLayoutName() const
+{
+    if (!sortLayoutName_.isEmpty() || !view_ || view_->objectName().isEmpty())
+        return sortLayoutName_;
+    const QString form = formName(view_);
+    return form.isEmpty() ? QString() : form + QLatin1Char('/') + view_->objectName();
+}
+
+void classGrid::SaveSortDefault()
+{
+    defaultSort_ = sortOrder_;
+    if (const QString name = SortLayoutName(); !name.isEmpty())
+        QSettings().setValue(sortSettingsKey(name), sortOrderToText(sortOrder_));
+}
+
 void classGrid::ResetSort()
 {
+    const QString name = SortLayoutName();
+    const QVariant saved = name.isEmpty() ? QVariant() : QSettings().value(sortSettingsKey(name));
+    if (saved.isValid()) {
+        const GridSortOrder order = sortOrderFromText(saved.toString());
+        if (std::all_of(order.begin(), order.end(), [this](const auto &step) { return ColumnVerify(step.Key()); })) {
+            SetSort(order);
+            return;
+        }
+    }
     SetSort(defaultSort_);
 }
 

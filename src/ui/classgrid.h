@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gridcolumn.h"
+#include "griddelegate.h"
 #include "gridmodel.h"
 #include "gridsortlayout.h"
 
@@ -69,6 +70,15 @@ public:
     void ColumnWidth(const QString &key, int twips);
     bool ColumnTotal(const QString &key) const;
     void setColumnTotal(const QString &key, bool on);
+    // A grouped column shows its value only on the first row of each run of
+    // equal values (and of equal values in the grouped columns before it).
+    bool ColumnGrouping(const QString &key) const;
+    void setColumnGrouping(const QString &key, bool on);
+    // True when a column has the key; never raises.
+    bool ColumnVerify(const QString &key) const { return model_->columnOf(key) >= 0; }
+    // Moves the current cell to the column, in the current row (row 1 when
+    // none is current); a hidden column cannot be made current.
+    void SetColumn(const QString &key);
 
     int AddRow(); // the new row's index
     void DeleteRow(int row);
@@ -116,8 +126,17 @@ public:
     void SetSort(const GridSortOrder &order);
     GridSortOrder GetSort() const { return sortOrder_; }
     void ClearSort() { sortOrder_.clear(); }
+    // The user's default order: SaveSortDefault keeps the current order under
+    // SortLayoutName in the application's settings, so that ResetSort brings
+    // it back in this run and the next. A saved order naming a column the
+    // grid no longer has is ignored.
     void ResetSort();
-    void SaveSortDefault() { defaultSort_ = sortOrder_; }
+    void SaveSortDefault();
+    // "<form>/<grid>": the object name (else the caption) of the window or MDI
+    // child the grid sits on, and the grid's object name, unless the worker
+    // sets one. Empty (the default is kept for this run only) when either is.
+    QString SortLayoutName() const;
+    void setSortLayoutName(const QString &name) { sortLayoutName_ = name; }
 
     int HeaderHeight() const; // twips
     void setHeaderHeight(int twips);
@@ -155,6 +174,7 @@ private:
     void applyColumn(int column);
     void applyRowHeight(int row); // 0-based
     void applyEditTriggers();
+    void applyLines();
     void syncCompanionWidths();
     void onHeaderClicked(int section);
 
@@ -162,6 +182,7 @@ private:
     std::unique_ptr<GridTotalsModel> totals_;
     QPointer<QTableView> view_;
     QPointer<QTableView> companion_;
+    QPointer<GridDelegate> delegate_;
     bool linesHorizontal_ = true;
     bool linesVertical_ = true;
     bool multiLine_ = false;
@@ -174,6 +195,7 @@ private:
     bool totalsShown_ = false;
     GridSortOrder sortOrder_;
     GridSortOrder defaultSort_;
+    QString sortLayoutName_;
     QString balanceAmountKey_;
     QString balanceKey_;
 };

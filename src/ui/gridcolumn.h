@@ -17,6 +17,7 @@ struct GridColumnOptions {
     bool sortSimple = true;
     bool sortComplex = false;
     bool total = false;
+    bool grouping = false; // shows a value only where it starts a new group
 };
 
 class classGridColumn {
@@ -33,6 +34,9 @@ public:
     void setSortComplex(bool on) { options_.sortComplex = on; }
     bool Total() const { return options_.total; }
     void setTotal(bool on) { options_.total = on; }
+
+    bool Grouping() const { return options_.grouping; }
+    void setGrouping(bool on) { options_.grouping = on; }
 
     const QString &Caption2() const { return options_.caption2; }
     GridColumnType Type() const { return options_.type; }

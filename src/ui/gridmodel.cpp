@@ -56,6 +56,7 @@ QVariant GridModel::data(const QModelIndex &index, int role) const
     const GridColumnType type = columns_[column].Type();
     switch (role) {
     case Qt::DisplayRole:
+        return repeatsGroup(row, column) ? QString() : displayText(row, column);
     case Qt::EditRole:
         return displayText(row, column);
     case Qt::CheckStateRole:
@@ -218,8 +219,22 @@ bool GridModel::setCell(int row, int column, const QString &value)
         break;
     }
     rows_[row].cells[column] = stored;
-    const QModelIndex at = index(row, column);
-    emit dataChanged(at, at);
+    // A grouped value decides whether the rows below it show theirs.
+    const int last = columns_[column].Grouping() ? rowCount() - 1 : row;
+    emit dataChanged(index(row, column), index(last, int(columns_.size()) - 1));
+    return true;
+}
+
+bool GridModel::repeatsGroup(int row, int column) const
+{
+    if (row == 0 || !columns_[column].Grouping())
+        return false;
+    // Blank only while this column and every grouped column before it repeat
+    // the row above, so an outer group's change shows the inner value again.
+    for (int c = 0; c <= column; ++c) {
+        if (columns_[c].Grouping() && rows_[row].cells[c] != rows_[row - 1].cells[c])
+            return false;
+    }
     return true;
 }
 

@@ -45,6 +45,9 @@ public:
     QString displayText(int row, int column) const;
     bool locked(int row, int column) const { return rows_[row].locked[column] != 0; }
     void setLocked(int row, int column, bool on);
+    // True when a grouped cell is shown blank because its group continues
+    // from the row above.
+    bool repeatsGroup(int row, int column) const;
 
     void setGreenbar(bool on);
     bool greenbar() const { return greenbar_; }

@@ -5,6 +5,7 @@
 #include "messageservice.h"
 
 #include <QCloseEvent>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QSplitter>
@@ -47,8 +48,19 @@ mdiChild::mdiChild(QWidget *parent) : QWidget(parent)
     layout->addWidget(dropDownHost);
 
     body_ = new QSplitter(Qt::Horizontal, this);
-    auto *tree = new QTreeWidget(body_);
+    // The explorer's caption sits above its tree and names the selected node's place.
+    auto *explorerBox = new QWidget(body_);
+    auto *explorerLayout = new QVBoxLayout(explorerBox);
+    explorerLayout->setContentsMargins(0, 0, 0, 0);
+    explorerLayout->setSpacing(2);
+    auto *explorerCaption = new QLabel(explorerBox);
+    explorerCaption->setObjectName(QStringLiteral("lblExplorer"));
+    explorerLayout->addWidget(explorerCaption);
+    auto *tree = new QTreeWidget(explorerBox);
     tree->setObjectName(QStringLiteral("explorer1"));
+    explorerLayout->addWidget(tree, 1);
+    explorerBox_ = explorerBox;
+    tree->installEventFilter(this);
     auto *gridArea = new QSplitter(Qt::Vertical, body_);
     const std::array<std::pair<QString, QString>, 2> names{
         {{QStringLiteral("grid1"), QStringLiteral("grid2")}, {QStringLiteral("grid3"), QStringLiteral("grid4")}}};
@@ -76,7 +88,7 @@ mdiChild::mdiChild(QWidget *parent) : QWidget(parent)
     toolbar_.Init(toolbar);
     statusbar_.Init(status);
     dropDown_.Init(dropDownHost);
-    explorer_.Init(tree);
+    explorer_.Init(tree, explorerCaption);
     for (int slot = 0; slot < 2; ++slot) {
         auto views = slots_[std::size_t(slot)]->findChildren<QTableView *>();
         grids_[std::size_t(slot)].Init(views.at(0), views.at(1));
@@ -246,6 +258,9 @@ void mdiChild::closeEvent(QCloseEvent *event)
 
 bool mdiChild::eventFilter(QObject *watched, QEvent *event)
 {
+    // The explorer's box takes room in the splitter only while its tree is shown.
+    if (watched == explorer_.view() && (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent))
+        explorerBox_->setVisible(!explorer_.view()->isHidden());
     if (event->type() == QEvent::FocusIn) {
         for (int slot = 0; slot < 2; ++slot) {
             if (watched == grids_[std::size_t(slot)].view())

@@ -83,6 +83,7 @@ private:
     classGrid editGrid_;
     QTimer tmr_;
     QSplitter *body_;
+    QWidget *explorerBox_ = nullptr; // tree and its caption
     std::array<QWidget *, 2> slots_{};
     bool loading_ = false;
     bool waiting_ = false;

@@ -138,6 +138,22 @@ TEST_F(ChildTest, InitFormEmptiesEveryPart)
     EXPECT_EQ(child->FormType(), "Child");
 }
 
+TEST_F(ChildTest, TheExplorerAndItsCaptionTakeRoomOnlyWhenShown)
+{
+    child->show();
+    QLabel *caption = child->findChild<QLabel *>("lblExplorer");
+    ASSERT_EQ(child->Explorer().caption(), caption);
+    EXPECT_FALSE(caption->parentWidget()->isVisible());
+    child->Explorer().setVisible(true);
+    EXPECT_TRUE(caption->parentWidget()->isVisible());
+    EXPECT_TRUE(caption->isVisible());
+    child->Explorer().AddRootFolder("F", "Folder");
+    child->Explorer().setSelectedNode("F");
+    EXPECT_EQ(caption->text(), "Folder");
+    child->InitForm();
+    EXPECT_FALSE(caption->parentWidget()->isVisible());
+}
+
 } // namespace
 
 namespace {
@@ -185,6 +201,19 @@ TEST_F(ChildTest, SetWaitingMarksTheActiveChild)
     SetWaiting(false);
     EXPECT_FALSE(shownChild->Waiting());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(ChildTest, SavedSortLayoutsAreNamedAfterTheChildNotTheFrame)
+{
+    child->setWindowTitle("Account Codes");
+    EXPECT_EQ(child->Grid(2)->SortLayoutName(), "Account Codes/grid3");
+    QMdiArea area;
+    area.setObjectName("frame");
+    child.release()->ShowForm(area);
+    auto *shownChild = qobject_cast<mdiChild *>(area.subWindowList().front()->widget());
+    EXPECT_EQ(shownChild->Grid(1)->SortLayoutName(), "Account Codes/grid1");
+    shownChild->setObjectName("workerAccountCodes");
+    EXPECT_EQ(shownChild->Grid(1)->SortLayoutName(), "workerAccountCodes/grid1");
 }
 
 } // namespace

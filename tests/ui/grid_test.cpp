@@ -8,9 +8,13 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QFile>
+#include <QImage>
 #include <QPushButton>
+#include <QSettings>
 #include <QTableView>
 #include <QTableWidget>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -23,6 +27,11 @@ protected:
     void SetUp() override
     {
         guiApplication();
+        // Saved sort layouts go to a folder of this test, never the user's settings.
+        QCoreApplication::setOrganizationName("KoraTest");
+        QCoreApplication::setApplicationName("ui_tests");
+        QSettings::setDefaultFormat(QSettings::IniFormat);
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settingsDir.path());
         grid.Init(&view, &totals);
         grid.AddColumn("Fund", "Fund");
         grid.AddColumn("Amount", "Proposed Budget ",
@@ -49,6 +58,7 @@ protected:
         return values;
     }
 
+    QTemporaryDir settingsDir;
     QTableView view;
     QTableView totals;
     classGrid grid;
@@ -341,6 +351,146 @@ TEST_F(GridTest, RowsAndColumnsKeepTheirSettings)
     grid.Reset();
     EXPECT_EQ(grid.CountColumns(), 0);
     EXPECT_EQ(grid.CountRows(), 0);
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(GridTest, GroupedColumnsShowAValueOnlyWhereItsGroupStarts)
+{
+    addRow("A", "1", "x");
+    addRow("A", "2", "x");
+    addRow("B", "3", "x");
+    addRow("B", "4", "y");
+    grid.setColumnGrouping("Fund", true);
+    grid.setColumnGrouping("Name", true);
+    const auto shown = [&](const QString &key) {
+        QStringList texts;
+        const int column = key == "Fund" ? 0 : 3;
+        for (int row = 0; row < grid.CountRows(); ++row)
+            texts << view.model()->index(row, column).data().toString();
+        return texts;
+    };
+    EXPECT_EQ(shown("Fund"), QStringList({"A", "", "B", ""}));
+    // Name repeats "x" on row 3, but Fund starts a new group there.
+    EXPECT_EQ(shown("Name"), QStringList({"x", "", "x", "y"}));
+    // Values read by the worker and edited by the user stay whole.
+    EXPECT_EQ(grid.GetItemValue(2, "Fund"), "A");
+    EXPECT_EQ(grid.GetCellValue(2, "Fund"), "A");
+    EXPECT_EQ(view.model()->index(1, 0).data(Qt::EditRole).toString(), "A");
+
+    const WrapperError bad = caught([&] { grid.setColumnGrouping("Nope", false); });
+    EXPECT_EQ(bad.source(), "classGrid.ColumnGrouping.Let");
+    EXPECT_EQ(bad.description(), "Invalid property key value");
+    EXPECT_TRUE(grid.ColumnGrouping("Fund"));
+    grid.setColumnGrouping("Fund", false);
+    EXPECT_EQ(shown("Fund"), QStringList({"A", "A", "B", "B"}));
+}
+
+TEST_F(GridTest, ColumnVerifyAndSetColumnMoveOnlyToRealVisibleColumns)
+{
+    EXPECT_TRUE(grid.ColumnVerify("Fund"));
+    EXPECT_FALSE(grid.ColumnVerify("Nope"));
+    EXPECT_FALSE(grid.ColumnVerify(""));
+
+    EXPECT_EQ(caught([&] { grid.SetColumn("Name"); }).description(), "Invalid row index value");
+    addRow("A", "1");
+    addRow("B", "2");
+    grid.SetColumn("Amount"); // no current row: the first
+    EXPECT_EQ(grid.CurrentRow(), 1);
+    grid.SelectRow(2);
+    grid.SetColumn("Name");
+    EXPECT_EQ(grid.CurrentRow(), 2);
+    EXPECT_EQ(grid.CurrentColumnName(), "Name");
+
+    EXPECT_EQ(caught([&] { grid.SetColumn("OrigAmount"); }).source(), "classGrid.SetColumn");
+    EXPECT_EQ(caught([&] { grid.SetColumn("Nope"); }).number(), invalidPropertyValueError);
+    EXPECT_EQ(grid.CurrentColumnName(), "Name");
+}
+
+TEST_F(GridTest, HorizontalAndVerticalRulesAreDrawnIndependently)
+{
+    addRow("A", "1");
+    addRow("B", "2");
+    view.resize(500, 200);
+    const QRect cell = view.visualRect(view.model()->index(0, 3)); // an empty Name cell
+    const auto pixels = [&] {
+        const QImage image = view.viewport()->grab().toImage();
+        const QRgb inside = image.pixel(cell.center());
+        return std::pair(image.pixel(cell.center().x(), cell.bottom()) != inside,
+                         image.pixel(cell.right(), cell.center().y()) != inside);
+    };
+    grid.setLinesVertical(false);
+    EXPECT_EQ(pixels(), std::pair(true, false));
+    grid.setLinesHorizontal(false);
+    grid.setLinesVertical(true);
+    EXPECT_EQ(pixels(), std::pair(false, true));
+    grid.setLinesVertical(false);
+    EXPECT_EQ(pixels(), std::pair(false, false));
+    EXPECT_FALSE(grid.LinesHorizontal());
+}
+
+TEST_F(GridTest, SavedSortDefaultComesBackInTheNextRunForThatGridOnly)
+{
+    QWidget window;
+    window.setObjectName("Accounts");
+    const auto build = [&](QTableView &table, classGrid &g, bool withName) {
+        table.setParent(&window);
+        table.setObjectName("grid1");
+        g.Init(&table, nullptr);
+        g.AddColumn("Fund", "Fund");
+        g.AddColumn("Amount", "Amount", {.type = GridColumnType::Amount});
+        if (withName)
+            g.AddColumn("Name", "Name");
+        for (const auto &[fund, amount] : {std::pair("A", "1"), std::pair("B", "3"), std::pair("C", "2")}) {
+            const int row = g.AddRow();
+            g.SetCell(row, "Fund", QString(fund));
+            g.SetCell(row, "Amount", QString(amount));
+        }
+    };
+    const auto funds = [](const classGrid &g) {
+        QStringList values;
+        for (int row = 1; row <= g.CountRows(); ++row)
+            values << g.GetItemValue(row, "Fund");
+        return values;
+    };
+    {
+        QTableView first;
+        classGrid saving;
+        build(first, saving, true);
+        EXPECT_EQ(saving.SortLayoutName(), "Accounts/grid1");
+        saving.SetSort({classGridSortLayout("Amount", false), classGridSortLayout("Name", true)});
+        saving.SaveSortDefault();
+    }
+    EXPECT_EQ(QSettings().value("SortLayouts/Accounts/grid1").toString(), "Amount:D;Name:A");
+    EXPECT_TRUE(QFile::exists(settingsDir.filePath("KoraTest/ui_tests.ini")));
+
+    QTableView again;
+    classGrid next;
+    build(again, next, true);
+    next.ResetSort();
+    EXPECT_EQ(funds(next), QStringList({"B", "C", "A"}));
+    EXPECT_EQ(sortOrderToText(next.GetSort()), "Amount:D;Name:A");
+
+    // Another grid, or a grid that no longer has every saved column, starts unsorted.
+    QTableView other;
+    classGrid elsewhere;
+    build(other, elsewhere, true);
+    elsewhere.setSortLayoutName("Reports/grid1");
+    elsewhere.ResetSort();
+    EXPECT_EQ(funds(elsewhere), QStringList({"A", "B", "C"}));
+    QTableView narrower;
+    classGrid stale;
+    build(narrower, stale, false);
+    stale.ResetSort();
+    EXPECT_EQ(funds(stale), QStringList({"A", "B", "C"}));
+    EXPECT_TRUE(stale.GetSort().empty());
+
+    // An unnamed grid keeps its default for this run and writes nothing.
+    EXPECT_TRUE(grid.SortLayoutName().isEmpty());
+    grid.SaveSortDefault();
+    EXPECT_EQ(QSettings().allKeys(), QStringList({"SortLayouts/Accounts/grid1"}));
 }
 
 } // namespace
