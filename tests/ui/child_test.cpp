@@ -138,22 +138,6 @@ TEST_F(ChildTest, InitFormEmptiesEveryPart)
     EXPECT_EQ(child->FormType(), "Child");
 }
 
-TEST_F(ChildTest, TheExplorerAndItsCaptionTakeRoomOnlyWhenShown)
-{
-    child->show();
-    QLabel *caption = child->findChild<QLabel *>("lblExplorer");
-    ASSERT_EQ(child->Explorer().caption(), caption);
-    EXPECT_FALSE(caption->parentWidget()->isVisible());
-    child->Explorer().setVisible(true);
-    EXPECT_TRUE(caption->parentWidget()->isVisible());
-    EXPECT_TRUE(caption->isVisible());
-    child->Explorer().AddRootFolder("F", "Folder");
-    child->Explorer().setSelectedNode("F");
-    EXPECT_EQ(caption->text(), "Folder");
-    child->InitForm();
-    EXPECT_FALSE(caption->parentWidget()->isVisible());
-}
-
 } // namespace
 
 namespace {
@@ -203,17 +187,18 @@ TEST_F(ChildTest, SetWaitingMarksTheActiveChild)
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(ChildTest, SavedSortLayoutsAreNamedAfterTheChildNotTheFrame)
+TEST_F(ChildTest, ExplorerBoxAndSortLayoutNamesBelongToTheChild)
 {
     child->setWindowTitle("Account Codes");
-    EXPECT_EQ(child->Grid(2)->SortLayoutName(), "Account Codes/grid3");
     QMdiArea area;
-    area.setObjectName("frame");
     child.release()->ShowForm(area);
-    auto *shownChild = qobject_cast<mdiChild *>(area.subWindowList().front()->widget());
-    EXPECT_EQ(shownChild->Grid(1)->SortLayoutName(), "Account Codes/grid1");
-    shownChild->setObjectName("workerAccountCodes");
-    EXPECT_EQ(shownChild->Grid(1)->SortLayoutName(), "workerAccountCodes/grid1");
+    area.show();
+    auto *shown = qobject_cast<mdiChild *>(area.subWindowList().front()->widget());
+    EXPECT_EQ(shown->Grid(2)->SortLayoutName(), "Account Codes/grid3");
+    QWidget *explorerBox = shown->Explorer().caption()->parentWidget();
+    EXPECT_FALSE(explorerBox->isVisible());
+    shown->Explorer().setVisible(true);
+    EXPECT_TRUE(explorerBox->isVisible());
 }
 
 } // namespace
