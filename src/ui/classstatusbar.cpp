@@ -102,6 +102,8 @@ void classStatusbar::AddPanel(int index, const QString &key, const QString &tag,
     label->setToolTip(toolTip);
     label->setFrameShape(QFrame::StyledPanel);
     label->setFrameShadow(QFrame::Sunken);
+    // Keeps a panel sized to its text from running the text into its frame.
+    label->setContentsMargins(4, 0, 4, 0);
     label->installEventFilter(this);
     const std::size_t at = index == 0 ? panels_.size() : std::size_t(index - 1);
     panels_.insert(panels_.begin() + std::ptrdiff_t(at),
