@@ -16,6 +16,8 @@ int main(int argc, char *argv[])
     QElapsedTimer sinceStart;
     sinceStart.start();
     QApplication app(argc, argv);
+    // Saved grid layouts and other per-user settings are kept under these names.
+    QApplication::setOrganizationName(QStringLiteral("Kora-Budget"));
     QApplication::setApplicationName(QStringLiteral("Kora-Budget"));
     QApplication::setApplicationVersion(QStringLiteral(KORA_VERSION));
     setMessageService(std::make_unique<WidgetMessages>());

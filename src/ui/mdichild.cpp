@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QStyle>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTableView>
@@ -172,8 +173,13 @@ void mdiChild::InitForm()
 
 void mdiChild::ShowForm(QMdiArea &area)
 {
+    // A worker that set no size gets most of the frame, not Qt's small default.
+    const bool sized = testAttribute(Qt::WA_Resized);
     QMdiSubWindow *sub = area.addSubWindow(this);
     sub->setAttribute(Qt::WA_DeleteOnClose);
+    sub->setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogDetailedView));
+    if (!sized && area.viewport()->width() > 0)
+        sub->resize(area.viewport()->size() * 4 / 5);
     Form_Resize();
     show();
     sub->show();
