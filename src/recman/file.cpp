@@ -69,17 +69,20 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
     if (mode == OpenMode::ReadWrite && !impl->handle.tryLockExclusive())
         return fail(Status::FileInUse, path.string() + " is open for writing by another process");
     try {
+        // One read of the whole file: records are then taken from memory, and
+        // a file changed later by someone else cannot tear the picture.
+        FileImage image;
+        if (const auto failure = impl->handle.readWhole(image); !failure.empty())
+            return fail(Status::IoError, "cannot read " + path.string() + ": " + failure);
         impl->header = readHeader(impl->handle);
-        impl->pages = std::make_unique<PageMap>(impl->handle, impl->header);
+        impl->pages = std::make_unique<PageMap>(impl->handle, impl->header, image.bytes().size());
         attachCollatingSequences(impl->header, *impl->pages);
-        auto scan = scanRecords(impl->header, *impl->pages);
+        auto scan = scanRecords(impl->header, *impl->pages, std::move(image));
         impl->info = describe(impl->header, scan);
         impl->records = std::move(scan.records);
         impl->unusedSlots = std::move(scan.unusedSlots);
         // Key definitions live in info so that indexes can point at them for good.
-        impl->indexes.reserve(impl->info.keys.size());
-        for (const auto &key : impl->info.keys)
-            impl->indexes.emplace_back(key, impl->records);
+        impl->indexes = KeyIndexes(impl->info.keys, impl->records);
     } catch (const FormatError &error) {
         return fail(Status::NotARecordManagerFile, path.string() + ": " + error.what());
     } catch (const std::bad_alloc &) {
@@ -117,7 +120,7 @@ std::vector<std::uint8_t> File::keyValueOf(int key, Bytes record) const
     std::vector<std::uint8_t> value;
     if (!impl_ || key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
         return value;
-    const auto &definition = impl_->indexes[static_cast<std::size_t>(key)].key();
+    const auto &definition = impl_->indexes.key(static_cast<std::size_t>(key));
     if (recordCoversKey(definition, record.size()))
         appendKeyValue(definition, record, value);
     return value;
@@ -125,7 +128,7 @@ std::vector<std::uint8_t> File::keyValueOf(int key, Bytes record) const
 
 Status File::positionAt(int key, std::size_t position)
 {
-    auto &index = impl_->indexes[static_cast<std::size_t>(key)];
+    auto &index = *impl_->indexes.built(static_cast<std::size_t>(key));
     if (position >= index.size())
         return fail(Status::EndOfFile, "no record in that direction on key " + std::to_string(key));
     const auto ordinal = index.ordinalAt(position);
@@ -137,9 +140,9 @@ Status File::positionAt(int key, std::size_t position)
 
 Status File::keyed(int key, Bytes keyValue, int operation)
 {
-    if (const auto refused = checkKey(key))
+    if (const auto refused = useKey(key))
         return *refused;
-    auto &index = impl_->indexes[static_cast<std::size_t>(key)];
+    auto &index = *impl_->indexes.built(static_cast<std::size_t>(key));
     if (keyValue.size() < index.key().length())
         return fail(Status::InvalidKeyLength, "key value of " + std::to_string(keyValue.size()) +
                                                   " bytes is shorter than key " + std::to_string(key) + " (" +
@@ -188,28 +191,33 @@ Status File::getLessOrEqual(int key, Bytes keyValue)
     return keyed(key, keyValue, LessOrEqual);
 }
 
-std::optional<Status> File::checkKey(int key) const
+std::optional<Status> File::useKey(int key)
 {
     if (!impl_)
         return fail(Status::FileNotOpen, "file not open");
     if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
         return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist; the file has " +
                                                   std::to_string(impl_->indexes.size()) + " keys");
+    try {
+        impl_->indexes.use(static_cast<std::size_t>(key));
+    } catch (const std::bad_alloc &) {
+        return fail(Status::IoError, "not enough memory to build the index of key " + std::to_string(key));
+    }
     return std::nullopt;
 }
 
 Status File::getFirst(int key)
 {
-    if (const auto refused = checkKey(key))
+    if (const auto refused = useKey(key))
         return *refused;
     return positionAt(key, 0);
 }
 
 Status File::getLast(int key)
 {
-    if (const auto refused = checkKey(key))
+    if (const auto refused = useKey(key))
         return *refused;
-    const auto size = impl_->indexes[static_cast<std::size_t>(key)].size();
+    const auto size = impl_->indexes.built(static_cast<std::size_t>(key))->size();
     return positionAt(key, size == 0 ? 0 : size - 1);
 }
 
@@ -224,7 +232,7 @@ Status File::getPrevious(int key)
 
 Status File::neighbour(int key, int direction)
 {
-    if (const auto refused = checkKey(key))
+    if (const auto refused = useKey(key))
         return *refused;
     if (!impl_->current || impl_->keyPath < 0)
         return fail(Status::InvalidPositioning, "no current record on a key; use a get operation first");
@@ -233,7 +241,7 @@ Status File::neighbour(int key, int direction)
                     "positioned on key " + std::to_string(impl_->keyPath) + ", not " + std::to_string(key));
     // Found again by (key image, ordinal): this works even when the current
     // record has since been deleted.
-    auto &index = impl_->indexes[static_cast<std::size_t>(key)];
+    auto &index = *impl_->indexes.built(static_cast<std::size_t>(key));
     auto position = index.lowerBound(impl_->keyImage, *impl_->current);
     if (direction > 0)
         return positionAt(key, position < index.size() && index.ordinalAt(position) == *impl_->current ? position + 1

@@ -104,7 +104,8 @@ private:
     enum class Step { First, Last, Next, Previous };
 
     Status fail(Status status, std::string message) const;
-    std::optional<Status> checkKey(int key) const;
+    // Checks the key number and builds the key's index if it is not built yet.
+    std::optional<Status> useKey(int key);
     Status keyed(int key, Bytes keyValue, int operation);
     Status neighbour(int key, int direction);
     Status step(Step which);

@@ -4,10 +4,21 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace recman {
+
+FileImage::FileImage(std::size_t size) : bytes_(new std::uint8_t[size]), size_(size)
+{
+    // Large pages cut the cost of faulting in a big image; a refusal is harmless.
+    const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+    const auto start = (reinterpret_cast<std::uintptr_t>(bytes_.get()) + page - 1) / page * page;
+    const auto end = reinterpret_cast<std::uintptr_t>(bytes_.get()) + size;
+    if (end > start)
+        ::madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE);
+}
 
 FileHandle::~FileHandle()
 {
@@ -79,6 +90,17 @@ bool FileHandle::readAt(std::uint64_t offset, std::span<std::uint8_t> buffer) co
         done += static_cast<std::size_t>(got);
     }
     return true;
+}
+
+std::string FileHandle::readWhole(FileImage &image) const
+{
+    struct stat info {};
+    if (fd_ < 0 || ::fstat(fd_, &info) != 0)
+        return std::strerror(errno);
+    image = FileImage(static_cast<std::size_t>(info.st_size));
+    if (!readAt(0, image.bytes()))
+        return "the file could not be read whole (it may have been shortened while being read)";
+    return {};
 }
 
 bool FileHandle::writeAt(std::uint64_t offset, std::span<const std::uint8_t> data)

@@ -4,10 +4,25 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <span>
 #include <string>
 
 namespace recman {
+
+// All bytes of a file, in memory. The buffer is not zeroed first: the read
+// fills it.
+class FileImage {
+public:
+    FileImage() = default;
+    explicit FileImage(std::size_t size);
+    std::span<std::uint8_t> bytes() { return {bytes_.get(), size_}; }
+    std::span<const std::uint8_t> bytes() const { return {bytes_.get(), size_}; }
+
+private:
+    std::unique_ptr<std::uint8_t[]> bytes_;
+    std::size_t size_ = 0;
+};
 
 class FileHandle {
 public:
@@ -27,6 +42,9 @@ public:
     std::uint64_t size() const;
     // Reads exactly buffer.size() bytes at offset; false on a short read or error.
     bool readAt(std::uint64_t offset, std::span<std::uint8_t> buffer) const;
+    // The whole file as it is now; the size is taken once, so a file that grows
+    // meanwhile is read to that size and one that shrinks fails the read.
+    std::string readWhole(FileImage &image) const;
     bool writeAt(std::uint64_t offset, std::span<const std::uint8_t> data);
     bool sync();
     // Exclusive advisory lock so that two of our own processes never write at once.

@@ -51,15 +51,16 @@ bool keyBytesEqual(const KeyDefinition &key, Bytes a, Bytes b)
 }
 
 // A unique key that `record` would duplicate (other than record `self`), or -1.
-int duplicatedKey(const File::Impl &file, Bytes record, std::optional<std::uint32_t> self)
+int duplicatedKey(File::Impl &file, Bytes record, std::optional<std::uint32_t> self)
 {
-    for (const auto &index : file.indexes) {
-        if (index.key().allowsDuplicates())
+    for (std::size_t k = 0; k < file.indexes.size(); ++k) {
+        if (file.indexes.key(k).allowsDuplicates())
             continue;
         std::vector<std::uint8_t> value;
-        appendKeyValue(index.key(), record, value);
-        if (isNullKey(index.key(), value))
+        appendKeyValue(file.indexes.key(k), record, value);
+        if (isNullKey(file.indexes.key(k), value))
             continue;
+        const auto &index = file.indexes.use(k);
         const auto image = index.imageOfValue(value);
         for (auto position = index.lowerBound(image); index.imageAtEquals(position, image); ++position)
             if (!self || index.ordinalAt(position) != *self)
@@ -242,20 +243,35 @@ Status refuseUnlessOwn(const File::Impl &file, const char *operation, std::strin
     return Status::AccessDenied;
 }
 
+// Indexes not built yet need nothing: they are built from the records later.
 void reindex(File::Impl &file, std::uint32_t ordinal, const std::vector<std::vector<std::uint8_t>> &oldImages)
 {
-    for (std::size_t k = 0; k < file.indexes.size(); ++k) {
-        file.indexes[k].erase(ordinal, oldImages[k]);
-        file.indexes[k].insert(ordinal);
-    }
+    for (std::size_t k = 0; k < file.indexes.size(); ++k)
+        if (auto *index = file.indexes.built(k)) {
+            index->erase(ordinal, oldImages[k]);
+            index->insert(ordinal);
+        }
 }
 
+// Taken for every key, built or not: a uniqueness check during the write may
+// build an index before the old images are needed.
 std::vector<std::vector<std::uint8_t>> imagesOf(const File::Impl &file, std::uint32_t ordinal)
 {
     std::vector<std::vector<std::uint8_t>> images;
-    for (const auto &index : file.indexes)
-        images.push_back(index.imageOfRecord(ordinal));
+    for (std::size_t k = 0; k < file.indexes.size(); ++k)
+        images.push_back(sortImageOfRecord(file.indexes.key(k), file.records.record(ordinal)));
     return images;
+}
+
+// The first key whose bytes differ between two records, or -1.
+int changedKey(const File::Impl &file, Bytes before, Bytes after, bool modifiableOnesCount)
+{
+    for (std::size_t k = 0; k < file.indexes.size(); ++k) {
+        const auto &key = file.indexes.key(k);
+        if ((modifiableOnesCount || !key.modifiable()) && !keyBytesEqual(key, before, after))
+            return key.number;
+    }
+    return -1;
 }
 
 Status checkRecordShape(const File::Impl &file, Bytes record, std::string &message)
@@ -274,12 +290,10 @@ Status checkRecordShape(const File::Impl &file, Bytes record, std::string &messa
 
 Status updateOwn(File::Impl &file, std::uint32_t ordinal, Bytes record, std::string &message)
 {
-    const auto old = file.records.record(ordinal);
-    for (const auto &index : file.indexes)
-        if (!index.key().modifiable() && !keyBytesEqual(index.key(), old, record)) {
-            message = "key " + std::to_string(index.key().number) + " is not modifiable";
-            return Status::ModifiableKeyError;
-        }
+    if (const int key = changedKey(file, file.records.record(ordinal), record, false); key >= 0) {
+        message = "key " + std::to_string(key) + " is not modifiable";
+        return Status::ModifiableKeyError;
+    }
     if (const int key = duplicatedKey(file, record, ordinal); key >= 0) {
         message = "another record already has this value of unique key " + std::to_string(key);
         return Status::DuplicateKey;
@@ -309,12 +323,11 @@ Status updateRecord(File::Impl &file, std::uint32_t ordinal, Bytes record, std::
         if (file.header.createdByEngine) {
             status = updateOwn(file, ordinal, record, message);
         } else {
-            for (const auto &index : file.indexes)
-                if (!keyBytesEqual(index.key(), file.records.record(ordinal), record)) {
-                    message = "update would change key " + std::to_string(index.key().number) +
-                              "; in a file of the record manager only non-key bytes can be changed";
-                    return Status::AccessDenied;
-                }
+            if (const int key = changedKey(file, file.records.record(ordinal), record, true); key >= 0) {
+                message = "update would change key " + std::to_string(key) +
+                          "; in a file of the record manager only non-key bytes can be changed";
+                return Status::AccessDenied;
+            }
             status = updateInPlace(file, ordinal, record, message);
         }
         if (status != Status::Success)
@@ -327,7 +340,8 @@ Status updateRecord(File::Impl &file, std::uint32_t ordinal, Bytes record, std::
     std::copy(record.begin(), record.end(), target.begin());
     reindex(file, ordinal, oldImages);
     if (file.keyPath >= 0)
-        file.keyImage = file.indexes[static_cast<std::size_t>(file.keyPath)].imageOfRecord(ordinal);
+        file.keyImage =
+            sortImageOfRecord(file.indexes.key(static_cast<std::size_t>(file.keyPath)), file.records.record(ordinal));
     return Status::Success;
 }
 
@@ -380,8 +394,9 @@ Status insertRecord(File::Impl &file, Bytes record, std::uint32_t &ordinal, std:
         message = std::string("insert refused: ") + error.what();
         return Status::IoError;
     }
-    for (auto &index : file.indexes)
-        index.insert(ordinal);
+    for (std::size_t k = 0; k < file.indexes.size(); ++k)
+        if (auto *index = file.indexes.built(k))
+            index->insert(ordinal);
     ++file.info.recordCount;
     return Status::Success;
 }
@@ -410,7 +425,8 @@ Status deleteRecord(File::Impl &file, std::uint32_t ordinal, std::string &messag
         return Status::IoError;
     }
     for (std::size_t k = 0; k < file.indexes.size(); ++k)
-        file.indexes[k].erase(ordinal, oldImages[k]);
+        if (auto *index = file.indexes.built(k))
+            index->erase(ordinal, oldImages[k]);
     file.records.setLive(ordinal, false);
     --file.info.recordCount;
     return Status::Success;

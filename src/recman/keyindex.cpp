@@ -48,9 +48,7 @@ std::vector<std::uint8_t> KeyIndex::imageOfValue(Bytes keyValue) const
 
 std::vector<std::uint8_t> KeyIndex::imageOfRecord(std::uint32_t ordinal) const
 {
-    std::vector<std::uint8_t> value;
-    appendKeyValue(*key_, records_->record(ordinal), value);
-    return imageOfValue(value);
+    return sortImageOfRecord(*key_, records_->record(ordinal));
 }
 
 int KeyIndex::compareAt(std::size_t position, const std::vector<std::uint8_t> &image) const
@@ -123,6 +121,19 @@ void KeyIndex::erase(std::uint32_t ordinal, const std::vector<std::uint8_t> &ima
     const auto position = lowerBound(image, ordinal);
     if (position < order_.size() && order_[position] == ordinal)
         order_.erase(order_.begin() + static_cast<std::ptrdiff_t>(position));
+}
+
+KeyIndexes::KeyIndexes(const std::vector<KeyDefinition> &keys, const RecordStore &records)
+    : keys_(&keys), records_(&records), built_(keys.size())
+{
+}
+
+KeyIndex &KeyIndexes::use(std::size_t number)
+{
+    auto &index = built_[number];
+    if (!index)
+        index = std::make_unique<KeyIndex>((*keys_)[number], *records_);
+    return *index;
 }
 
 } // namespace recman

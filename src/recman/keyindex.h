@@ -7,6 +7,7 @@
 #include "recordstore.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace recman {
@@ -43,6 +44,29 @@ private:
     std::vector<std::uint32_t> order_;
     mutable std::vector<std::uint8_t> scratch_;
     mutable std::vector<std::uint8_t> valueScratch_;
+};
+
+// The indexes of an open file. Each is built on the first keyed use of its key
+// (a keyed get or a write that checks it); stepping in physical order never
+// builds one, so opening a file costs no sorting. An index not yet built needs
+// no upkeep on writes: it is built later from the records as they then stand.
+class KeyIndexes {
+public:
+    KeyIndexes() = default;
+    // keys and records must outlive this object and stay where they are.
+    KeyIndexes(const std::vector<KeyDefinition> &keys, const RecordStore &records);
+
+    std::size_t size() const { return built_.size(); }
+    const KeyDefinition &key(std::size_t number) const { return (*keys_)[number]; }
+    // The index of a key, built now if it was not yet.
+    KeyIndex &use(std::size_t number);
+    // The index of a key if it has been built, else null.
+    KeyIndex *built(std::size_t number) const { return built_[number].get(); }
+
+private:
+    const std::vector<KeyDefinition> *keys_ = nullptr;
+    const RecordStore *records_ = nullptr;
+    std::vector<std::unique_ptr<KeyIndex>> built_;
 };
 
 } // namespace recman

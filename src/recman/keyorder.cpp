@@ -202,6 +202,14 @@ void appendKeyValue(const KeyDefinition &key, Bytes record, std::vector<std::uin
     }
 }
 
+std::vector<std::uint8_t> sortImageOfRecord(const KeyDefinition &key, Bytes record)
+{
+    std::vector<std::uint8_t> value, image;
+    appendKeyValue(key, record, value);
+    appendSortImage(key, value, image);
+    return image;
+}
+
 bool isNullKey(const KeyDefinition &key, Bytes keyValue)
 {
     const bool anySegment = (key.flags() & keyflag::NullAny) != 0;

@@ -24,6 +24,9 @@ std::size_t sortImageLength(const KeyDefinition &key);
 // bytes a short record does not have).
 void appendKeyValue(const KeyDefinition &key, Bytes record, std::vector<std::uint8_t> &out);
 
+// The sort image of a record's key value.
+std::vector<std::uint8_t> sortImageOfRecord(const KeyDefinition &key, Bytes record);
+
 // True when the record is left out of the key because of the null-key flags.
 bool isNullKey(const KeyDefinition &key, Bytes keyValue);
 

@@ -20,7 +20,7 @@ struct File::Impl {
     FileHeader header;
     std::unique_ptr<PageMap> pages;
     RecordStore records;
-    std::vector<KeyIndex> indexes;
+    KeyIndexes indexes;
     std::vector<std::uint32_t> unusedSlots;
     // Physical pages no current page uses (own files only; filled on first write).
     std::vector<std::uint32_t> freePhysical;

@@ -2,9 +2,9 @@
 
 namespace recman {
 
-PageMap::PageMap(const FileHandle &file, const FileHeader &header)
+PageMap::PageMap(const FileHandle &file, const FileHeader &header, std::uint64_t fileSize)
     : file_(file), format_(header.format), pageSize_(header.pageSize),
-      physicalPages_(static_cast<std::uint32_t>(file.size() / header.pageSize)), logicalEnd_(header.pagesInUse)
+      physicalPages_(static_cast<std::uint32_t>(fileSize / header.pageSize)), logicalEnd_(header.pagesInUse)
 {
     // A partial last page is ignored; a control record counting more pages
     // than the file holds means the file was cut short.
@@ -99,8 +99,23 @@ void PageMap::read(std::uint32_t logical, std::uint8_t expectedTag, std::vector<
     out.resize(pageSize_);
     if (!file_.readAt(std::uint64_t{physical} * pageSize_, out))
         throw FormatError("cannot read page " + std::to_string(physical));
-    const bool named = format_ == Format::V5 ? bytes::ws32(out, 0) == logical
-                                             : bytes::pp24(out, 0) == logical && out[1] == expectedTag;
+    checkNamed(out, logical, expectedTag);
+}
+
+Bytes PageMap::pageIn(Bytes image, std::uint32_t logical, std::uint8_t expectedTag) const
+{
+    const std::uint64_t start = std::uint64_t{physicalOf(logical)} * pageSize_;
+    if (start + pageSize_ > image.size())
+        throw FormatError("page " + std::to_string(logical) + " lies beyond the end of the file");
+    const auto page = image.subspan(start, pageSize_);
+    checkNamed(page, logical, expectedTag);
+    return page;
+}
+
+void PageMap::checkNamed(Bytes page, std::uint32_t logical, std::uint8_t expectedTag) const
+{
+    const bool named = format_ == Format::V5 ? bytes::ws32(page, 0) == logical
+                                             : bytes::pp24(page, 0) == logical && page[1] == expectedTag;
     if (!named)
         throw FormatError("page " + std::to_string(logical) +
                           " does not carry its own page number and type (encrypted, corrupt or unknown layout)");

@@ -23,7 +23,8 @@ constexpr std::uint8_t IndexBase = 0x80; // + key number
 
 class PageMap {
 public:
-    PageMap(const FileHandle &file, const FileHeader &header);
+    // fileSize: the size the file had when it was read whole at open.
+    PageMap(const FileHandle &file, const FileHeader &header, std::uint64_t fileSize);
 
     std::uint32_t pageSize() const { return pageSize_; }
     std::uint32_t physicalPageCount() const { return physicalPages_; }
@@ -38,6 +39,8 @@ public:
     // expected type tag). A mismatch means encryption, corruption or an
     // unknown layout, and throws.
     void read(std::uint32_t logical, std::uint8_t expectedTag, std::vector<std::uint8_t> &out) const;
+    // The same page where it lies in an image of the whole file, checked alike.
+    Bytes pageIn(Bytes image, std::uint32_t logical, std::uint8_t expectedTag) const;
 
     // Entries per PAT page and the physical page of PAT pair `group`.
     std::uint32_t entriesPerPat() const { return pageSize_ / 4 - 2; }
@@ -57,6 +60,7 @@ public:
 
 private:
     void loadPats(std::uint32_t fcrUsage);
+    void checkNamed(Bytes page, std::uint32_t logical, std::uint8_t expectedTag) const;
     std::size_t entryOffset(std::uint32_t logical, std::uint32_t &group) const;
 
     const FileHandle &file_;

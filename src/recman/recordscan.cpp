@@ -19,26 +19,22 @@ SlotAddress splitAddress(const FileHeader &header, std::uint32_t address)
     return {address / header.pageSize, address % header.pageSize};
 }
 
-bool isDataPage(const FileHeader &header, const PageMap &pages, std::uint32_t page, std::vector<std::uint8_t> &buffer)
+// The page if it is a data page, else an empty view.
+Bytes dataPage(const FileHeader &header, const PageMap &pages, Bytes image, std::uint32_t logical)
 {
-    if (header.format == Format::V6) {
-        if (pages.typeOf(page) != pagetype::Data)
-            return false;
-        pages.read(page, pagetype::Data, buffer);
-        return true;
-    }
-    pages.read(page, 0, buffer);
-    const auto usage = bytes::u16(buffer, 4);
+    if (header.format == Format::V6)
+        return pages.typeOf(logical) == pagetype::Data ? pages.pageIn(image, logical, pagetype::Data) : Bytes{};
+    const auto page = pages.pageIn(image, logical, 0);
+    const auto usage = bytes::u16(page, 4);
     // Bit 15 marks data pages; a bare 0x8000 is allocated but never used.
-    return (usage & 0x8000) != 0 && usage != 0x8000;
+    return (usage & 0x8000) != 0 && usage != 0x8000 ? page : Bytes{};
 }
 
-std::unordered_set<std::uint32_t> freeSlots(const FileHeader &header, const PageMap &pages,
+std::unordered_set<std::uint32_t> freeSlots(const FileHeader &header, const PageMap &pages, Bytes image,
                                             std::vector<std::string> &warnings)
 {
     std::unordered_set<std::uint32_t> free;
     const std::uint64_t maxSlots = std::uint64_t{pages.logicalPageEnd()} * slotsPerPage(header);
-    std::vector<std::uint8_t> page;
     for (std::uint32_t address = header.freeHead; address != 0xFFFFFFFFu;) {
         const auto where = splitAddress(header, address);
         if (free.size() > maxSlots || free.count(address) != 0) {
@@ -51,7 +47,7 @@ std::unordered_set<std::uint32_t> freeSlots(const FileHeader &header, const Page
             break;
         }
         free.insert(address);
-        pages.read(where.page, header.format == Format::V6 ? pagetype::Data : 0, page);
+        const auto page = pages.pageIn(image, where.page, header.format == Format::V6 ? pagetype::Data : 0);
         address = bytes::ws32(page, where.offset);
     }
     return free;
@@ -71,7 +67,10 @@ bool looksFree(const FileHeader &header, Bytes slot)
 // Follows a chain of variable-page fragments and appends their bytes.
 class TailReader {
 public:
-    TailReader(const FileHeader &header, const PageMap &pages) : header_(header), pages_(pages) {}
+    TailReader(const FileHeader &header, const PageMap &pages, Bytes image)
+        : header_(header), pages_(pages), image_(image)
+    {
+    }
 
     void append(bytes::VariablePointer pointer, std::vector<std::uint8_t> &out)
     {
@@ -89,11 +88,7 @@ public:
 private:
     bytes::VariablePointer appendFragment(bytes::VariablePointer pointer, std::vector<std::uint8_t> &out)
     {
-        if (pointer.page != cachedPage_) {
-            pages_.read(pointer.page, header_.format == Format::V6 ? pagetype::Variable : 0, page_);
-            cachedPage_ = pointer.page;
-        }
-        const Bytes page(page_);
+        const Bytes page = pages_.pageIn(image_, pointer.page, header_.format == Format::V6 ? pagetype::Variable : 0);
         const std::uint32_t count = bytes::u16(page, 10);
         const std::uint32_t fragment = pointer.fragment;
         const std::uint32_t directoryLimit = (header_.pageSize - 12) / 2;
@@ -132,8 +127,7 @@ private:
 
     const FileHeader &header_;
     const PageMap &pages_;
-    std::vector<std::uint8_t> page_;
-    std::uint32_t cachedPage_ = 0xFFFFFFFF;
+    Bytes image_;
 };
 
 // Alternating literal and repeat runs, each with a 16-bit count.
@@ -162,12 +156,14 @@ std::vector<std::uint8_t> expand(Bytes stream)
 
 } // namespace
 
-ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
+ScanResult scanRecords(const FileHeader &header, const PageMap &pages, FileImage image)
 {
     ScanResult result;
-    const auto free = freeSlots(header, pages, result.warnings);
-    TailReader tails(header, pages);
-    std::vector<std::uint8_t> page;
+    result.records.adoptImage(std::move(image));
+    const Bytes file = result.records.image();
+    const auto free = freeSlots(header, pages, file, result.warnings);
+    TailReader tails(header, pages, file);
+    const bool assembled = header.compressed || header.variable;
     std::vector<std::uint8_t> record;
     const auto perPage = slotsPerPage(header);
     std::uint32_t live = 0;
@@ -175,17 +171,16 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
     const std::uint64_t possible = std::uint64_t{pages.physicalPageCount()} * perPage;
     const std::uint64_t expected = std::min<std::uint64_t>(header.recordCount, possible);
     result.records.reserve(expected,
-                           std::min<std::uint64_t>(expected * header.recordLength,
-                                                   std::uint64_t{pages.physicalPageCount()} * header.pageSize));
+                           assembled ? std::min<std::uint64_t>(expected * header.recordLength, file.size()) : 0);
     for (std::uint32_t logical = 1; logical < pages.logicalPageEnd() && live < header.recordCount; ++logical) {
-        if (!isDataPage(header, pages, logical, page))
+        const Bytes view = dataPage(header, pages, file, logical);
+        if (view.empty())
             continue;
-        const Bytes view(page);
         for (std::uint32_t slot = 0; slot < perPage && live < header.recordCount; ++slot) {
             const auto offset = slotOffset(header, slot);
             const auto address = logical * header.pageSize + offset;
             const Bytes bytesOfSlot = view.subspan(offset, header.physicalLength);
-            if (free.count(address) != 0)
+            if (!free.empty() && free.count(address) != 0)
                 continue;
             if (header.format == Format::V6 && bytes::u16(bytesOfSlot, 0) == 0) {
                 result.unusedSlots.push_back(address);
@@ -193,18 +188,18 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
             }
             if (header.format == Format::V5 && looksFree(header, bytesOfSlot))
                 continue;
-            record.clear();
-            if (header.compressed) {
+            if (!assembled) {
+                result.records.appendFromImage(bytesOfSlot.subspan(header.userOffset, header.recordLength), address);
+            } else if (header.compressed) {
                 std::vector<std::uint8_t> stream;
                 tails.append(bytes::vp24(bytesOfSlot, 0), stream);
-                record = expand(stream);
+                result.records.append(expand(stream), address);
             } else {
                 const auto fixed = bytesOfSlot.subspan(header.userOffset, header.recordLength);
                 record.assign(fixed.begin(), fixed.end());
-                if (header.variable)
-                    tails.append(bytes::vp24(bytesOfSlot, header.userOffset + header.recordLength), record);
+                tails.append(bytes::vp24(bytesOfSlot, header.userOffset + header.recordLength), record);
+                result.records.append(record, address);
             }
-            result.records.append(record, address);
             ++live;
         }
     }

@@ -18,7 +18,8 @@ struct ScanResult {
     std::vector<std::string> warnings;
 };
 
-ScanResult scanRecords(const FileHeader &header, const PageMap &pages);
+// image: the whole file, read at open; fixed-length records stay in it.
+ScanResult scanRecords(const FileHeader &header, const PageMap &pages, FileImage image);
 
 // Slot geometry shared with the writer.
 inline std::uint32_t slotsPerPage(const FileHeader &header)
