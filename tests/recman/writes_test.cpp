@@ -287,3 +287,75 @@ TEST(RecordManagerFileWrites, VariableLengthRecordsAreNotRewritten)
 }
 
 } // namespace
+
+// Indexes are built on a key's first keyed use; writes before and after that
+// must leave every key's order right.
+namespace {
+
+std::vector<std::int32_t> idsInPhysicalOrder(File &file)
+{
+    std::vector<std::int32_t> ids;
+    for (auto s = file.stepFirst(); s == Status::Success; s = file.stepNext()) {
+        std::int32_t id = 0;
+        std::memcpy(&id, file.record().data(), 4);
+        ids.push_back(id);
+    }
+    return ids;
+}
+
+Status stepTo(File &file, std::int32_t wanted)
+{
+    auto s = file.stepFirst();
+    for (; s == Status::Success; s = file.stepNext())
+        if (std::memcmp(file.record().data(), &wanted, 4) == 0)
+            break;
+    return s;
+}
+
+} // namespace
+
+TEST_F(CreatedFile, WritesBeforeAndAfterTheFirstKeyedUseKeepIndexesRight)
+{
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+    EXPECT_EQ(idsInPhysicalOrder(file), (std::vector<std::int32_t>{5, -3, 200, 0, 7}));
+    // Before any keyed operation: a key change, a delete and an insert.
+    ASSERT_EQ(stepTo(file, 200), Status::Success);
+    ASSERT_EQ(file.update(makeRecord(200, "AAA")), Status::Success) << file.lastMessage();
+    ASSERT_EQ(stepTo(file, -3), Status::Success);
+    ASSERT_EQ(file.erase(), Status::Success) << file.lastMessage();
+    ASSERT_EQ(file.insert(makeRecord(9, "ODD")), Status::Success) << file.lastMessage();
+    EXPECT_EQ(file.insert(makeRecord(9, "ZZZ")), Status::DuplicateKey);
+    EXPECT_EQ(idsInKeyOrder(file, 0), (std::vector<std::int32_t>{0, 5, 7, 9, 200}));
+    EXPECT_EQ(idsInKeyOrder(file, 1), (std::vector<std::int32_t>{200, 0, 5, 7, 9}));
+    // After both indexes exist: the same kinds of writes again.
+    ASSERT_EQ(stepTo(file, 0), Status::Success);
+    ASSERT_EQ(file.update(makeRecord(0, "ODD")), Status::Success) << file.lastMessage();
+    ASSERT_EQ(stepTo(file, 5), Status::Success);
+    ASSERT_EQ(file.erase(), Status::Success) << file.lastMessage();
+    ASSERT_EQ(file.insert(makeRecord(-1, "EVEN")), Status::Success) << file.lastMessage();
+    EXPECT_EQ(idsInKeyOrder(file, 0), (std::vector<std::int32_t>{-1, 0, 7, 9, 200}));
+    // Equal keys stay in record order, whichever way the index came to be.
+    EXPECT_EQ(idsInKeyOrder(file, 1), (std::vector<std::int32_t>{200, -1, 0, 7, 9}));
+    const std::int32_t nine = 9;
+    ASSERT_EQ(file.getEqual(0, Bytes(reinterpret_cast<const std::uint8_t *>(&nine), 4)), Status::Success);
+    ASSERT_EQ(file.getNext(0), Status::Success);
+    EXPECT_EQ(file.record()[0], 200);
+}
+
+TEST_F(CreatedFile, AFileChangedAfterOpenDoesNotChangeWhatWasRead)
+{
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    // Shortened and overwritten behind the open file, before any index exists.
+    auto bytes = recmantest::readBytes(path);
+    bytes.resize(bytes.size() / 3);
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() / 2), bytes.end(), std::uint8_t{0xEE});
+    recmantest::writeBytes(path, bytes);
+    EXPECT_EQ(idsInPhysicalOrder(file), (std::vector<std::int32_t>{5, -3, 200, 0, 7}));
+    EXPECT_EQ(idsInKeyOrder(file, 1), (std::vector<std::int32_t>{200, 0, 5, -3, 7}));
+    const std::int32_t seven = 7;
+    EXPECT_EQ(file.getEqual(0, Bytes(reinterpret_cast<const std::uint8_t *>(&seven), 4)), Status::Success);
+    file.close();
+    EXPECT_NE(file.open(path), Status::Success);
+}
