@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <unordered_map>
 
 namespace {
 using FileStatus = recman::Status;
@@ -27,6 +28,36 @@ std::vector<std::uint8_t> copyOf(recman::Bytes bytes)
 {
     return {bytes.begin(), bytes.end()};
 }
+
+// Field names match ignoring ASCII case, as the dictionary's own look-up does.
+char16_t foldedAscii(QChar c)
+{
+    const char16_t code = c.unicode();
+    return code >= u'A' && code <= u'Z' ? static_cast<char16_t>(code + (u'a' - u'A')) : code;
+}
+
+struct FieldNameHash {
+    using is_transparent = void;
+    std::size_t operator()(QStringView name) const noexcept
+    {
+        std::size_t hash = 0;
+        for (const QChar c : name)
+            hash = hash * 31 + foldedAscii(c);
+        return hash;
+    }
+};
+
+struct FieldNameEqual {
+    using is_transparent = void;
+    bool operator()(QStringView a, QStringView b) const noexcept
+    {
+        return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                                  [](QChar x, QChar y) { return foldedAscii(x) == foldedAscii(y); });
+    }
+};
+
+// Built once per table: FieldValue looks a field up by name on every call.
+using FieldsByName = std::unordered_map<QString, const recman::FieldDef *, FieldNameHash, FieldNameEqual>;
 } // namespace
 
 struct DataAccessControl::Impl {
@@ -47,6 +78,7 @@ struct DataAccessControl::Impl {
     bool cancelDialog = false;
 
     recman::TableDef table;
+    FieldsByName fieldsByName; // points into table.fields
     const recman::CodePage *codePage = &fundCodePage();
     std::filesystem::path dictionaryRoot;
     recman::File file;
@@ -86,7 +118,8 @@ struct DataAccessControl::Impl {
 
     const recman::FieldDef *fieldOrFail(const QString &name)
     {
-        const recman::FieldDef *field = table.field(name.trimmed().toStdString());
+        const auto found = fieldsByName.find(QStringView(name).trimmed());
+        const recman::FieldDef *field = found == fieldsByName.end() ? nullptr : found->second;
         if (!field)
             set(StatusUnknownField,
                 QStringLiteral("table \"%1\" has no field \"%2\"").arg(QString::fromStdString(table.name), name));
@@ -118,6 +151,9 @@ struct DataAccessControl::Impl {
         if (!found)
             return set(StatusUnknownTable, QString::fromStdString(dictionary.lastMessage()));
         table = *found;
+        fieldsByName.clear();
+        for (const recman::FieldDef &field : table.fields) // the first of equal names wins
+            fieldsByName.try_emplace(QString::fromStdString(field.name), &field);
         dictionaryRoot = *root;
         return 0;
     }
