@@ -2,7 +2,8 @@
 // (100-byte records, three keys), created once in a temporary folder:
 //   BM_CreateFile      bulk creation time
 //   BM_CatFile         plain sequential read of the file (the floor for a scan)
-//   BM_OpenAndScan     open (load + build three indexes) and step through all records
+//   BM_OpenAndScan     open (one read of the file; indexes wait for a keyed use) and
+//                      step through all records
 //   BM_GetEqual        one keyed lookup by a random unique id
 // Counters: MB/s of the file, resident memory after open against the file size.
 #include "creator.h"
