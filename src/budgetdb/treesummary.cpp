@@ -114,19 +114,27 @@ bool clsTreeSummary::GetChildren(std::vector<clsTreeItem> &items)
                                  QStringLiteral("GetChildren"), items, fillNode);
 }
 
+bool clsTreeSummary::childIds(const clsTreeItem &selector, const QString &sub, std::vector<qint64> &ids)
+{
+    return readList<qint64>(QStringLiteral("Select ID from BudgetSummaryTree where ") + childConditions(selector), sub,
+                            ids, [](const Recordset &row, qint64 &id) { id = row.number(QStringLiteral("ID")); });
+}
+
 bool clsTreeSummary::GetChildrenArray(std::vector<qint64> &ids)
 {
-    return readList<qint64>(QStringLiteral("Select ID from BudgetSummaryTree where ") + childConditions(treeItem_),
-                            QStringLiteral("GetChildrenArray"), ids,
-                            [](const Recordset &row, qint64 &id) { id = row.number(QStringLiteral("ID")); });
+    return childIds(treeItem_, QStringLiteral("GetChildrenArray"), ids);
+}
+
+bool clsTreeSummary::readNode(qint64 id, const QString &sub, clsTreeItem &item)
+{
+    return retrieveFirst(
+        QStringLiteral("Select * from BudgetSummaryTree where Rtrim(ltrim(ID)) = ") + sqlText(number(id)), sub,
+        QStringLiteral("Record not Found."), [&item](const Recordset &row) { fillNode(row, item); });
 }
 
 bool clsTreeSummary::Retrieve()
 {
-    return retrieveFirst(QStringLiteral("Select * from BudgetSummaryTree where Rtrim(ltrim(ID)) = ") +
-                             sqlText(number(treeItem_.ID)),
-                         QStringLiteral("Retrieve"), QStringLiteral("Record not Found."),
-                         [this](const Recordset &row) { fillNode(row, treeItem_); });
+    return readNode(treeItem_.ID, QStringLiteral("Retrieve"), treeItem_);
 }
 
 QString clsTreeSummary::categoryCondition() const
@@ -166,16 +174,17 @@ bool clsTreeSummary::countFolder(const clsTreeItem &folder, int depth, std::vect
     items_.back().RecCount = 0;
     path.push_back(items_.size() - 1);
 
+    const QString sub = QStringLiteral("GetFoldersAcctCodeCount");
     clsTreeItem selector = folder;
     selector.ParentID = folder.ID;
-    std::vector<clsTreeItem> children;
-    if (!readList<clsTreeItem>(QStringLiteral("Select * from BudgetSummaryTree where ") + childConditions(selector) +
-                                   QStringLiteral("Order by convert(SortOrder,sql_integer)"),
-                               QStringLiteral("GetFoldersAcctCodeCount"), children, fillNode))
+    std::vector<qint64> childIdList;
+    if (!childIds(selector, sub, childIdList))
         return false;
-    for (const clsTreeItem &child : children)
-        if (!countFolder(child, depth + 1, path))
+    for (qint64 childId : childIdList) {
+        clsTreeItem child;
+        if (!readNode(childId, sub, child) || !countFolder(child, depth + 1, path))
             return false;
+    }
 
     bool holds = false;
     if (!folderHoldsCodes(folder, holds))

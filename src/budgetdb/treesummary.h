@@ -63,6 +63,9 @@ public:
 
 private:
     static QString childConditions(const clsTreeItem &parentSelector);
+    // The IDs of the nodes `selector` picks (its type, ledger, fund and parent), in the database's order.
+    bool childIds(const clsTreeItem &selector, const QString &sub, std::vector<qint64> &ids);
+    bool readNode(qint64 id, const QString &sub, clsTreeItem &item);
     QString updateStatement() const;
     QString categoryCondition() const;
     bool countFolder(const clsTreeItem &folder, int depth, std::vector<size_t> &path);
