@@ -185,8 +185,10 @@ bool ClsAccountSummary::ValidateAccount(QString &code)
         return false;
     }
     bool found = false;
-    if (!FindAccountCode(code, found))
+    if (!FindAccountCode(code, found)) {
+        Error().setErrorSub(QStringLiteral("ValidateAccount"));
         return false;
+    }
     if (found) {
         report(0, QStringLiteral("ValidateAccount"), QStringLiteral("Account code already exists."));
         return false;

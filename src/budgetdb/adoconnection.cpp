@@ -103,7 +103,7 @@ bool clsAdoConnection::OpenConnection()
             db.setDatabaseName(connectionString());
             break;
         }
-        // The original opens with empty credentials: the data source carries them.
+        // No credentials are passed: the data source carries them.
         opened = db.isValid() && db.open();
         detail = db.isValid() ? db.lastError().text() : QStringLiteral("The Qt SQL driver is missing.");
         if (opened && backend == SqlDialect::Odbc)

@@ -228,6 +228,13 @@ TEST_P(AccountStoreTest, ValidateAccountChecksFundPrefixAndExistence)
     bool found = false;
     ASSERT_TRUE(store.FindAccountCode("it's", found));
     EXPECT_FALSE(found);
+    // A lookup that cannot run is still reported as the validation's failure.
+    ClsAccountSummary orphan;
+    orphan.AccountCode().setFundID("A");
+    code = "A200";
+    EXPECT_FALSE(orphan.ValidateAccount(code));
+    EXPECT_EQ(orphan.Error().ErrorSub(), "ValidateAccount");
+    EXPECT_FALSE(orphan.Error().ErrorText().isEmpty());
 }
 
 TEST_P(AccountStoreTest, BrokenConnectionMidBatchWritesNothing)
