@@ -29,7 +29,7 @@ mdiChild *activeChild()
 void SetWaiting(bool waiting)
 {
     if (waiting && !cursorOverridden()) {
-        QApplication::setOverrideCursor(Qt::WaitCursor);
+        QApplication::setOverrideCursor(Qt::BusyCursor); // the arrow with an hourglass: the user may still point
         cursorOverridden() = true;
     } else if (!waiting && cursorOverridden()) {
         QApplication::restoreOverrideCursor();

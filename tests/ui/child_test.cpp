@@ -181,7 +181,7 @@ TEST_F(ChildTest, SetWaitingMarksTheActiveChild)
     ASSERT_NE(shownChild, nullptr);
     SetWaiting(true);
     EXPECT_TRUE(shownChild->Waiting());
-    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BusyCursor);
     SetWaiting(false);
     EXPECT_FALSE(shownChild->Waiting());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
