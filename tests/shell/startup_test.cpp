@@ -7,12 +7,16 @@
 #include "modmain.h"
 #include "programarguments.h"
 #include "sharedforms.h"
+#include "twips.h"
 
 #include <QAction>
 #include <QDate>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
+#include <QLayout>
 #include <QPointer>
+#include <QStatusBar>
 #include <QToolBar>
 
 namespace {
@@ -63,6 +67,25 @@ TEST_F(StartupTest, FullUserStartsWithEveryGlobalAndPanelSetAndNoMessage)
         EXPECT_EQ(bar.PanelText(panels[i][0]), panels[i][1]);
         EXPECT_EQ(bar.PanelTooltip(panels[i][0]), panels[i][2]);
     }
+
+    // The user's name sits at the left and takes the spare width; the others are
+    // centred in panels sized to their text, never narrower than their minimum.
+    const std::pair<const char *, int> layout[] = {
+        {"User", 620}, {"Proposal", 50}, {"Year", 20}, {"Status", 20}, {"Date", 20}};
+    frame_->resize(1000, 600);
+    frame_->show();
+    frame_->statusBar()->layout()->activate();
+    for (const auto &[key, minTwips] : layout) {
+        const auto *panel = frame_->statusBar()->findChild<QLabel *>(QLatin1String(key));
+        ASSERT_NE(panel, nullptr) << key;
+        EXPECT_EQ(panel->minimumWidth(), twipsToPixels(minTwips)) << key;
+        EXPECT_EQ(int(panel->alignment() & Qt::AlignHorizontal_Mask),
+                  int(QLatin1String(key) == u"User" ? Qt::AlignLeft : Qt::AlignHCenter))
+            << key;
+        if (QLatin1String(key) != u"User")
+            EXPECT_LE(panel->width(), panel->sizeHint().width() + 1) << key;
+    }
+    EXPECT_GT(frame_->statusBar()->findChild<QLabel *>(QStringLiteral("User"))->width(), 500);
 }
 
 TEST_F(StartupTest, FatalFailuresEndStartUpWithTheirCode)
