@@ -1,6 +1,7 @@
 #include "menudefinition.h"
 
 #include "mdiparent.h"
+#include "systemparameters.h"
 
 #include <QCoreApplication>
 #include <QMdiArea>
@@ -71,7 +72,11 @@ std::vector<MenuEntry> build()
         item("mnuMaintenance", "&Maintenance", ""),
         // The worker's factory opens the system parameters first and gives
         // nothing when they cannot be read.
-        item("mnuMaintOrganization", "&Organization", "mnuMaintenance", modal("workerSysParams")),
+        item("mnuMaintOrganization", "&Organization", "mnuMaintenance",
+             [](mdiParent &frame) {
+                 if (openSystemParameters())
+                     frame.RunModalWorker(QStringLiteral("workerSysParams"));
+             }),
         item("mnuMaintProposal", "&Proposal", "mnuMaintenance", modal("workerProposal")),
         item("mnuMaintAccountCodes", "&Account Codes", "mnuMaintenance", child("workerAccountCodes")),
         item("mnuMaintTaxRate", "&Tax Rate", "mnuMaintenance"),
