@@ -38,7 +38,7 @@ std::string trimmedName(Bytes raw)
 
 KeySegment readSegment(Bytes page, std::size_t at, const FileHeader &header, int key, int segmentNumber)
 {
-    bytes::require(page, at, fcr::SegmentSpecSize, "key segment specification");
+    bytes::require(page, at, fcr::SegmentSpecSize, "key segment definition");
     KeySegment segment;
     segment.key = key;
     segment.segment = segmentNumber;
