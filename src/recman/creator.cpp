@@ -386,19 +386,20 @@ Status createFile(const std::filesystem::path &path, const FileSpec &spec, const
     return status;
 }
 
+RecordSource recordsFrom(const std::vector<std::vector<std::uint8_t>> &records)
+{
+    return [&records, next = std::size_t{0}](std::vector<std::uint8_t> &record) mutable {
+        if (next == records.size())
+            return false;
+        record = records[next++];
+        return true;
+    };
+}
+
 Status createFile(const std::filesystem::path &path, const FileSpec &spec,
                   const std::vector<std::vector<std::uint8_t>> &records, std::string &message, CreateMode mode)
 {
-    std::size_t next = 0;
-    return createFile(
-        path, spec,
-        [&](std::vector<std::uint8_t> &record) {
-            if (next == records.size())
-                return false;
-            record = records[next++];
-            return true;
-        },
-        message, mode);
+    return createFile(path, spec, recordsFrom(records), message, mode);
 }
 
 } // namespace recman

@@ -33,6 +33,9 @@ enum class CreateMode { FailIfExists, Overwrite };
 // false when there are no more records.
 using RecordSource = std::function<bool(std::vector<std::uint8_t> &record)>;
 
+// A source that hands out the given records in order; they must outlive it.
+RecordSource recordsFrom(const std::vector<std::vector<std::uint8_t>> &records);
+
 // Writes the file under a temporary name and renames it into place, so that
 // a failure never leaves a half-written file at `path`.
 Status createFile(const std::filesystem::path &path, const FileSpec &spec, const RecordSource &records,

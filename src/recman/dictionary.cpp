@@ -281,16 +281,7 @@ Status createDataFile(const std::filesystem::path &path, const TableDef &table, 
 Status createDataFile(const std::filesystem::path &path, const TableDef &table,
                       const std::vector<std::vector<std::uint8_t>> &records, std::string &message, CreateMode mode)
 {
-    std::size_t next = 0;
-    return createDataFile(
-        path, table,
-        [&](std::vector<std::uint8_t> &record) {
-            if (next == records.size())
-                return false;
-            record = records[next++];
-            return true;
-        },
-        message, mode);
+    return createDataFile(path, table, recordsFrom(records), message, mode);
 }
 
 std::vector<std::uint8_t> blankRecord(const TableDef &table, const CodePage &codePage)
