@@ -80,6 +80,11 @@ TEST_F(ControlTest, KeyedReadsStepsAndExtendedBlocks)
     ASSERT_EQ(control.GetEqual(), 0);
     EXPECT_EQ(control.FieldValue(QStringLiteral("Name")).toString(), QStringLiteral("Teaching Supplies"));
     EXPECT_EQ(control.FieldValue(QStringLiteral("07 Opening Entry")).value<Currency>(), Currency::fromUnits(120000));
+    // Field names are matched as the dictionary matches them: any case, surrounding blanks ignored.
+    EXPECT_EQ(control.FieldValue(QStringLiteral(" account CODE ")).toString(), QStringLiteral("A2110.450"));
+    EXPECT_EQ(control.Status(), 0);
+    EXPECT_FALSE(control.FieldValue(QStringLiteral("Account Codes")).isValid());
+    EXPECT_EQ(control.Status(), DataAccessControl::StatusUnknownField);
 
     control.setFieldValue(QStringLiteral("Account Code"), QStringLiteral("A2110.999"));
     EXPECT_EQ(control.GetEqual(), 4);
