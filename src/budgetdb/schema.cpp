@@ -107,18 +107,21 @@ QStringList wholeSchema(SqlDialect d)
     };
 }
 
-// The folder walk of the explorer and the reports asks for the codes of one
-// folder at a time; without this index each question scans the whole ledger.
-QStringList folderIndex(SqlDialect)
+// The folder walk of the explorer and the reports asks, one folder at a time,
+// for the folder by its trimmed ID, for its child folders and for its codes;
+// without these indexes each question scans a whole table.
+QStringList folderIndexes(SqlDialect)
 {
-    return {QStringLiteral("CREATE INDEX AccountCodes_Folder ON AccountCodes (FundID, Ledger, ParentID)")};
+    return {QStringLiteral("CREATE INDEX AccountCodes_Folder ON AccountCodes (FundID, Ledger, ParentID)"),
+            QStringLiteral("CREATE INDEX BudgetSummaryTree_Children ON BudgetSummaryTree (FundID, LedgerID, ParentID)"),
+            QStringLiteral("CREATE INDEX BudgetSummaryTree_TrimmedID ON BudgetSummaryTree ((Rtrim(ltrim(ID))))")};
 }
 
 using Migration = std::function<QStringList(SqlDialect)>;
 
 const std::vector<Migration> &migrations()
 {
-    static const std::vector<Migration> all{wholeSchema, folderIndex};
+    static const std::vector<Migration> all{wholeSchema, folderIndexes};
     return all;
 }
 

@@ -70,8 +70,9 @@ TEST_P(SchemaTest, InsertsByPositionAndGeneratedKeysWork)
 
 TEST_P(SchemaTest, OlderDatabaseIsMigratedInPlaceKeepingItsRows)
 {
-    // Wind the database back to the first release: no folder index, version 1.
-    exec("DROP INDEX AccountCodes_Folder");
+    // Wind the database back to the first release: no folder indexes, version 1.
+    for (const char *index : {"AccountCodes_Folder", "BudgetSummaryTree_Children", "BudgetSummaryTree_TrimmedID"})
+        exec(QStringLiteral("DROP INDEX %1").arg(index));
     exec("DELETE FROM KoraSchema");
     exec("INSERT INTO KoraSchema (Version) VALUES (1)");
     exec("Insert into Bals values ('A', 100.5, 90)");
