@@ -24,7 +24,7 @@ function(kora_test name)
   target_link_libraries(${name} PRIVATE ${ARG_DEPS} GTest::gtest GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support)
   target_compile_definitions(${name} PRIVATE
-    KORA_FIXTURES_DIR="${PROJECT_SOURCE_DIR}/../shared/fixtures"
+    KORA_FIXTURES_DIR="${PROJECT_SOURCE_DIR}/tests/fixtures"
     KORA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")

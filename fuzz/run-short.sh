@@ -13,7 +13,7 @@ cmake --build "$build" --target fuzz_recman_file fuzz_recman_dictionary fuzz_rec
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/file" "$work/dictionary"
-cp "$source_dir"/../shared/fixtures/btrieve/*.DAT "$work/file/"
+cp "$source_dir"/tests/fixtures/recman/*.DAT "$work/file/"
 "$build/fuzz/fuzz_recman_seeds" "$work/dictionary"
 "$build/fuzz/fuzz_recman_file" -max_total_time="$seconds" -max_len=600000 -rss_limit_mb=2048 -timeout=10 "$work/file"
 "$build/fuzz/fuzz_recman_dictionary" -max_total_time="$seconds" -max_len=100000 -rss_limit_mb=2048 -timeout=10 \

@@ -14,7 +14,7 @@ namespace recmantest {
 
 inline std::filesystem::path fixture(const std::string &name)
 {
-    return std::filesystem::path(KORA_FIXTURES_DIR) / "btrieve" / name;
+    return std::filesystem::path(KORA_FIXTURES_DIR) / "recman" / name;
 }
 
 inline std::string readText(const std::filesystem::path &path)
