@@ -7,6 +7,8 @@
 # minutes; it is not part of CI. Run it whenever dependencies change.
 #   KORA_FRESH_ROOT  where to make the root (default: a new folder under /var/tmp)
 #   KORA_FRESH_KEEP  1 keeps the root afterwards for a look inside
+#   KORA_FRESH_CCACHE a ccache folder of this machine to lend the root: it saves
+#                    compile time only, since a missing header still fails the build
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 
@@ -41,6 +43,10 @@ for fs in proc sys dev dev/pts; do
   mounted+=("$root/$fs")
 done
 mount -t tmpfs tmpfs "$root/dev/shm" && mounted+=("$root/dev/shm")
+if [ -n "${KORA_FRESH_CCACHE:-}" ]; then
+  mkdir -p "$root/root/.cache/ccache"
+  mount --bind "$KORA_FRESH_CCACHE" "$root/root/.cache/ccache" && mounted+=("$root/root/.cache/ccache")
+fi
 
 echo "== Clean clone of $(git -C "$here" rev-parse --short HEAD)"
 git clone -q --no-local "$here" "$root/root/kora-budget"
