@@ -19,7 +19,7 @@ command -v debootstrap >/dev/null || {
 
 # The mirror this machine's apt already uses, so the check reaches nothing else.
 mirror=$(grep -hoE '^(URIs:|deb) +[^ ]+' /etc/apt/sources.list.d/*.sources /etc/apt/sources.list 2>/dev/null \
-  | awk '{print $2}' | grep -v security | head -1)
+  | awk '{print $2}' | grep -v security | head -1 || true)
 mirror=${mirror:-http://deb.debian.org/debian}
 
 root=${KORA_FRESH_ROOT:-$(mktemp -d /var/tmp/kora-fresh.XXXXXX)}
