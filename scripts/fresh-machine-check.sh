@@ -23,6 +23,9 @@ mirror=$(grep -hoE '^(URIs:|deb) +[^ ]+' /etc/apt/sources.list.d/*.sources /etc/
 mirror=${mirror:-http://deb.debian.org/debian}
 
 root=${KORA_FRESH_ROOT:-$(mktemp -d /var/tmp/kora-fresh.XXXXXX)}
+# mktemp makes the folder private, but it becomes the root's "/", which every
+# system user (postgres among them) must be able to enter.
+chmod 755 "$root"
 mounted=()
 cleanup() {
   for ((i = ${#mounted[@]} - 1; i >= 0; i--)); do umount -l "${mounted[i]}" 2>/dev/null || true; done
