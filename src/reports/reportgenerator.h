@@ -9,9 +9,8 @@
 #include <vector>
 
 // The user-defined report formats (Report) and their columns (RptHeading),
-// with the year context a format is printed in. Statements that write run
-// inside the caller's transaction when one is open, else in one of their own,
-// so a format and its columns are never half-written.
+// with the year context a format is printed in. Each write is all or nothing
+// (see StoreBase), so a format and its columns are never half-written.
 class clsReportGenerator : public StoreBase {
 public:
     clsReportGenerator();
