@@ -111,10 +111,18 @@ bool clsReportGenerator::Delete()
     });
 }
 
-bool clsReportGenerator::GetReportNameList(std::vector<clsReportName> &names)
+bool clsReportGenerator::GetReportNameList(classGrouping<clsReportName> &names)
 {
-    return readList<clsReportName>(QStringLiteral("select ID, Name, Description, Date from Report"),
-                                   QStringLiteral("GetReportNameList"), names, fillName);
+    std::vector<clsReportName> read;
+    if (!readList<clsReportName>(QStringLiteral("select ID, Name, Description, Date from Report"),
+                                 QStringLiteral("GetReportNameList"), read, fillName))
+        return false;
+    names.Reset();
+    for (clsReportName &name : read) {
+        const QString key = QString::number(name.ID);
+        names.Add(std::move(name), key);
+    }
+    return true;
 }
 
 clsReportHeadings clsReportGenerator::describe(const QString &key) const
@@ -124,7 +132,7 @@ clsReportHeadings clsReportGenerator::describe(const QString &key) const
     heading.ReportHeading = key;
     heading.ReportVariable = key;
     if (const ColumnKind *kind = findKind(key)) {
-        const bool expenditure = Ledger.trimmed().compare(QStringLiteral("E"), Qt::CaseInsensitive) == 0;
+        const bool expenditure = name_.Ledger.trimmed().compare(QStringLiteral("E"), Qt::CaseInsensitive) == 0;
         heading.ReportHeadingDesc = QString::fromLatin1(expenditure ? kind->expenditure : kind->revenue);
     }
     return heading;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "grouping.h"
 #include "reportheadings.h"
 #include "reportname.h"
 #include "storebase.h"
@@ -16,7 +17,7 @@ public:
     clsReportGenerator();
 
     // The year context, as texts of years.
-    QString Ledger;
+    QString Ledger; // the ledger printed; heading texts follow the format's own (ReportName().Ledger)
     QString BugdetYear; // the current budget year; the spelling is part of the interface
     QString CalendarYear;
     QString ProposedYear;
@@ -34,10 +35,11 @@ public:
     bool AddReportHeadings(const QStringList &headingKeys);
     // Removes the format of ReportName.ID and its columns.
     bool Delete();
-    bool GetReportNameList(std::vector<clsReportName> &names);
-    // The columns of ReportName.ID in their order, with heading texts for Ledger.
+    // Replaces `names` with every format, each under its ID as text.
+    bool GetReportNameList(classGrouping<clsReportName> &names);
+    // The columns of ReportName.ID in their order, with heading texts for its ledger.
     bool GetReportHeadings(std::vector<clsReportHeadings> &headings);
-    // Every column a format may print, with heading texts for Ledger.
+    // Every column a format may print, with heading texts for ReportName().Ledger.
     void getAvailHeadingList(std::vector<clsReportHeadings> &headings) const;
     // By ReportName.Name when `byName`, else by ReportName.ID.
     bool RetrieveReportName(bool byName);
