@@ -94,9 +94,9 @@ bool ClsAccountSummary::UpdateBatch()
 
 bool ClsAccountSummary::Delete()
 {
-    return changeRows(QStringLiteral("Update AccountCodes Set HistoricalCode = 'H' Where id = ") +
-                          number(accountCode_.ID()),
-                      QStringLiteral("Delete"), Expect::AtLeastOne, always(QStringLiteral("No record found to be delete.")));
+    return changeRows(
+        QStringLiteral("Update AccountCodes Set HistoricalCode = 'H' Where id = ") + number(accountCode_.ID()),
+        QStringLiteral("Delete"), Expect::AtLeastOne, always(QStringLiteral("No record found to be delete.")));
 }
 
 bool ClsAccountSummary::readCodes(const QString &sql, const QString &sub, std::vector<clsAccountCode> &codes,

@@ -29,8 +29,7 @@ DbError toDbError(const QSqlError &error, SqlDialect backend)
         text = QStringLiteral("Unknown database error.");
     // A file another program holds for writing: the user can do something about that.
     if (numeric && backend == SqlDialect::SQLite && isSqliteBusy(number))
-        text = QStringLiteral("Another user is saving to the budget database. Please try again. (") + text +
-               u')';
+        text = QStringLiteral("Another user is saving to the budget database. Please try again. (") + text + u')';
     return {numeric ? number : -1, text};
 }
 

@@ -100,9 +100,10 @@ bool clsTreeSummary::UpdateBatch()
 
 bool clsTreeSummary::Delete()
 {
-    return changeRows(
-        QStringLiteral("Delete from BudgetSummaryTree where Rtrim(Ltrim(Id)) = ") + sqlText(number(treeItem_.ID)),
-        QStringLiteral("TreeSummary:Delete"), Expect::AtLeastOne, always(QStringLiteral("No record found to be delete.")));
+    return changeRows(QStringLiteral("Delete from BudgetSummaryTree where Rtrim(Ltrim(Id)) = ") +
+                          sqlText(number(treeItem_.ID)),
+                      QStringLiteral("TreeSummary:Delete"), Expect::AtLeastOne,
+                      always(QStringLiteral("No record found to be delete.")));
 }
 
 QString clsTreeSummary::childConditions(const clsTreeItem &selector)

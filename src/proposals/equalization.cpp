@@ -56,7 +56,8 @@ bool clsEqualization::AddBatch()
                         item_.CurrentTotalAssessment.toSqlText() + "," + item_.CurrentTaxableAssessment.toSqlText() +
                         "," + rateText(item_.PriorRate) + "," + item_.PriorTaxableAssessment.toSqlText() + "," +
                         item_.PriorTotalAssessment.toSqlText() + ")";
-    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne, countThen(QStringLiteral(" records to be Added. ")));
+    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be Added. ")));
 }
 
 bool clsEqualization::GetList(std::vector<clsEqualizationItem> &items)

@@ -27,7 +27,8 @@ bool clsFundBalance::AddBatch()
 {
     const QString sql = "Insert into Bals (Fund, CurrentBalance, PreviousBalance) values (" + sqlText(item_.Fund) +
                         "," + item_.CurrentYearBalance.toSqlText() + "," + item_.PreviousYearBalance.toSqlText() + ")";
-    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne, countThen(QStringLiteral(" records to be Added. ")));
+    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be Added. ")));
 }
 
 bool clsFundBalance::GetList(std::vector<clsFundBalanceItem> &items)

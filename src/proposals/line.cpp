@@ -31,7 +31,8 @@ bool clsLine::AddBatch()
     const QString sql = "Insert into LnItem (AcctId, LineItemNumber, LineItemText, LineItemAmount) values (" +
                         QString::number(item_.AcctId) + "," + QString::number(item_.LineItemNumber) + "," +
                         sqlText(item_.LineItemText) + "," + item_.LineItemAmount.toSqlText() + ")";
-    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne, countThen(QStringLiteral(" records to be Added. ")));
+    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be Added. ")));
 }
 
 bool clsLine::UpdateLineTotal(const QString &proposalID)

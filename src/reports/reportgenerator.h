@@ -17,7 +17,7 @@ public:
     clsReportGenerator();
 
     // The year context, as texts of years.
-    QString Ledger; // the ledger printed; heading texts follow the format's own (ReportName().Ledger)
+    QString Ledger;     // the ledger printed; heading texts follow the format's own (ReportName().Ledger)
     QString BugdetYear; // the current budget year; the spelling is part of the interface
     QString CalendarYear;
     QString ProposedYear;

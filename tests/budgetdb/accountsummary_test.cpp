@@ -175,18 +175,17 @@ TEST_P(AccountStoreTest, UpdateWritesEveryColumnOfItsRowAndNoOther)
     store.AccountCode().setID(second);
     ASSERT_TRUE(store.Retrieve());
     const clsAccountCode &r = store.AccountCode();
-    EXPECT_EQ(QStringList({r.LedgerID(), r.FundID(), r.AccountCode(), r.AccountName(), QString::number(r.ParentID()),
-                           QString::number(r.ProgramID()), QString::number(r.BuildingID()), r.StateCode(),
-                           r.HistoricalCode(), r.CatAFlag(), r.CatPFlag(), r.CatCFlag(),
-                           r.ProjectedAmount().toSqlText()})
-                  .join(','),
-              "R,C,C250,Changed,7,8,9,ST,H,,P,C,12.3456");
+    EXPECT_EQ(
+        QStringList({r.LedgerID(), r.FundID(), r.AccountCode(), r.AccountName(), QString::number(r.ParentID()),
+                     QString::number(r.ProgramID()), QString::number(r.BuildingID()), r.StateCode(), r.HistoricalCode(),
+                     r.CatAFlag(), r.CatPFlag(), r.CatCFlag(), r.ProjectedAmount().toSqlText()})
+            .join(','),
+        "R,C,C250,Changed,7,8,9,ST,H,,P,C,12.3456");
 
     // Retiring one code leaves the others live.
     store.AccountCode().setID(first);
     ASSERT_TRUE(store.Delete());
-    EXPECT_EQ(rows("select AccountCode, HistoricalCode from AccountCodes order by AccountCode"),
-              "A100,H|A300,|C250,H");
+    EXPECT_EQ(rows("select AccountCode, HistoricalCode from AccountCodes order by AccountCode"), "A100,H|A300,|C250,H");
 }
 
 // Inside the caller's transaction each write stands or falls alone; the caller's end decides.

@@ -56,9 +56,8 @@ TEST_P(ReportGeneratorTest, ColumnsAreReadInTheirPositionsWhateverOrderTheyWereS
                                         std::pair{"PriorBudget", 4}, std::pair{"CurExpense", 2}})
         exec(QString("Insert into RptHeading Values (%1,'%2',%3)").arg(id).arg(key).arg(position));
     exec(QString("Insert into RptHeading Values (%1,'Prior2Budget',0)").arg(id + 1));
-    EXPECT_EQ(headings(),
-              (QStringList{"Increment=Increase /Decrease", "CurExpense=Expense", "CurBudget=Budget",
-                           "PriorBudget=Budget"}));
+    EXPECT_EQ(headings(), (QStringList{"Increment=Increase /Decrease", "CurExpense=Expense", "CurBudget=Budget",
+                                       "PriorBudget=Budget"}));
 }
 
 TEST_P(ReportGeneratorTest, UpdateWritesEveryColumnOfItsFormatAndNoOther)
