@@ -129,6 +129,16 @@ TEST_P(ProposalTest, SwitchingFreeingAndFindingSlots)
     EXPECT_EQ(store.Error().ErrorCls(), "Proposal:GetAvailPropsal");
 }
 
+TEST_P(ProposalTest, TheFreeSlotOfferedIsTheLowestWhateverTheStoredOrder)
+{
+    exec("Delete from Proposal");
+    exec("Insert into Proposal values ('3','','','N')");
+    exec("Insert into Proposal values ('1','Default Proposal','O','Y')");
+    exec("Insert into Proposal values ('2','','','N')");
+    ASSERT_TRUE(store.GetAvailProposal());
+    EXPECT_EQ(store.ProposalItem().ID, "2");
+}
+
 KORA_ALL_BACKENDS(ProposalTest);
 
 } // namespace
