@@ -34,7 +34,8 @@ const char *btrieveText(std::int32_t number)
 void clsErrObject::setErrorText(const QString &text)
 {
     text_ = text;
-    getBtrieveError(number_, text_);
+    if (recordManagerNumber_)
+        getBtrieveError(number_, text_);
 }
 
 void clsErrObject::getBtrieveError(std::int32_t number, QString &text) const
@@ -66,6 +67,7 @@ void clsErrObject::Clear()
 {
     text_.clear();
     number_ = 0;
+    recordManagerNumber_ = true;
     sub_.clear();
 }
 
@@ -75,6 +77,15 @@ void clsErrObject::set(std::int32_t number, const QString &sub, const QString &t
     setErrorNumber(number);
     setErrorText(text);
     setErrorSub(sub);
+}
+
+void clsErrObject::setDatabaseError(std::int32_t number, const QString &sub, const QString &text)
+{
+    Clear();
+    number_ = number;
+    recordManagerNumber_ = false;
+    text_ = text;
+    sub_ = sub;
 }
 
 QString clsErrObject::logFilePath()

@@ -9,11 +9,17 @@
 class clsErrObject {
 public:
     std::int32_t ErrorNumber() const { return number_; }
-    void setErrorNumber(std::int32_t number) { number_ = number; }
+    // A number set here is taken for a record-manager status (see setErrorText).
+    void setErrorNumber(std::int32_t number)
+    {
+        number_ = number;
+        recordManagerNumber_ = true;
+    }
 
     const QString &ErrorText() const { return text_; }
     // Stores the text, then replaces it with the record manager's wording when
     // the number already held is one of its status codes: set the number first.
+    // A database's error (setDatabaseError) keeps its own words.
     void setErrorText(const QString &text);
 
     const QString &ErrorSub() const { return sub_; }
@@ -35,6 +41,10 @@ public:
 
     // Fills number, text and procedure in the order the translation needs.
     void set(std::int32_t number, const QString &sub, const QString &text);
+    // Fills the error of a database statement: the driver's number and the
+    // database's own text, which no record-manager wording replaces (a
+    // database's codes mean something else: SQLite's 5 is a busy file, not a key).
+    void setDatabaseError(std::int32_t number, const QString &sub, const QString &text);
 
     // Where LogError writes: "Err.txt" in the program's folder unless a test points elsewhere.
     static QString logFilePath();
@@ -45,6 +55,7 @@ private:
     QString text_;
     QString sub_;
     QString cls_;
+    bool recordManagerNumber_ = true;
 };
 
 // The application's title, shown on plain message boxes and printed logs.

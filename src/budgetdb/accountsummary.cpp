@@ -61,7 +61,8 @@ bool ClsAccountSummary::Add()
                                        "CatPFlag, CatCFlag )"
                                        "Values (") +
                         quoted.join(u',') + u')';
-    return addOneRow(sql, QStringLiteral("Account Codes"));
+    return changeRows(sql, QStringLiteral("Account Codes"), Expect::ExactlyOne,
+                      always(QStringLiteral("Invalid number of records added!")));
 }
 
 QString ClsAccountSummary::updateStatement() const
@@ -82,22 +83,20 @@ QString ClsAccountSummary::updateStatement() const
 
 bool ClsAccountSummary::Update()
 {
-    return changeRows(updateStatement(), QStringLiteral("Update"), QStringLiteral("No record found to be Update."),
-                      OwnTransaction::Yes, OnMiss::RollBack, Expect::ExactlyOne);
+    return changeRows(updateStatement(), QStringLiteral("Update"), Expect::ExactlyOne,
+                      always(QStringLiteral("No record found to be Update.")));
 }
 
 bool ClsAccountSummary::UpdateBatch()
 {
-    return changeRows(updateStatement(), QStringLiteral("Update"), QStringLiteral("No record found to be Update."),
-                      OwnTransaction::No, OnMiss::RollBack, Expect::ExactlyOne);
+    return Update();
 }
 
 bool ClsAccountSummary::Delete()
 {
-    return changeRows(QStringLiteral("Update AccountCodes Set HistoricalCode = 'H' Where id = ") +
-                          number(accountCode_.ID()),
-                      QStringLiteral("Delete"), QStringLiteral("No record found to be delete."), OwnTransaction::Yes,
-                      OnMiss::LeaveOpen);
+    return changeRows(
+        QStringLiteral("Update AccountCodes Set HistoricalCode = 'H' Where id = ") + number(accountCode_.ID()),
+        QStringLiteral("Delete"), Expect::AtLeastOne, always(QStringLiteral("No record found to be delete.")));
 }
 
 bool ClsAccountSummary::readCodes(const QString &sql, const QString &sub, std::vector<clsAccountCode> &codes,

@@ -75,9 +75,9 @@ public:
 
     bool Add();
     bool Update();
+    // Update, for callers that group it with other writes.
     bool UpdateBatch();
-    // Marks the code historical. When no row matches, the transaction it began
-    // stays open: the caller ends it with AbortTransaction.
+    // Marks the code historical; no row is removed.
     bool Delete();
     bool GetList(std::vector<clsAccountCode> &codes);
     // The security object is accepted for the callers' sake and plays no part in the query.

@@ -13,13 +13,23 @@
 
 namespace {
 
-DbError toDbError(const QSqlError &error)
+bool isSqliteBusy(int code)
+{
+    // SQLITE_BUSY and SQLITE_LOCKED, with or without an extended code's upper byte.
+    const int primary = code & 0xff;
+    return primary == 5 || primary == 6;
+}
+
+DbError toDbError(const QSqlError &error, SqlDialect backend)
 {
     bool numeric = false;
     const int number = error.nativeErrorCode().toInt(&numeric);
     QString text = error.text().trimmed();
     if (text.isEmpty())
         text = QStringLiteral("Unknown database error.");
+    // A file another program holds for writing: the user can do something about that.
+    if (numeric && backend == SqlDialect::SQLite && isSqliteBusy(number))
+        text = QStringLiteral("Another user is saving to the budget database. Please try again. (") + text + u')';
     return {numeric ? number : -1, text};
 }
 
@@ -130,7 +140,7 @@ struct DbConnection::Impl {
     QString name;
     SqlDialect backend = SqlDialect::SQLite;
     SqlDialectAdapter adapter;
-    bool inTransaction = false;
+    int depth = 0; // 0: none; 1: a transaction; more: savepoints inside it
 
     QSqlDatabase database() const { return QSqlDatabase::database(name, false); }
     bool ready() const { return !name.isEmpty() && database().isOpen(); }
@@ -163,7 +173,7 @@ void DbConnection::detach()
     }
     QSqlDatabase::removeDatabase(impl_->name);
     impl_->name.clear();
-    impl_->inTransaction = false;
+    impl_->depth = 0;
 }
 
 bool DbConnection::isOpen() const
@@ -188,7 +198,21 @@ QString DbConnection::adapt(const QString &sql) const
 }
 bool DbConnection::inTransaction() const
 {
-    return impl_->inTransaction;
+    return impl_->depth > 0;
+}
+
+int DbConnection::transactionDepth() const
+{
+    return impl_->depth;
+}
+
+bool DbConnection::runSavepointStatement(const QString &statement, DbError *error)
+{
+    QSqlQuery query(impl_->database());
+    if (query.exec(statement + QStringLiteral(" kora_savepoint_%1").arg(impl_->depth)))
+        return true;
+    fill(error, toDbError(query.lastError(), impl_->backend));
+    return false;
 }
 
 bool DbConnection::execute(const QString &sql, qint64 *recordsAffected, DbError *error)
@@ -199,7 +223,7 @@ bool DbConnection::execute(const QString &sql, qint64 *recordsAffected, DbError 
     }
     QSqlQuery query(impl_->database());
     if (!query.exec(adapt(sql))) {
-        fill(error, toDbError(query.lastError()));
+        fill(error, toDbError(query.lastError(), impl_->backend));
         return false;
     }
     if (recordsAffected)
@@ -219,7 +243,7 @@ bool DbConnection::open(const QString &sql, Recordset &rows, DbError *error)
     // Decimals arrive as text so amounts are read exactly.
     query.setNumericalPrecisionPolicy(QSql::HighPrecision);
     if (!query.exec(adapt(sql))) {
-        fill(error, toDbError(query.lastError()));
+        fill(error, toDbError(query.lastError(), impl_->backend));
         return false;
     }
     const QSqlRecord record = query.record();
@@ -236,48 +260,63 @@ bool DbConnection::BeginTrans(DbError *error)
         fill(error, notOpen());
         return false;
     }
-    if (impl_->inTransaction) {
-        fill(error, {-1, QStringLiteral("A transaction is already open on the budget database.")});
+    if (impl_->depth > 0) {
+        ++impl_->depth;
+        if (runSavepointStatement(QStringLiteral("SAVEPOINT"), error))
+            return true;
+        --impl_->depth;
         return false;
     }
     QSqlDatabase db = impl_->database();
     if (!db.transaction()) {
-        fill(error, toDbError(db.lastError()));
+        fill(error, toDbError(db.lastError(), impl_->backend));
         return false;
     }
-    impl_->inTransaction = true;
+    impl_->depth = 1;
     return true;
 }
 
 bool DbConnection::CommitTrans(DbError *error)
 {
-    if (!impl_->ready() || !impl_->inTransaction) {
+    if (!impl_->ready() || impl_->depth == 0) {
         fill(error, impl_->ready() ? DbError{-1, QStringLiteral("No transaction is open.")} : notOpen());
         return false;
     }
+    if (impl_->depth > 1) {
+        // Keeps the nested work as part of the enclosing transaction.
+        const bool released = runSavepointStatement(QStringLiteral("RELEASE SAVEPOINT"), error);
+        --impl_->depth;
+        return released;
+    }
     QSqlDatabase db = impl_->database();
+    impl_->depth = 0;
     if (!db.commit()) {
-        fill(error, toDbError(db.lastError()));
+        fill(error, toDbError(db.lastError(), impl_->backend));
         // A failed commit leaves nothing to keep: end the transaction.
         db.rollback();
-        impl_->inTransaction = false;
         return false;
     }
-    impl_->inTransaction = false;
     return true;
 }
 
 bool DbConnection::RollbackTrans(DbError *error)
 {
-    if (!impl_->ready() || !impl_->inTransaction) {
+    if (!impl_->ready() || impl_->depth == 0) {
         fill(error, impl_->ready() ? DbError{-1, QStringLiteral("No transaction is open.")} : notOpen());
-        impl_->inTransaction = false;
+        impl_->depth = 0;
         return false;
     }
+    if (impl_->depth > 1) {
+        // Undoes the nested work only; the enclosing transaction goes on.
+        const bool undone = runSavepointStatement(QStringLiteral("ROLLBACK TO SAVEPOINT"), error) &&
+                            runSavepointStatement(QStringLiteral("RELEASE SAVEPOINT"), error);
+        --impl_->depth;
+        return undone;
+    }
     QSqlDatabase db = impl_->database();
-    impl_->inTransaction = false;
+    impl_->depth = 0;
     if (!db.rollback()) {
-        fill(error, toDbError(db.lastError()));
+        fill(error, toDbError(db.lastError(), impl_->backend));
         return false;
     }
     return true;

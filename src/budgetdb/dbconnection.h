@@ -72,10 +72,15 @@ public:
     // Opens a query; the recordset is positioned on the first row (or atEnd()).
     bool open(const QString &sql, Recordset &rows, DbError *error = nullptr);
 
+    // Transactions nest: inside an open one, BeginTrans sets a savepoint,
+    // CommitTrans keeps the work since it in the enclosing transaction and
+    // RollbackTrans undoes only that work. The outermost commit or rollback decides.
     bool BeginTrans(DbError *error = nullptr);
     bool CommitTrans(DbError *error = nullptr);
     bool RollbackTrans(DbError *error = nullptr);
     bool inTransaction() const;
+    // How many transactions are open: 0 none, 1 the outermost, more nested ones.
+    int transactionDepth() const;
 
     // The statement text actually sent for sql on this connection's backend.
     QString adapt(const QString &sql) const;
@@ -89,6 +94,8 @@ private:
     void attach(const QString &connectionName, SqlDialect backend, SqlDialect statements);
     // Closes and removes the Qt connection (idempotent).
     void detach();
+    // Runs "<statement> <name of the innermost savepoint>".
+    bool runSavepointStatement(const QString &statement, DbError *error);
 
     struct Impl;
     std::unique_ptr<Impl> impl_;

@@ -53,7 +53,7 @@ bool StoreBase::Endtransaction()
 
 void StoreBase::reportDbError(const QString &sub, const DbError &error)
 {
-    report(error.number, sub, error.text);
+    error_.setDatabaseError(error.number, sub, error.text);
 }
 
 void StoreBase::report(int number, const QString &sub, const QString &text)
@@ -61,64 +61,18 @@ void StoreBase::report(int number, const QString &sub, const QString &text)
     error_.set(number, sub, text);
 }
 
-bool StoreBase::addOneRow(const QString &sql, const QString &sub)
+StoreBase::FailText StoreBase::countThen(const QString &suffix)
 {
-    if (!BeginTransaction())
-        return false;
-    DbError error;
-    qint64 affected = 0;
-    if (!db().execute(sql, &affected, &error)) {
-        db().RollbackTrans();
-        reportDbError(sub, error);
-        return false;
-    }
-    if (affected != 1) {
-        db().RollbackTrans();
-        report(999, sub, QStringLiteral("Invalid number of records added!"));
-        return false;
-    }
-    return Endtransaction();
+    return [suffix](qint64 count) { return QString::number(count) + suffix; };
 }
 
-bool StoreBase::changeRows(const QString &sql, const QString &sub, const QString &missText, OwnTransaction own,
-                           OnMiss onMiss, Expect expect)
+StoreBase::FailText StoreBase::always(const QString &text)
 {
-    const bool ownTransaction = own == OwnTransaction::Yes;
-    if (ownTransaction && !BeginTransaction())
-        return false;
-    DbError error;
-    qint64 affected = 0;
-    if (!db().execute(sql, &affected, &error)) {
-        if (ownTransaction)
-            db().RollbackTrans();
-        reportDbError(sub, error);
-        return false;
-    }
-    const bool countOk = expect == Expect::ExactlyOne ? affected == 1 : affected >= 1;
-    if (!countOk) {
-        if (ownTransaction && onMiss == OnMiss::RollBack)
-            db().RollbackTrans();
-        report(999, sub, missText);
-        return false;
-    }
-    return !ownTransaction || Endtransaction();
+    return [text](qint64) { return text; };
 }
 
-bool StoreBase::changeOneRow(const QString &sql, const QString &sub, const std::function<QString(qint64)> &failText)
+bool StoreBase::atomically(const QString &sub, const std::function<bool()> &work)
 {
-    qint64 affected = 0;
-    if (!run(sql, sub, &affected))
-        return false;
-    if (affected == 1)
-        return true;
-    report(999, sub, failText(affected));
-    return false;
-}
-
-bool StoreBase::inTransaction(const QString &sub, const std::function<bool()> &work)
-{
-    if (db().inTransaction())
-        return work();
     DbError error;
     if (!db().BeginTrans(&error)) {
         reportDbError(sub, error);
@@ -129,11 +83,26 @@ bool StoreBase::inTransaction(const QString &sub, const std::function<bool()> &w
         return false;
     }
     if (!db().CommitTrans(&error)) {
-        db().RollbackTrans();
         reportDbError(sub, error);
         return false;
     }
     return true;
+}
+
+bool StoreBase::executeCounted(const QString &sql, const QString &sub, Expect expect, const FailText &failText)
+{
+    qint64 affected = 0;
+    if (!run(sql, sub, &affected))
+        return false;
+    if (expect == Expect::ExactlyOne ? affected == 1 : affected >= 1)
+        return true;
+    report(999, sub, failText(affected));
+    return false;
+}
+
+bool StoreBase::changeRows(const QString &sql, const QString &sub, Expect expect, const FailText &failText)
+{
+    return atomically(sub, [&] { return executeCounted(sql, sub, expect, failText); });
 }
 
 bool StoreBase::run(const QString &sql, const QString &sub, qint64 *affected)

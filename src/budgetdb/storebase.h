@@ -10,7 +10,14 @@
 // What every budget-database store shares: the connection, its own error
 // object, the transaction calls, and the few statement shapes the stores run.
 // Each helper leaves the error object filled and returns false on failure; a
-// database error is reported with the driver's number and text.
+// database error is reported with the driver's number and the database's text.
+//
+// The transaction rule of every store: each operation that writes is all or
+// nothing. It runs in a transaction of its own, or, when the caller has one
+// open, in a savepoint inside the caller's; on failure everything it did is
+// undone back to where it began, so the caller can still commit the rest or
+// abort it all. The ...Batch operations follow the same rule; their names only
+// say that callers group them between BeginTransaction and Endtransaction.
 class StoreBase {
 public:
     explicit StoreBase(QString className);
@@ -23,6 +30,7 @@ public:
     clsErrObject &Error() { return error_; }
     const clsErrObject &Error() const { return error_; }
 
+    // Nest as DbConnection's transactions do.
     bool BeginTransaction();
     bool AbortTransaction();
     bool Endtransaction();
@@ -35,26 +43,24 @@ protected:
     // Fills the error object: number, then text, then procedure.
     void report(int number, const QString &sub, const QString &text);
 
-    // An insert of exactly one row in its own transaction; any other count
-    // rolls back and reports 999 "Invalid number of records added!".
-    bool addOneRow(const QString &sql, const QString &sub);
+    // The failure text of a statement that touched the wrong number of rows.
+    using FailText = std::function<QString(qint64 count)>;
+    // "<count><suffix>", e.g. "0 records to be update".
+    static FailText countThen(const QString &suffix);
+    // A fixed text whatever the count.
+    static FailText always(const QString &text);
 
-    enum class OwnTransaction { Yes, No };
-    enum class OnMiss { RollBack, LeaveOpen };
-    enum class Expect { AtLeastOne, ExactlyOne };
-    // An update or delete that must touch at least one row (or exactly one). With
-    // its own transaction it commits on success; a miss reports (999, sub, missText).
-    bool changeRows(const QString &sql, const QString &sub, const QString &missText, OwnTransaction own,
-                    OnMiss onMiss = OnMiss::RollBack, Expect expect = Expect::AtLeastOne);
+    // Runs `work` under the transaction rule above: committed (or its savepoint
+    // kept) when it returns true, undone when it returns false, keeping work's report.
+    bool atomically(const QString &sub, const std::function<bool()> &work);
 
-    // A batch statement (no transaction of its own) that must touch exactly one
-    // row; any other count reports (999, sub, failText(count)).
-    bool changeOneRow(const QString &sql, const QString &sub, const std::function<QString(qint64)> &failText);
-
-    // Runs `work` inside a transaction: the caller's when one is open already,
-    // else one of its own, committed when work returns true and rolled back
-    // (keeping work's error report) when it returns false.
-    bool inTransaction(const QString &sub, const std::function<bool()> &work);
+    enum class Expect { ExactlyOne, AtLeastOne };
+    // A row-changing statement whose count must meet `expect`; any other count
+    // reports (999, sub, failText(count)). No transaction of its own: for use
+    // inside atomically().
+    bool executeCounted(const QString &sql, const QString &sub, Expect expect, const FailText &failText);
+    // executeCounted as one all-or-nothing operation.
+    bool changeRows(const QString &sql, const QString &sub, Expect expect, const FailText &failText);
 
     // Runs a statement with no count rule; false (and reported) on a database error.
     bool run(const QString &sql, const QString &sub, qint64 *affected = nullptr);

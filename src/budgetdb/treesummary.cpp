@@ -38,6 +38,12 @@ clsTreeSummary::clsTreeSummary() : StoreBase(QStringLiteral("clsTreeSummary"))
 
 bool clsTreeSummary::Add()
 {
+    // Finding the key and inserting the node are one piece of work.
+    return atomically(QStringLiteral("BudgetSummaryTree"), [this] { return insertNewNode(); });
+}
+
+bool clsTreeSummary::insertNewNode()
+{
     Recordset rows;
     if (!query(QStringLiteral("Select Max(convert(ID, sql_double)) As NewLngID from BudgetSummaryTree"),
                QStringLiteral("Add"), rows))
@@ -67,7 +73,8 @@ bool clsTreeSummary::Add()
                         sqlText(t.FundID) + u',' + sqlText(t.LedgerID) + u',' + sqlText(number(t.ParentID)) +
                         QStringLiteral(",'") + paddedSortOrder(t.SortOrder) + QStringLiteral("',") + sqlText(t.Name) +
                         QStringLiteral(",'") + yesNo(t.ForceNewPage) + QStringLiteral(" ')");
-    return addOneRow(sql, QStringLiteral("BudgetSummaryTree"));
+    return executeCounted(sql, QStringLiteral("BudgetSummaryTree"), Expect::ExactlyOne,
+                          always(QStringLiteral("Invalid number of records added!")));
 }
 
 QString clsTreeSummary::updateStatement() const
@@ -82,21 +89,21 @@ QString clsTreeSummary::updateStatement() const
 
 bool clsTreeSummary::Update()
 {
-    return changeRows(updateStatement(), QStringLiteral("Update"), QStringLiteral("No record found to be Update."),
-                      OwnTransaction::Yes, OnMiss::RollBack, Expect::ExactlyOne);
+    return changeRows(updateStatement(), QStringLiteral("Update"), Expect::ExactlyOne,
+                      always(QStringLiteral("No record found to be Update.")));
 }
 
 bool clsTreeSummary::UpdateBatch()
 {
-    return changeRows(updateStatement(), QStringLiteral("Update"), QStringLiteral("No record found to be Update."),
-                      OwnTransaction::No, OnMiss::RollBack, Expect::ExactlyOne);
+    return Update();
 }
 
 bool clsTreeSummary::Delete()
 {
-    return changeRows(
-        QStringLiteral("Delete from BudgetSummaryTree where Rtrim(Ltrim(Id)) = ") + sqlText(number(treeItem_.ID)),
-        QStringLiteral("TreeSummary:Delete"), QStringLiteral("No record found to be delete."), OwnTransaction::Yes);
+    return changeRows(QStringLiteral("Delete from BudgetSummaryTree where Rtrim(Ltrim(Id)) = ") +
+                          sqlText(number(treeItem_.ID)),
+                      QStringLiteral("TreeSummary:Delete"), Expect::AtLeastOne,
+                      always(QStringLiteral("No record found to be delete.")));
 }
 
 QString clsTreeSummary::childConditions(const clsTreeItem &selector)

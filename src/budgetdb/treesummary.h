@@ -41,6 +41,7 @@ public:
     // Gives TreeItem() a new ID (also its first SortOrder) and inserts it.
     bool Add();
     bool Update();
+    // Update, for callers that group it with other writes.
     bool UpdateBatch();
     bool Delete();
     // The siblings TreeItem() selects (its type, ledger, fund and parent), in sort order.
@@ -62,6 +63,7 @@ public:
     std::vector<clsTreeItem>::const_iterator end() const { return items_.end(); }
 
 private:
+    bool insertNewNode();
     static QString childConditions(const clsTreeItem &parentSelector);
     // The IDs of the nodes `selector` picks (its type, ledger, fund and parent), in the database's order.
     bool childIds(const clsTreeItem &selector, const QString &sub, std::vector<qint64> &ids);

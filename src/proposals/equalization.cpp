@@ -30,8 +30,8 @@ clsEqualization::clsEqualization() : CountedStore(QStringLiteral("clsEqualizatio
 
 bool clsEqualization::DeleteBatch()
 {
-    return changeOneRow("Delete from TaxRate " + QStringLiteral(" where id = ") + QString::number(item_.ID),
-                        QStringLiteral("Delete"), countThen(QStringLiteral(" records to be Delete")));
+    return changeRows("Delete from TaxRate " + QStringLiteral(" where id = ") + QString::number(item_.ID),
+                      QStringLiteral("Delete"), Expect::ExactlyOne, countThen(QStringLiteral(" records to be Delete")));
 }
 
 bool clsEqualization::UpdateBatch()
@@ -44,7 +44,8 @@ bool clsEqualization::UpdateBatch()
                         ", PrevAssessment = " + item_.PriorTotalAssessment.toSqlText() +
                         ", PrevTaxAssess = " + item_.PriorTaxableAssessment.toSqlText() +
                         " where id = " + QString::number(item_.ID);
-    return changeOneRow(sql, QStringLiteral("Update"), countThen(QStringLiteral(" records to be update")));
+    return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be update")));
 }
 
 bool clsEqualization::AddBatch()
@@ -55,7 +56,8 @@ bool clsEqualization::AddBatch()
                         item_.CurrentTotalAssessment.toSqlText() + "," + item_.CurrentTaxableAssessment.toSqlText() +
                         "," + rateText(item_.PriorRate) + "," + item_.PriorTaxableAssessment.toSqlText() + "," +
                         item_.PriorTotalAssessment.toSqlText() + ")";
-    return changeOneRow(sql, QStringLiteral("Add"), countThen(QStringLiteral(" records to be Added. ")));
+    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be Added. ")));
 }
 
 bool clsEqualization::GetList(std::vector<clsEqualizationItem> &items)

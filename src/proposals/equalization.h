@@ -6,7 +6,7 @@
 #include <vector>
 
 // The equalization districts (TaxRate). The single-row operations act on
-// EqualizationItem and run inside the caller's BeginTransaction ... Endtransaction.
+// EqualizationItem; callers group them between BeginTransaction and Endtransaction.
 class clsEqualization : public CountedStore {
 public:
     clsEqualization();

@@ -19,14 +19,16 @@ bool clsFundBalance::UpdateBatch()
     const QString sql =
         "Update Bals Set " + QStringLiteral(" CurrentBalance = ") + item_.CurrentYearBalance.toSqlText() + "," +
         " PreviousBalance = " + item_.PreviousYearBalance.toSqlText() + " where Fund = " + sqlText(item_.Fund);
-    return changeOneRow(sql, QStringLiteral("Update"), countThen(QStringLiteral(" records to be update")));
+    return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be update")));
 }
 
 bool clsFundBalance::AddBatch()
 {
     const QString sql = "Insert into Bals (Fund, CurrentBalance, PreviousBalance) values (" + sqlText(item_.Fund) +
                         "," + item_.CurrentYearBalance.toSqlText() + "," + item_.PreviousYearBalance.toSqlText() + ")";
-    return changeOneRow(sql, QStringLiteral("Add"), countThen(QStringLiteral(" records to be Added. ")));
+    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be Added. ")));
 }
 
 bool clsFundBalance::GetList(std::vector<clsFundBalanceItem> &items)

@@ -5,8 +5,8 @@
 
 #include <vector>
 
-// The fund balances (Bals). The single-row operations act on FundBalanceItem
-// and run inside the caller's BeginTransaction ... Endtransaction.
+// The fund balances (Bals). The single-row operations act on FundBalanceItem;
+// callers group them between BeginTransaction and Endtransaction.
 class clsFundBalance : public CountedStore {
 public:
     clsFundBalance();

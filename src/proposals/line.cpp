@@ -16,18 +16,14 @@ clsLine::clsLine() : CountedStore(QStringLiteral("clsLine"))
 {
 }
 
-bool clsLine::changeOneRowAlone(const QString &sql, const QString &sub, const FailText &failText)
-{
-    return inTransaction(sub, [&] { return changeOneRow(sql, sub, failText); });
-}
-
 bool clsLine::UpdateBatch()
 {
     const QString sql = "Update LnItem Set " + QStringLiteral(" LineItemText = ") + sqlText(item_.LineItemText) + "," +
                         " LineItemAmount = " + item_.LineItemAmount.toSqlText() +
                         " where AcctID = " + QString::number(item_.AcctId) +
                         " And LineItemNumber =  " + QString::number(item_.LineItemNumber);
-    return changeOneRow(sql, QStringLiteral("Update"), countThen(QStringLiteral(" records to be update")));
+    return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be update")));
 }
 
 bool clsLine::AddBatch()
@@ -35,7 +31,8 @@ bool clsLine::AddBatch()
     const QString sql = "Insert into LnItem (AcctId, LineItemNumber, LineItemText, LineItemAmount) values (" +
                         QString::number(item_.AcctId) + "," + QString::number(item_.LineItemNumber) + "," +
                         sqlText(item_.LineItemText) + "," + item_.LineItemAmount.toSqlText() + ")";
-    return changeOneRow(sql, QStringLiteral("Add"), countThen(QStringLiteral(" records to be Added. ")));
+    return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be Added. ")));
 }
 
 bool clsLine::UpdateLineTotal(const QString &proposalID)
@@ -43,15 +40,16 @@ bool clsLine::UpdateLineTotal(const QString &proposalID)
     const QString sql = "Update ProposalBudget Set " + QStringLiteral(" ProposedBudget = ") +
                         item_.LineItemAmount.toSqlText() + " where AcctID = " + QString::number(item_.AcctId) +
                         " and ProposalID = " + sqlText(proposalID);
-    return changeOneRowAlone(sql, QStringLiteral("Update line total"),
-                             countThen(QStringLiteral(" records to be update")));
+    return changeRows(sql, QStringLiteral("Update line total"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be update")));
 }
 
 bool clsLine::Delete()
 {
     const QString sql = "Delete from LnItem where AcctId = " + QString::number(item_.AcctId) +
                         " and LineItemNumber = " + QString::number(item_.LineItemNumber);
-    return changeOneRowAlone(sql, QStringLiteral("Delete"), countThen(QStringLiteral(" records to be deleted")));
+    return changeRows(sql, QStringLiteral("Delete"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be deleted")));
 }
 
 bool clsLine::GetList(std::vector<clsLineItem> &items)

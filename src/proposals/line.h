@@ -14,21 +14,16 @@ public:
     clsLineItem &LineItem() { return item_; }
     void setLineItem(const clsLineItem &item) { item_ = item; }
 
-    // For use inside BeginTransaction ... Endtransaction.
     bool UpdateBatch();
     bool AddBatch();
-    // Writes LineItemAmount (the lines' total) as the account's ProposedBudget
-    // in `proposalID`, in its own transaction.
+    // Writes LineItemAmount (the lines' total) as the account's ProposedBudget in `proposalID`.
     bool UpdateLineTotal(const QString &proposalID);
-    // Removes one line in its own transaction; the others keep their numbers.
+    // Removes one line; the others keep their numbers.
     bool Delete();
     // Every line of LineItem.AcctId.
     bool GetList(std::vector<clsLineItem> &items);
     bool Retrieve();
 
 private:
-    // Runs a one-row statement in a transaction of its own (or the caller's).
-    bool changeOneRowAlone(const QString &sql, const QString &sub, const FailText &failText);
-
     clsLineItem item_;
 };

@@ -33,16 +33,17 @@ bool clsProposal::UpdateBatch()
                         " Status = " + sqlText(item_.Status) + "," +
                         " Active = " + sqlText(item_.Active ? QStringLiteral("Y") : QString()) +
                         " where ID = " + sqlText(item_.ID);
-    return changeOneRow(sql, QStringLiteral("Update"), countThen(QStringLiteral(" records to be update")));
+    return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be update")));
 }
 
 bool clsProposal::InitNewProposal(QString &source)
 {
     const QString claim = "Update Proposal Set " + QStringLiteral(" Name = ") + sqlText(item_.Name) +
                           ", Status = 'O', Active = 'Y' where ID = " + sqlText(item_.ID);
-    return inTransaction(initSub, [&] {
+    return atomically(initSub, [&] {
         if (!run(QStringLiteral("Update Proposal Set Active = 'N' "), initSub) ||
-            !changeOneRow(claim, initSub, countThen(QStringLiteral(" records to be update"))))
+            !executeCounted(claim, initSub, Expect::ExactlyOne, countThen(QStringLiteral(" records to be update"))))
             return false;
         if (!isKnownSource(source))
             source = QStringLiteral("E");
@@ -100,8 +101,7 @@ bool clsProposal::Delete()
     const QString sub = QStringLiteral("Delete");
     const QString sql = "Update Proposal Set " + QStringLiteral(" Name = ") + sqlText(item_.Name) +
                         ", Status = '', Active = 'N' where ID = " + sqlText(item_.ID);
-    return inTransaction(sub,
-                         [&] { return changeOneRow(sql, sub, countThen(QStringLiteral(" records to be update"))); });
+    return changeRows(sql, sub, Expect::ExactlyOne, countThen(QStringLiteral(" records to be update")));
 }
 
 bool clsProposal::GetList(std::vector<clsProposalItem> &items)

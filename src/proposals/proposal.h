@@ -14,7 +14,7 @@ public:
     clsProposalItem &ProposalItem() { return item_; }
     void setProposalItem(const clsProposalItem &item) { item_ = item; }
 
-    // Rewrites name, status and active flag; for use inside BeginTransaction ... Endtransaction.
+    // Rewrites name, status and active flag.
     bool UpdateBatch();
     // Makes ProposalItem (ID and Name set) the one active, open proposal and
     // fills its amounts from `source`: "E" empty, "C" the current budget, "1"-"3"

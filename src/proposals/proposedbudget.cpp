@@ -94,8 +94,8 @@ QString clsProposedBudget::insertStatement() const
 
 bool clsProposedBudget::UpdateBatch()
 {
-    return changeOneRow(updateStatement(), QStringLiteral("Update"),
-                        countThen(QStringLiteral(" records to be update")));
+    return changeRows(updateStatement(), QStringLiteral("Update"), Expect::ExactlyOne,
+                      countThen(QStringLiteral(" records to be update")));
 }
 
 bool clsProposedBudget::GetList(std::vector<clsProposedBudgetItem> &items)
@@ -220,37 +220,37 @@ bool clsProposedBudget::GetListNew(std::vector<clsProposedBudgetItem> &items)
 
 bool clsProposedBudget::Add()
 {
-    return inTransaction(addSub, [this] { return AddBatch(); });
+    return AddBatch();
 }
 
 bool clsProposedBudget::AddBatch()
 {
-    return changeOneRow(insertStatement(), addSub, always(addFailure));
+    return changeRows(insertStatement(), addSub, Expect::ExactlyOne, always(addFailure));
 }
 
 bool clsProposedBudget::Update()
 {
     const QString sub = QStringLiteral("Update Budget ");
-    bool missing = false;
-    const bool updated = inTransaction(sub, [&] {
+    return atomically(sub, [&] {
         qint64 affected = 0;
         if (!run(updateStatement(), sub, &affected))
             return false;
-        if (affected > 1)
+        if (affected == 1)
+            return true;
+        if (affected > 1) {
             report(999, sub, addFailure);
-        missing = affected == 0;
-        return affected == 1;
-    });
-    if (updated || !missing)
-        return updated;
-    // No row yet: insert one, keeping the amounts the caller set (Retrieve would overwrite them).
-    const clsProposedBudgetItem wanted = item_;
-    if (Retrieve()) {
+            return false;
+        }
+        // No row yet: insert one, keeping the amounts the caller set (Retrieve would overwrite them).
+        const clsProposedBudgetItem wanted = item_;
+        const bool exists = Retrieve();
         item_ = wanted;
-        report(999, sub, countThen(QStringLiteral(" records to be update"))(0));
-        return false;
-    }
-    return Add();
+        if (exists) {
+            report(999, sub, countThen(QStringLiteral(" records to be update"))(0));
+            return false;
+        }
+        return executeCounted(insertStatement(), addSub, Expect::ExactlyOne, always(addFailure));
+    });
 }
 
 bool clsProposedBudget::Retrieve()

@@ -18,7 +18,7 @@ public:
     clsProposedBudgetItem &ProposedBudgetItem() { return item_; }
     void setProposedBudgetItem(const clsProposedBudgetItem &item) { item_ = item; }
 
-    // Rewrites one account's amounts; for use inside BeginTransaction ... Endtransaction.
+    // Rewrites one account's amounts.
     bool UpdateBatch();
     // The accounts of the item's fund and ledger that have a row in its proposal.
     bool GetList(std::vector<clsProposedBudgetItem> &items);
@@ -30,12 +30,11 @@ public:
     bool GetListSep(std::vector<clsProposedBudgetItem> &items);
     // Every live account of the fund and ledger, with zero amounts where the proposal has no row.
     bool GetListNew(std::vector<clsProposedBudgetItem> &items);
-    // Inserts one row in a transaction of its own (or the caller's).
+    // Inserts one row.
     bool Add();
-    // Add without a transaction of its own.
+    // Add, for callers that group it with other writes.
     bool AddBatch();
-    // Updates the account's row in a transaction of its own (or the caller's),
-    // inserting it when missing.
+    // Updates the account's row, inserting it when missing.
     bool Update();
     // Loads the amounts of (ID, ProposalID).
     bool Retrieve();

@@ -64,7 +64,8 @@ clsReportGenerator::clsReportGenerator() : StoreBase(QStringLiteral("clsReportGe
 
 bool clsReportGenerator::changeOne(const QString &sql)
 {
-    return changeOneRow(sql, reportSource, [](qint64) { return QStringLiteral("Invalid number of records added!"); });
+    return executeCounted(sql, reportSource, Expect::ExactlyOne,
+                          always(QStringLiteral("Invalid number of records added!")));
 }
 
 bool clsReportGenerator::AddReportName()
@@ -72,7 +73,7 @@ bool clsReportGenerator::AddReportName()
     const QString sql = "Insert into Report (Name, Description,Ledger,FundID, Date) " + QStringLiteral("Values (") +
                         sqlText(name_.Name) + "," + sqlText(name_.Description) + "," + sqlText(name_.Ledger) + "," +
                         sqlText(name_.FundID) + "," + sqlText(dateText(name_.ModifiedDate)) + ")";
-    return inTransaction(reportSource, [&] { return changeOne(sql); });
+    return atomically(reportSource, [&] { return changeOne(sql); });
 }
 
 bool clsReportGenerator::UpdateReportName()
@@ -82,13 +83,13 @@ bool clsReportGenerator::UpdateReportName()
                         "Description = " + sqlText(name_.Description) + "," + "FundID = " + sqlText(name_.FundID) +
                         "," + "Ledger = " + sqlText(name_.Ledger) + "," +
                         "Date = " + sqlText(dateText(name_.ModifiedDate)) + "Where id = " + QString::number(name_.ID);
-    return inTransaction(reportSource, [&] { return changeOne(sql); });
+    return atomically(reportSource, [&] { return changeOne(sql); });
 }
 
 bool clsReportGenerator::AddReportHeadings(const QStringList &headingKeys)
 {
     const QString id = QString::number(name_.ID);
-    return inTransaction(reportSource, [&] {
+    return atomically(reportSource, [&] {
         if (!run("Delete from RptHeading where ReportId = " + id, reportSource))
             return false;
         for (qsizetype i = 0; i < headingKeys.size(); ++i) {
@@ -104,16 +105,24 @@ bool clsReportGenerator::Delete()
 {
     const QString id = QString::number(name_.ID);
     const QString sub = QStringLiteral("Delete");
-    return inTransaction(sub, [&] {
+    return atomically(sub, [&] {
         return run("Delete from Report where Id = " + id, sub) &&
                run("Delete from RptHeading where ReportId = " + id, sub);
     });
 }
 
-bool clsReportGenerator::GetReportNameList(std::vector<clsReportName> &names)
+bool clsReportGenerator::GetReportNameList(classGrouping<clsReportName> &names)
 {
-    return readList<clsReportName>(QStringLiteral("select ID, Name, Description, Date from Report"),
-                                   QStringLiteral("GetReportNameList"), names, fillName);
+    std::vector<clsReportName> read;
+    if (!readList<clsReportName>(QStringLiteral("select ID, Name, Description, Date from Report"),
+                                 QStringLiteral("GetReportNameList"), read, fillName))
+        return false;
+    names.Reset();
+    for (clsReportName &name : read) {
+        const QString key = QString::number(name.ID);
+        names.Add(std::move(name), key);
+    }
+    return true;
 }
 
 clsReportHeadings clsReportGenerator::describe(const QString &key) const
@@ -123,7 +132,7 @@ clsReportHeadings clsReportGenerator::describe(const QString &key) const
     heading.ReportHeading = key;
     heading.ReportVariable = key;
     if (const ColumnKind *kind = findKind(key)) {
-        const bool expenditure = Ledger.trimmed().compare(QStringLiteral("E"), Qt::CaseInsensitive) == 0;
+        const bool expenditure = name_.Ledger.trimmed().compare(QStringLiteral("E"), Qt::CaseInsensitive) == 0;
         heading.ReportHeadingDesc = QString::fromLatin1(expenditure ? kind->expenditure : kind->revenue);
     }
     return heading;

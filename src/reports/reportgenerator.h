@@ -1,5 +1,6 @@
 #pragma once
 
+#include "grouping.h"
 #include "reportheadings.h"
 #include "reportname.h"
 #include "storebase.h"
@@ -9,15 +10,14 @@
 #include <vector>
 
 // The user-defined report formats (Report) and their columns (RptHeading),
-// with the year context a format is printed in. Statements that write run
-// inside the caller's transaction when one is open, else in one of their own,
-// so a format and its columns are never half-written.
+// with the year context a format is printed in. Each write is all or nothing
+// (see StoreBase), so a format and its columns are never half-written.
 class clsReportGenerator : public StoreBase {
 public:
     clsReportGenerator();
 
     // The year context, as texts of years.
-    QString Ledger;
+    QString Ledger;     // the ledger printed; heading texts follow the format's own (ReportName().Ledger)
     QString BugdetYear; // the current budget year; the spelling is part of the interface
     QString CalendarYear;
     QString ProposedYear;
@@ -35,10 +35,11 @@ public:
     bool AddReportHeadings(const QStringList &headingKeys);
     // Removes the format of ReportName.ID and its columns.
     bool Delete();
-    bool GetReportNameList(std::vector<clsReportName> &names);
-    // The columns of ReportName.ID in their order, with heading texts for Ledger.
+    // Replaces `names` with every format, each under its ID as text.
+    bool GetReportNameList(classGrouping<clsReportName> &names);
+    // The columns of ReportName.ID in their order, with heading texts for its ledger.
     bool GetReportHeadings(std::vector<clsReportHeadings> &headings);
-    // Every column a format may print, with heading texts for Ledger.
+    // Every column a format may print, with heading texts for ReportName().Ledger.
     void getAvailHeadingList(std::vector<clsReportHeadings> &headings) const;
     // By ReportName.Name when `byName`, else by ReportName.ID.
     bool RetrieveReportName(bool byName);

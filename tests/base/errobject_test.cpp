@@ -28,6 +28,28 @@ TEST(ErrObject, TranslatesRecordManagerStatusesOnlyWhenTheNumberIsSetFirst)
     EXPECT_EQ(other.ErrorText(), "Record not Found.");
 }
 
+TEST(ErrObject, DatabaseErrorsKeepTheDatabasesOwnWords)
+{
+    // SQLite's codes 1 and 5 are a failed statement and a busy file, not record-manager statuses.
+    clsErrObject error;
+    error.setDatabaseError(5, "Update", "database is locked");
+    EXPECT_EQ(error.ErrorNumber(), 5);
+    EXPECT_EQ(error.ErrorSub(), "Update");
+    EXPECT_EQ(error.ErrorText(), "database is locked");
+    error.setErrorText("no such table: Missing");
+    EXPECT_EQ(error.ErrorText(), "no such table: Missing") << "a later text keeps the database's origin";
+
+    // Back to a record-manager status: translated again.
+    error.Clear();
+    error.setErrorNumber(85);
+    error.setErrorText("held");
+    EXPECT_EQ(error.ErrorText(), "File Locked by other process. Please try again.");
+    error.setDatabaseError(84, "Add", "duplicate key");
+    error.setErrorNumber(1);
+    error.setErrorText("x");
+    EXPECT_EQ(error.ErrorText(), "Invalid operation.");
+}
+
 TEST(ErrObject, ClearKeepsTheClassName)
 {
     clsErrObject error;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 class AccountStoreTest : public testdb::DatabaseTest {
@@ -29,6 +31,15 @@ protected:
         EXPECT_TRUE(store.Add()) << store.Error().ErrorText().toStdString();
         EXPECT_TRUE(store.Retrieve(true));
         return store.AccountCode().ID();
+    }
+
+    // Every stored column of one row, in table order.
+    QString stored(qint64 id)
+    {
+        return rows(QString("select Ledger, FundID, AccountCode, AccountName, ParentID, ProgramID, BuildingID, "
+                            "StateCode, HistoricalCode, CatAFlag, CatPFlag, CatCFlag, ProjectedAmount, CurrentBudget "
+                            "from AccountCodes where ID = %1")
+                        .arg(id));
     }
 
     QStringList codes(const std::vector<clsAccountCode> &list)
@@ -128,40 +139,97 @@ TEST_P(AccountStoreTest, FailuresEndInFalseWithTheErrorFilledAndNothingWritten)
     EXPECT_FALSE(db()->inTransaction());
 }
 
-TEST_P(AccountStoreTest, BatchIsAllOrNothing)
+TEST_P(AccountStoreTest, UpdateWritesEveryColumnOfItsRowAndNoOther)
+{
+    const qint64 first = add("A100", 1, "First", "A");
+    const qint64 second = add("A200", 2, "Second", "A");
+    const qint64 third = add("A300", 3, "Third");
+    const QString firstBefore = stored(first);
+    const QString thirdBefore = stored(third);
+    EXPECT_EQ(stored(second), "E,A,A200,Second,2,202,102,,,A,,,0,0");
+
+    // Every column gets a value no other column holds, so a crossed or dropped one shows.
+    store.ClearAccountCode();
+    clsAccountCode &a = store.AccountCode();
+    a.setID(second);
+    a.setLedgerID("R");
+    a.setFundID("C");
+    a.setAccountCode("C250");
+    a.setAccountName("Changed");
+    a.setParentID(7);
+    a.setProgramID(8);
+    a.setBuildingID(9);
+    a.setStateCode("ST");
+    a.setHistoricalCode("H");
+    a.setCatAFlag("");
+    a.setCatPFlag("P");
+    a.setCatCFlag("C");
+    a.setProjectedAmount(*Currency::parse("12.3456"));
+    ASSERT_TRUE(store.Update()) << store.Error().ErrorText().toStdString();
+    EXPECT_EQ(stored(second), "R,C,C250,Changed,7,8,9,ST,H,,P,C,12.3456,0");
+    EXPECT_EQ(stored(first), firstBefore);
+    EXPECT_EQ(stored(third), thirdBefore);
+
+    // Retrieve reads every column back into the item.
+    store.ClearAccountCode();
+    store.AccountCode().setID(second);
+    ASSERT_TRUE(store.Retrieve());
+    const clsAccountCode &r = store.AccountCode();
+    EXPECT_EQ(
+        QStringList({r.LedgerID(), r.FundID(), r.AccountCode(), r.AccountName(), QString::number(r.ParentID()),
+                     QString::number(r.ProgramID()), QString::number(r.BuildingID()), r.StateCode(), r.HistoricalCode(),
+                     r.CatAFlag(), r.CatPFlag(), r.CatCFlag(), r.ProjectedAmount().toSqlText()})
+            .join(','),
+        "R,C,C250,Changed,7,8,9,ST,H,,P,C,12.3456");
+
+    // Retiring one code leaves the others live.
+    store.AccountCode().setID(first);
+    ASSERT_TRUE(store.Delete());
+    EXPECT_EQ(rows("select AccountCode, HistoricalCode from AccountCodes order by AccountCode"), "A100,H|A300,|C250,H");
+}
+
+// Inside the caller's transaction each write stands or falls alone; the caller's end decides.
+TEST_P(AccountStoreTest, WritesJoinTheCallersTransaction)
 {
     const qint64 first = add("A100", 1, "First");
-    const qint64 second = add("A200", 1, "Second");
     ASSERT_TRUE(store.BeginTransaction());
     store.AccountCode().setID(first);
     ASSERT_TRUE(store.Retrieve());
     store.AccountCode().setAccountName("Changed");
     ASSERT_TRUE(store.UpdateBatch());
-    store.AccountCode().setID(second + 99);
+    store.AccountCode().setID(first + 99);
     EXPECT_FALSE(store.UpdateBatch());
     expectError(999, "Update", "No record found to be Update.");
-    EXPECT_TRUE(db()->inTransaction()) << "a batch leaves the transaction to its caller";
+    EXPECT_FALSE(store.Delete());
+    expectError(999, "Delete", "No record found to be delete.");
+    EXPECT_TRUE(db()->inTransaction()) << "a failed write leaves the caller's transaction to the caller";
+    const qint64 second = add("A200", 1, "Second");
     ASSERT_TRUE(store.AbortTransaction());
+    EXPECT_EQ(rows("select AccountCode, AccountName from AccountCodes"), "A100,First") << "the caller aborted";
+
+    ASSERT_TRUE(store.BeginTransaction());
     store.AccountCode().setID(first);
     ASSERT_TRUE(store.Retrieve());
-    EXPECT_EQ(store.AccountCode().AccountName(), "First");
+    store.AccountCode().setAccountName("Kept");
+    ASSERT_TRUE(store.Update());
+    store.AccountCode().setID(second + 99);
+    EXPECT_FALSE(store.Update());
+    add("A200", 1, "Second");
+    ASSERT_TRUE(store.Endtransaction());
+    EXPECT_EQ(rows("select AccountCode, AccountName from AccountCodes order by AccountCode"), "A100,Kept|A200,Second");
 }
 
-TEST_P(AccountStoreTest, DeleteRetiresTheCodeAndLeavesAMissesTransactionOpen)
+TEST_P(AccountStoreTest, DeleteOfAMissingCodeChangesNothingAndLeavesNothingOpen)
 {
     const qint64 id = add("A100");
-    store.AccountCode().setID(id);
-    ASSERT_TRUE(store.Delete());
-    std::vector<clsAccountCode> list;
-    ASSERT_TRUE(store.GetList(list));
-    ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0].HistoricalCode(), "H");
-
     store.AccountCode().setID(id + 7);
     EXPECT_FALSE(store.Delete());
     expectError(999, "Delete", "No record found to be delete.");
-    EXPECT_TRUE(db()->inTransaction());
-    EXPECT_TRUE(store.AbortTransaction());
+    EXPECT_FALSE(db()->inTransaction());
+    std::vector<clsAccountCode> list;
+    ASSERT_TRUE(store.GetList(list));
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_EQ(list[0].HistoricalCode(), "");
 }
 
 TEST_P(AccountStoreTest, ListsByFundLedgerAndView)
@@ -169,11 +237,17 @@ TEST_P(AccountStoreTest, ListsByFundLedgerAndView)
     add("A300", 1);
     add("A100", 1);
     add("A200", 2);
-    store.ClearAccountCode();
-    store.AccountCode().setAccountCode("B100");
-    store.AccountCode().setFundID("B");
-    store.AccountCode().setLedgerID("E");
-    ASSERT_TRUE(store.Add());
+    // The same folder, building and program in another fund and in the other ledger.
+    for (const auto &[code, fund, ledger] : {std::tuple{"B100", "B", "E"}, std::tuple{"A150", "A", "R"}}) {
+        store.ClearAccountCode();
+        store.AccountCode().setAccountCode(code);
+        store.AccountCode().setFundID(fund);
+        store.AccountCode().setLedgerID(ledger);
+        store.AccountCode().setParentID(1);
+        store.AccountCode().setBuildingID(102);
+        store.AccountCode().setProgramID(201);
+        ASSERT_TRUE(store.Add());
+    }
 
     store.ClearAccountCode();
     store.AccountCode().setFundID("A");
@@ -204,7 +278,7 @@ TEST_P(AccountStoreTest, ListsByFundLedgerAndView)
     store.AccountCode().setLedgerID("R");
     list.clear();
     ASSERT_TRUE(store.GetList(list));
-    EXPECT_TRUE(list.empty());
+    EXPECT_EQ(codes(list), QStringList{"A150"});
 }
 
 TEST_P(AccountStoreTest, ValidateAccountChecksFundPrefixAndExistence)

@@ -1,56 +1,151 @@
 #include "storebase.h"
 #include "testdatabases.h"
+#include "years.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-// The shared transaction rule of multi-statement store operations.
+// A store whose one operation writes two rows: the second statement decides
+// whether the whole operation stands.
 class TwoRowStore : public StoreBase {
 public:
     TwoRowStore() : StoreBase(QStringLiteral("TwoRowStore")) {}
-    bool addTwo(const QString &second)
+    bool addTwo(const QString &fund, const QString &second)
     {
-        return inTransaction(QStringLiteral("addTwo"), [&] {
-            return run(QStringLiteral("Insert into Bals values ('A', 1, 0)"), QStringLiteral("addTwo")) &&
+        return atomically(QStringLiteral("addTwo"), [&] {
+            return run(QStringLiteral("Insert into Bals values ('%1', 1, 0)").arg(fund), QStringLiteral("addTwo")) &&
                    run(second, QStringLiteral("addTwo"));
         });
+    }
+    // Must touch exactly one row of Bals.
+    bool zeroOne(const QString &condition)
+    {
+        return changeRows(QStringLiteral("Update Bals set CurrentBalance = 0 where ") + condition,
+                          QStringLiteral("zeroOne"), Expect::ExactlyOne, countThen(QStringLiteral(" rows")));
     }
 };
 
 class StoreBaseTest : public testdb::DatabaseTest {
 protected:
-    qint64 rowCount()
+    void SetUp() override
     {
-        Recordset rows;
-        EXPECT_TRUE(db()->open(QStringLiteral("select count(*) as n from Bals"), rows));
-        return rows.number(QStringLiteral("n"));
+        DatabaseTest::SetUp();
+        store.setAdoConnection(db());
     }
+    QString funds() { return rows("select Fund, CurrentBalance from Bals order by Fund"); }
+
+    TwoRowStore store;
 };
 
-TEST_P(StoreBaseTest, OwnTransactionCommitsWholeOrNothing)
+TEST_P(StoreBaseTest, AnOperationOfItsOwnCommitsWholeOrNothing)
 {
-    TwoRowStore store;
-    store.setAdoConnection(db());
-    EXPECT_FALSE(store.addTwo(QStringLiteral("Insert into NoSuchTable values (1)")));
+    EXPECT_FALSE(store.addTwo("A", "Insert into NoSuchTable values (1)"));
     EXPECT_EQ(store.Error().ErrorSub(), "addTwo");
     EXPECT_FALSE(db()->inTransaction());
-    EXPECT_EQ(rowCount(), 0) << "the first row must have been rolled back";
+    EXPECT_EQ(funds(), "") << "the first row must have been rolled back";
 
-    EXPECT_TRUE(store.addTwo(QStringLiteral("Insert into Bals values ('B', 2, 0)")));
+    EXPECT_TRUE(store.addTwo("A", "Insert into Bals values ('B', 2, 0)"));
     EXPECT_FALSE(db()->inTransaction());
-    EXPECT_EQ(rowCount(), 2);
+    EXPECT_EQ(funds(), "A,1|B,2");
 }
 
-TEST_P(StoreBaseTest, CallersTransactionIsLeftToTheCaller)
+TEST_P(StoreBaseTest, AWrongRowCountIsUndoneNotCommitted)
 {
-    TwoRowStore store;
-    store.setAdoConnection(db());
+    exec("Insert into Bals values ('A', 5, 0)");
+    exec("Insert into Bals values ('B', 6, 0)");
+    EXPECT_FALSE(store.zeroOne("CurrentBalance > 0"));
+    EXPECT_EQ(store.Error().ErrorText(), "2 rows");
+    EXPECT_EQ(store.Error().ErrorNumber(), 999);
+    EXPECT_FALSE(store.zeroOne("Fund = 'Z'"));
+    EXPECT_EQ(store.Error().ErrorText(), "0 rows");
+    EXPECT_EQ(funds(), "A,5|B,6");
+    EXPECT_TRUE(store.zeroOne("Fund = 'B'"));
+    EXPECT_EQ(funds(), "A,5|B,0");
+}
+
+// Inside a caller's transaction an operation runs in a savepoint: its failure
+// undoes only its own work, and the caller's commit or rollback decides the rest.
+TEST_P(StoreBaseTest, NestedWorkRollsBackToWhereItBegan)
+{
+    exec("Insert into Bals values ('A', 5, 0)");
+    exec("Insert into Bals values ('B', 6, 0)");
     ASSERT_TRUE(store.BeginTransaction());
-    EXPECT_TRUE(store.addTwo(QStringLiteral("Insert into Bals values ('B', 2, 0)")));
-    EXPECT_TRUE(db()->inTransaction());
-    store.AbortTransaction();
-    EXPECT_EQ(rowCount(), 0);
+    EXPECT_TRUE(store.addTwo("C", "Insert into Bals values ('D', 2, 0)"));
+    EXPECT_FALSE(store.addTwo("E", "Insert into NoSuchTable values (1)"));
+    EXPECT_FALSE(store.zeroOne("CurrentBalance > 0"));
+    EXPECT_EQ(db()->transactionDepth(), 1) << "each operation closed its own savepoint";
+    // After a failed statement the caller's transaction still takes work (PostgreSQL would refuse it otherwise).
+    EXPECT_TRUE(store.zeroOne("Fund = 'A'"));
+    ASSERT_TRUE(store.Endtransaction());
+    EXPECT_FALSE(db()->inTransaction());
+    EXPECT_EQ(funds(), "A,0|B,6|C,1|D,2");
+}
+
+TEST_P(StoreBaseTest, TheCallersRollbackUndoesNestedWorkThatSucceeded)
+{
+    ASSERT_TRUE(store.BeginTransaction());
+    ASSERT_TRUE(store.BeginTransaction());
+    EXPECT_TRUE(store.addTwo("A", "Insert into Bals values ('B', 2, 0)"));
+    ASSERT_TRUE(store.Endtransaction());
+    EXPECT_TRUE(db()->inTransaction()) << "the inner commit only keeps the work in the outer transaction";
+    ASSERT_TRUE(store.AbortTransaction());
+    EXPECT_EQ(funds(), "");
+    EXPECT_FALSE(store.AbortTransaction()) << "nothing left to roll back";
+    EXPECT_FALSE(store.Error().ErrorText().isEmpty());
+}
+
+TEST_P(StoreBaseTest, DatabaseErrorsKeepTheDatabasesWords)
+{
+    EXPECT_FALSE(store.addTwo("A", "Insert into NoSuchTable values (1)"));
+    const QString text = store.Error().ErrorText().toLower();
+    EXPECT_TRUE(text.contains("nosuchtable") || text.contains("no such table")) << text.toStdString();
+    for (const char *recordManagerText : {"Invalid operation.", "I/o error.", "Invalid key number"})
+        EXPECT_NE(store.Error().ErrorText(), recordManagerText);
+
+    clsYears years;
+    years.setAdoConnection(db());
+    exec("DROP TABLE Parms");
+    EXPECT_FALSE(years.CheckCalendarYear());
+    EXPECT_EQ(years.Error().ErrorSub(), "Retrive Calendar Year");
+    EXPECT_TRUE(years.Error().ErrorText().contains("Parms", Qt::CaseInsensitive))
+        << years.Error().ErrorText().toStdString();
+}
+
+// Another program holding the file for writing: the user is told why and what to do.
+TEST_P(StoreBaseTest, ABusySqliteFileSaysAnotherUserIsSaving)
+{
+    if (GetParam() != testdb::Backend::SQLite)
+        GTEST_SKIP() << "a file lock is SQLite's";
+    exec("PRAGMA busy_timeout = 50");
+    const QString holder = QStringLiteral("busy-holder");
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), holder);
+        other.setDatabaseName(database().config().sqliteFile);
+        ASSERT_TRUE(other.open());
+        QSqlQuery hold(other);
+        ASSERT_TRUE(hold.exec(QStringLiteral("BEGIN EXCLUSIVE")));
+
+        EXPECT_FALSE(store.addTwo("A", "Insert into Bals values ('B', 2, 0)"));
+        const QString written = store.Error().ErrorText();
+        EXPECT_TRUE(written.startsWith("Another user is saving to the budget database. Please try again."))
+            << written.toStdString();
+        EXPECT_TRUE(written.contains("locked")) << "the database's own words stay: " << written.toStdString();
+        EXPECT_EQ(store.Error().ErrorNumber() & 0xff, 5);
+        clsYears years;
+        years.setAdoConnection(db());
+        EXPECT_FALSE(years.GetCurrentBudgetYear());
+        EXPECT_TRUE(years.Error().ErrorText().startsWith("Another user is saving"))
+            << years.Error().ErrorText().toStdString();
+
+        ASSERT_TRUE(hold.exec(QStringLiteral("ROLLBACK")));
+        other.close();
+    }
+    QSqlDatabase::removeDatabase(holder);
+    EXPECT_TRUE(store.addTwo("A", "Insert into Bals values ('B', 2, 0)")) << store.Error().ErrorText().toStdString();
 }
 
 KORA_ALL_BACKENDS(StoreBaseTest);

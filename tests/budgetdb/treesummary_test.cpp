@@ -117,6 +117,49 @@ TEST_P(TreeStoreTest, MissingNodesAreReported)
     EXPECT_FALSE(db()->inTransaction());
 }
 
+TEST_P(TreeStoreTest, UpdateWritesEveryColumnOfItsNodeAndNoOther)
+{
+    exec("Insert into BudgetSummaryTree values ('3','T','A','E','0','         3','Three','N ')");
+    exec("Insert into BudgetSummaryTree values ('4','T','A','E','0','         4','Four','N ')");
+    exec("Insert into BudgetSummaryTree values ('5','T','A','E','0','         5','Five','N ')");
+    const QString all = "select ID, NodeType, FundID, LedgerID, ParentID, SortOrder, Name, ForceNewPage "
+                        "from BudgetSummaryTree order by ID";
+    tree.TreeItem() = {4, "B", "Z", "R", 3, "Renamed", 12, true};
+    ASSERT_TRUE(tree.Update()) << tree.Error().ErrorText().toStdString();
+    // Fund and ledger are not the update's to change.
+    EXPECT_EQ(rows(all), "3,T,A,E,0,3,Three,N |4,B,A,E,3,12,Renamed,Y|5,T,A,E,0,5,Five,N ");
+    EXPECT_EQ(stored("SortOrder", "4"), "        12");
+    tree.ClearTreeItem();
+    tree.TreeItem().ID = 4;
+    ASSERT_TRUE(tree.Retrieve());
+    const clsTreeItem &t = tree.TreeItem();
+    EXPECT_EQ(QStringList({QString::number(t.ID), t.NodeType, t.FundID, t.LedgerID, QString::number(t.ParentID),
+                           QString::number(t.SortOrder), t.Name, t.ForceNewPage ? "Y" : "N"})
+                  .join(','),
+              "4,B,A,E,3,12,Renamed,Y");
+    ASSERT_TRUE(tree.Delete());
+    EXPECT_EQ(rows("select ID from BudgetSummaryTree order by ID"), "3|5");
+}
+
+// Two nodes whose IDs differ only by blanks are the same key: a one-node write
+// that would touch both is refused and undone, alone or inside the caller's work.
+TEST_P(TreeStoreTest, AWriteThatWouldTouchTwoNodesIsUndone)
+{
+    exec("Insert into BudgetSummaryTree values ('5','T','A','E','0','         5','Five','N ')");
+    exec("Insert into BudgetSummaryTree values (' 5 ','T','A','E','0','         6','Twin','N ')");
+    const QString names = "select Name, SortOrder from BudgetSummaryTree order by SortOrder";
+    tree.TreeItem() = {5, "T", "A", "E", 0, "Both", 1, false};
+    EXPECT_FALSE(tree.Update());
+    EXPECT_EQ(tree.Error().ErrorText(), "No record found to be Update.");
+    EXPECT_EQ(rows(names), "Five,5|Twin,6");
+
+    ASSERT_TRUE(tree.BeginTransaction());
+    EXPECT_FALSE(tree.UpdateBatch());
+    const qint64 added = addFolder("Added", 0);
+    ASSERT_TRUE(tree.Endtransaction());
+    EXPECT_EQ(rows(names), QString("Five,5|Twin,6|Added,%1").arg(added));
+}
+
 TEST_P(TreeStoreTest, FolderCountsCoverTheSubtreeAndFollowTheFilters)
 {
     const qint64 top = addFolder("Top", 0);

@@ -34,6 +34,27 @@ TEST_P(BalancesTest, FundBalancesAreAddedFoundAndUpdated)
     EXPECT_EQ(balances.FundBalanceItem().PreviousYearBalance, money("-3"));
 }
 
+TEST_P(BalancesTest, UpdatesTouchTheirOwnFundOrDistrictOnly)
+{
+    exec("Insert into Bals values ('A', 1, 2)");
+    exec("Insert into Bals values ('B', 3, 4)");
+    balances.setFundBalanceItem({"B", money("30.0003"), money("40.0004"), ""});
+    ASSERT_TRUE(balances.UpdateBatch());
+    EXPECT_EQ(rows("select Fund, CurrentBalance, PreviousBalance from Bals order by Fund"), "A,1,2|B,40.0004,30.0003");
+
+    exec("Insert into TaxRate (TownShip) values ('North')");
+    exec("Insert into TaxRate (TownShip) values ('South')");
+    const QString south = scalar("select ID from TaxRate where TownShip = 'South'");
+    districts.setEqualizationItem(
+        {south.toInt(), "South End", 0.5, money("1.0001"), money("2.0002"), 0.25, money("3.0003"), money("4.0004")});
+    ASSERT_TRUE(districts.UpdateBatch());
+    const QString all = "select TownShip, CurrentEqualRate, CurrentAssessment, CurrentTaxAssess, PrevEqualRate, "
+                        "PrevAssessment, PrevTaxAssess from TaxRate order by ID";
+    EXPECT_EQ(rows(all), "North,0,0,0,0,0,0|South End,0.5,1.0001,2.0002,0.25,3.0003,4.0004");
+    ASSERT_TRUE(districts.DeleteBatch());
+    EXPECT_EQ(rows("select TownShip from TaxRate"), "North");
+}
+
 TEST_P(BalancesTest, NewDistrictsStoreThePriorAssessmentsCrossed)
 {
     clsEqualizationItem town{0,    "Maple Falls", 0.8734,     money("1000000"), money("900000"),

@@ -53,6 +53,7 @@ TEST_P(ProposalTest, UnknownSourceIsEmptyAndCopiesTakeOnlyTheSourceRows)
     ASSERT_TRUE(init("3", source));
     EXPECT_EQ(source, "E");
     EXPECT_EQ(amounts("3"), QString("%1,0,0,0,0|%2,0,0,0,0|%3,0,0,0,0").arg(first).arg(second).arg(retired));
+    EXPECT_EQ(amounts("1"), QString("%1,10.1234,1,2,3").arg(first)) << "other proposals keep their rows";
     source = "1";
     ASSERT_TRUE(init("2", source));
     EXPECT_EQ(amounts("2"), QString("%1,10.1234,1,2,3").arg(first));
@@ -70,14 +71,43 @@ TEST_P(ProposalTest, AMissingSlotChangesNothing)
     EXPECT_EQ(amounts("9"), "");
 }
 
+// A caller's transaction around a failed creation: the caller's commit keeps
+// nothing of it, and the caller's own work around it stands.
+TEST_P(ProposalTest, AFailedCreationInsideTheCallersTransactionLeavesNoTrace)
+{
+    exec(QString("Insert into ProposalBudget values (%1,'1',7,0,0,0)").arg(first));
+    QString source = "C";
+    ASSERT_TRUE(store.BeginTransaction());
+    store.setProposalItem({"1", "Default, renamed", "O", true});
+    ASSERT_TRUE(store.UpdateBatch());
+    EXPECT_FALSE(init("9", source));
+    expectError(store.Error(), "InitNewProposal", "0 records to be update");
+    ASSERT_TRUE(store.Endtransaction());
+    EXPECT_EQ(rows("select ID, Name, Status, Active from Proposal order by ID"),
+              "1,Default, renamed,O,Y|2,Old,,N|3,,,N");
+    EXPECT_EQ(amounts("1"), QString("%1,7,0,0,0").arg(first));
+
+    // A creation that succeeded is still undone by the caller's rollback.
+    ASSERT_TRUE(store.BeginTransaction());
+    ASSERT_TRUE(init("2", source));
+    ASSERT_TRUE(store.AbortTransaction());
+    EXPECT_EQ(slotStates(), "1,O,Y|2,,N|3,,N");
+    EXPECT_EQ(amounts("2"), "");
+}
+
 TEST_P(ProposalTest, SwitchingFreeingAndFindingSlots)
 {
     ASSERT_TRUE(store.GetAvailProposal());
     EXPECT_EQ(store.ProposalItem().ID, "2");
     const QString name = QString::fromUtf8("Superintendent's Plan – ÅÉ ") + QString(200, u'x');
+    store.setProposalItem({"2", name, "C", true});
+    ASSERT_TRUE(store.UpdateBatch());
+    EXPECT_EQ(rows("select ID, Name, Status, Active from Proposal order by ID"),
+              "1,Default Proposal,O,Y|2," + name.trimmed() + ",C,Y|3,,,N");
     store.setProposalItem({"1", name, "O", false});
     ASSERT_TRUE(store.UpdateBatch());
-    EXPECT_EQ(slotStates(), "1,O,|2,,N|3,,N") << "an inactive proposal is written with an empty flag";
+    EXPECT_EQ(slotStates(), "1,O,|2,C,Y|3,,N") << "an inactive proposal is written with an empty flag";
+    exec("Update Proposal set Status = '', Active = 'N' where ID = '2'");
     ASSERT_TRUE(store.Delete());
     ASSERT_TRUE(store.Retrieve());
     EXPECT_EQ(store.ProposalItem().Name, name.trimmed());
@@ -97,6 +127,16 @@ TEST_P(ProposalTest, SwitchingFreeingAndFindingSlots)
     EXPECT_FALSE(store.GetAvailProposal());
     expectError(store.Error(), "Get Available Proposal", "No Record Found.");
     EXPECT_EQ(store.Error().ErrorCls(), "Proposal:GetAvailPropsal");
+}
+
+TEST_P(ProposalTest, TheFreeSlotOfferedIsTheLowestWhateverTheStoredOrder)
+{
+    exec("Delete from Proposal");
+    exec("Insert into Proposal values ('3','','','N')");
+    exec("Insert into Proposal values ('1','Default Proposal','O','Y')");
+    exec("Insert into Proposal values ('2','','','N')");
+    ASSERT_TRUE(store.GetAvailProposal());
+    EXPECT_EQ(store.ProposalItem().ID, "2");
 }
 
 KORA_ALL_BACKENDS(ProposalTest);

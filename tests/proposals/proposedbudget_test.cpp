@@ -60,6 +60,37 @@ TEST_P(ProposedBudgetTest, ComponentsAndTheirSumReadBackThroughEveryList)
     EXPECT_EQ(all[0].ProposedBudget, Currency::fromUnits(revenue));
 }
 
+TEST_P(ProposedBudgetTest, UpdateWritesEveryAmountOfItsRowAndNoOther)
+{
+    // The same account in two other proposals, and another account in this one.
+    exec(QString("Insert into ProposalBudget values (%1,'1',11,12,13,14)").arg(split));
+    exec(QString("Insert into ProposalBudget values (%1,'3',31,32,33,34)").arg(split));
+    const QString all = "select AcctId, ProposalID, ProposedBudget, CatAProposal, CatPProposal, CatCProposal "
+                        "from ProposalBudget order by AcctId, ProposalID";
+    const QString before = rows(all);
+    item().ID = split;
+    item().ProposedCatA = money("1.0001");
+    item().ProposedCatP = money("2.0002");
+    item().ProposedCatC = money("3.0003");
+    item().ProposedBudget = money("6.0006");
+    ASSERT_TRUE(store.UpdateBatch()) << store.Error().ErrorText().toStdString();
+    QString expected = before;
+    expected.replace(QString("%1,2,%1,0,0,0").arg(split), QString("%1,2,6.0006,1.0001,2.0002,3.0003").arg(split));
+    ASSERT_NE(expected, before);
+    EXPECT_EQ(rows(all), expected);
+
+    item().ProposedBudget = money("7");
+    ASSERT_TRUE(store.Update());
+    expected.replace(QString("%1,2,6.0006").arg(split), QString("%1,2,7").arg(split));
+    EXPECT_EQ(rows(all), expected);
+    item().ProposedBudget = {};
+    ASSERT_TRUE(store.Retrieve());
+    EXPECT_EQ(QStringList({item().ProposedBudget.toSqlText(), item().ProposedCatA.toSqlText(),
+                           item().ProposedCatP.toSqlText(), item().ProposedCatC.toSqlText()})
+                  .join(','),
+              "7,1.0001,2.0002,3.0003");
+}
+
 TEST_P(ProposedBudgetTest, UpdateInsertsAMissingRowAndFailuresAreReported)
 {
     item().ID = unused;
@@ -75,8 +106,7 @@ TEST_P(ProposedBudgetTest, UpdateInsertsAMissingRowAndFailuresAreReported)
     item().ProposedBudget = {};
     ASSERT_TRUE(store.Retrieve());
     EXPECT_EQ(item().ProposedBudget + item().ProposedCatC, money("85.5"));
-    ASSERT_TRUE(store.BeginTransaction()) << "Update left no transaction open";
-    ASSERT_TRUE(store.AbortTransaction());
+    EXPECT_FALSE(db()->inTransaction()) << "Update left no transaction open";
 
     EXPECT_FALSE(store.Add()) << "the row exists";
     EXPECT_EQ(store.Error().ErrorSub(), "Add Budget ");

@@ -34,27 +34,6 @@ protected:
         return scalar("select ID from AccountCodes where AccountCode = '" + code + "'").toLongLong();
     }
 
-    // The named columns of each row, "," between cells and "|" between rows;
-    // numbers in their plain decimal form so every backend reads the same.
-    QString rows(const QString &sql)
-    {
-        Recordset rs;
-        DbError error;
-        EXPECT_TRUE(db()->open(sql, rs, &error)) << error.text.toStdString();
-        QStringList out;
-        for (; !rs.atEnd(); rs.MoveNext()) {
-            QStringList cells;
-            for (const QString &column : sql.section(" from ", 0, 0).section("select ", 1).split(',')) {
-                const QString text = rs.text(column.trimmed().section('.', -1));
-                const auto number = Currency::parse(text);
-                cells << (number ? number->toSqlText() : text);
-            }
-            out << cells.join(',');
-        }
-        return out.join('|');
-    }
-    QString scalar(const QString &sql) { return rows(sql).section('|', 0, 0); }
-
     static Currency money(const char *text) { return *Currency::parse(text); }
     static void expectError(const clsErrObject &error, const QString &sub, const QString &text)
     {

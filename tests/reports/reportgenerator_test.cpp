@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace {
 
 class ReportGeneratorTest : public testdb::DatabaseTest {
@@ -39,19 +41,45 @@ TEST_P(ReportGeneratorTest, EditingAFormatReplacesItsColumnsInOrder)
     const QString name = QString::fromUtf8("Director's Überblick");
     ASSERT_NE(addFormat(name, {"ProposedBudget", "CurExpense", "CurBudget"}), 0);
     EXPECT_EQ(generator.ReportName().ModifiedDate, QDate(2024, 3, 9));
-    generator.Ledger = "e";
     ASSERT_TRUE(generator.AddReportHeadings({"PriorExpense", "IncPercent"}));
     EXPECT_EQ(headings(), (QStringList{"PriorExpense=Expense", "IncPercent=Percent Increase /Decrease"}));
-    generator.Ledger = "R";
-    EXPECT_EQ(headings().first(), "PriorExpense=Revenue");
+    generator.ReportName().Ledger = "r";
+    EXPECT_EQ(headings().first(), "PriorExpense=Revenue") << "the texts follow the format's ledger";
+    EXPECT_EQ(rows("select ReportID, ReportHeading, SortOrder from RptHeading order by SortOrder"),
+              QString("%1,PriorExpense,1|%1,IncPercent,2").arg(generator.ReportName().ID));
+}
 
-    generator.ReportName().ModifiedDate = QDate(2025, 1, 31);
-    ASSERT_TRUE(generator.UpdateReportName());
-    std::vector<clsReportName> names;
+TEST_P(ReportGeneratorTest, ColumnsAreReadInTheirPositionsWhateverOrderTheyWereStoredIn)
+{
+    const std::int32_t id = addFormat("Format", {});
+    for (const auto &[key, position] : {std::pair{"CurBudget", 3}, std::pair{"Increment", 1},
+                                        std::pair{"PriorBudget", 4}, std::pair{"CurExpense", 2}})
+        exec(QString("Insert into RptHeading Values (%1,'%2',%3)").arg(id).arg(key).arg(position));
+    exec(QString("Insert into RptHeading Values (%1,'Prior2Budget',0)").arg(id + 1));
+    EXPECT_EQ(headings(), (QStringList{"Increment=Increase /Decrease", "CurExpense=Expense", "CurBudget=Budget",
+                                       "PriorBudget=Budget"}));
+}
+
+TEST_P(ReportGeneratorTest, UpdateWritesEveryColumnOfItsFormatAndNoOther)
+{
+    const std::int32_t other = addFormat("Other", {"CurBudget"});
+    const std::int32_t id = addFormat("Mine", {"CurBudget"});
+    const QString all = "select ID, Name, Description, Ledger, FundID, Date from Report order by ID";
+    const QString before = rows(all);
+    generator.setReportName({id, "Renamed", "New description", "B", "R", QDate(2025, 1, 31)});
+    ASSERT_TRUE(generator.UpdateReportName()) << generator.Error().ErrorText().toStdString();
+    EXPECT_EQ(rows(all),
+              QString("%1,Other,By fund,E,A,20240309|%2,Renamed,New description,R,B,20250131").arg(other).arg(id));
+    ASSERT_NE(rows(all), before);
+
+    // The formats come keyed by their IDs, replacing whatever the collection held.
+    classGrouping<clsReportName> names;
+    names.Add({}, "stale");
     ASSERT_TRUE(generator.GetReportNameList(names));
-    ASSERT_EQ(names.size(), 1u);
-    EXPECT_EQ(names[0].Name, name);
-    EXPECT_EQ(names[0].ModifiedDate, QDate(2025, 1, 31));
+    ASSERT_EQ(names.Count(), 2);
+    EXPECT_EQ(names.Item(QString::number(id)).Name, "Renamed");
+    EXPECT_EQ(names.Item(QString::number(id)).ModifiedDate, QDate(2025, 1, 31));
+    EXPECT_EQ(names.Item(QString::number(other)).Description, "By fund");
 }
 
 TEST_P(ReportGeneratorTest, DeleteTakesTheColumnsAlongUnlessTheCallerAborts)
@@ -75,15 +103,24 @@ TEST_P(ReportGeneratorTest, DeleteTakesTheColumnsAlongUnlessTheCallerAborts)
     EXPECT_EQ(headings().size(), 1);
 }
 
-TEST(ReportHeadings, AvailableColumnsFollowTheLedgerAndYear)
+TEST(ReportHeadings, AvailableColumnsFollowTheFormatsLedgerAndYear)
 {
     clsReportGenerator generator;
-    generator.Ledger = "E";
+    generator.Ledger = "R";
+    generator.ReportName().Ledger = "e";
     std::vector<clsReportHeadings> expenditure, revenue;
     generator.getAvailHeadingList(expenditure);
     ASSERT_EQ(expenditure.size(), 11u);
-    EXPECT_EQ(expenditure[3].ReportHeadingDesc, "Projected Expend");
-    generator.Ledger = "x";
+    QStringList texts;
+    for (const auto &heading : expenditure)
+        texts << heading.ReportHeading + "=" + heading.ReportHeadingDesc;
+    EXPECT_EQ(texts, (QStringList{"CurBudget=Budget", "AdjustedBudget=Adjusted Budget", "CurExpense=Expense",
+                                  "ProjectedAmount=Projected Expend", "ProposedBudget=Proposed Budget",
+                                  "Increment=Increase /Decrease", "IncPercent=Percent Increase /Decrease",
+                                  "PriorBudget=Budget", "PriorExpense=Expense", "Prior2Budget=Budget",
+                                  "Prior2Expense=Expense"}));
+    generator.Ledger = "E";
+    generator.ReportName().Ledger = "x";
     generator.getAvailHeadingList(revenue);
     EXPECT_EQ(revenue[3].ReportHeadingDesc, "Projected Revenue");
     EXPECT_EQ(revenue[10].ReportHeading + "=" + revenue[10].ReportHeadingDesc, "Prior2Expense=Revenue");

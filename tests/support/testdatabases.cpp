@@ -1,5 +1,7 @@
 #include "testdatabases.h"
 
+#include "currency.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QSqlDatabase>
@@ -234,6 +236,27 @@ void DatabaseTest::exec(const QString &sql)
 {
     DbError error;
     ASSERT_TRUE(db()->execute(sql, nullptr, &error)) << sql.toStdString() << ": " << error.text.toStdString();
+}
+
+QString DatabaseTest::rows(const QString &sql)
+{
+    Recordset rs;
+    DbError error;
+    EXPECT_TRUE(db()->open(sql, rs, &error)) << sql.toStdString() << ": " << error.text.toStdString();
+    const QStringList columns = sql.section(QStringLiteral(" from "), 0, 0, QString::SectionCaseInsensitiveSeps)
+                                    .section(QStringLiteral("select "), 1, -1, QString::SectionCaseInsensitiveSeps)
+                                    .split(u',');
+    QStringList out;
+    for (; !rs.atEnd(); rs.MoveNext()) {
+        QStringList cells;
+        for (const QString &column : columns) {
+            const QString text = rs.text(column.trimmed().section(u'.', -1));
+            const auto number = Currency::parse(text);
+            cells << (number ? number->toSqlText() : text);
+        }
+        out << cells.join(u',');
+    }
+    return out.join(u'|');
 }
 
 } // namespace testdb

@@ -70,6 +70,12 @@ protected:
     TestDatabase &database() { return *database_; }
     // Runs a statement the test needs for its set-up; fails the test when it does not run.
     void exec(const QString &sql);
+    // The named columns of each row the query returns, "," between cells and
+    // "|" between rows; numbers in their plain decimal form so every backend
+    // reads the same. The columns are those the select list names.
+    QString rows(const QString &sql);
+    // The first cell of rows(sql).
+    QString scalar(const QString &sql) { return rows(sql).section('|', 0, 0).section(',', 0, 0); }
 
 private:
     std::unique_ptr<TestDatabase> database_;
