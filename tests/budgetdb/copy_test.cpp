@@ -79,8 +79,9 @@ public:
     NewPostgresDatabase()
     {
         static int counter = 0;
-        const auto server = BudgetDbConfig::parsePgSettings(qEnvironmentVariable("KORA_TEST_PG"));
-        if (!server)
+        const QString keywords = qEnvironmentVariable("KORA_TEST_PG");
+        const auto server = BudgetDbConfig::parsePgSettings(keywords);
+        if (keywords.isEmpty() || !server)
             return;
         server_.backend = BudgetDbConfig::Backend::PostgreSQL;
         server_.pg = *server;
