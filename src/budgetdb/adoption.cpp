@@ -79,11 +79,11 @@ QString foundType(const Column &expected, const Column &found)
     return type;
 }
 
-QStringList names(const std::vector<Column> &columns, size_t count)
+QStringList names(const std::vector<Column> &columns)
 {
     QStringList list;
-    for (size_t i = 0; i < std::min(count, columns.size()); ++i)
-        list << columns[i].name;
+    for (const Column &column : columns)
+        list << column.name;
     return list;
 }
 
@@ -106,8 +106,8 @@ void compare(const QString &name, const std::vector<Column> &expected, const std
     }
     if (!complete || !BudgetSchema::insertedByPosition(name))
         return;
-    const QStringList wanted = names(expected, expected.size());
-    const QStringList have = names(found, found.size());
+    const QStringList wanted = names(expected);
+    const QStringList have = names(found);
     if (have.join(u',').compare(wanted.join(u','), Qt::CaseInsensitive) != 0)
         problems << QStringLiteral("%1: rows are written by position, so its columns must be exactly %2, in this "
                                    "order; found %3.")

@@ -73,7 +73,6 @@ QString columnList(const std::vector<Column> &columns)
 struct Tally {
     qint64 rows = 0;
     std::vector<Currency> totals;
-    bool operator==(const Tally &) const = default;
 };
 
 std::vector<Column> decimalColumns(const std::vector<Column> &columns)
