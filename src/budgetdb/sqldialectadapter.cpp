@@ -121,6 +121,43 @@ QString SqlDialectAdapter::yearTreeTableName(const QString &tableId)
     return (tableId.trimmed() + QStringLiteral("_summarytree")).toLower();
 }
 
+QString SqlDialectAdapter::columnCatalogQuery(const QString &relation) const
+{
+    QString name = relation;
+    name.replace(u'\'', QStringLiteral("''"));
+    switch (target_) {
+    case SqlDialect::SQLite:
+        // A lone INTEGER PRIMARY KEY is the row id, which SQLite assigns.
+        return QStringLiteral("SELECT name, type AS declared, CASE WHEN pk = 1 AND upper(type) = 'INTEGER' AND "
+                              "(SELECT count(*) FROM pragma_table_info('%1') WHERE pk > 0) = 1 THEN 1 ELSE 0 END "
+                              "AS generated FROM pragma_table_info('%1') ORDER BY cid")
+            .arg(name);
+    case SqlDialect::PostgreSQL:
+        // Unquoted names are folded to lower case; identity columns and serials are generated.
+        return QStringLiteral("SELECT a.attname AS name, format_type(a.atttypid, a.atttypmod) AS declared, "
+                              "CASE WHEN a.attidentity <> '' OR COALESCE(pg_get_expr(d.adbin, d.adrelid), '') "
+                              "LIKE 'nextval(%' THEN 1 ELSE 0 END AS generated "
+                              "FROM pg_attribute a JOIN pg_class c ON c.oid = a.attrelid "
+                              "LEFT JOIN pg_attrdef d ON d.adrelid = a.attrelid AND d.adnum = a.attnum "
+                              "WHERE c.relname = lower('%1') AND c.relnamespace = "
+                              "(SELECT oid FROM pg_namespace WHERE nspname = current_schema()) "
+                              "AND a.attnum > 0 AND NOT a.attisdropped ORDER BY a.attnum")
+            .arg(name);
+    case SqlDialect::Odbc:
+        break;
+    }
+    return {};
+}
+
+QString SqlDialectAdapter::generatedKeyResync(const QString &table, const QString &column) const
+{
+    if (target_ != SqlDialect::PostgreSQL)
+        return {};
+    return QStringLiteral("SELECT setval(pg_get_serial_sequence('%1', '%2'), COALESCE(MAX(%2), 0) + 1, false) "
+                          "FROM %1")
+        .arg(table.toLower(), column.toLower());
+}
+
 QString SqlDialectAdapter::adapt(const QString &sql) const
 {
     if (target_ == SqlDialect::Odbc)

@@ -23,6 +23,15 @@ public:
     // The stored name of a per-year copy of the summary tree, as the adapter writes it.
     static QString yearTreeTableName(const QString &tableId);
 
+    // A query giving a table's or view's columns in order as name, declared
+    // (the type as the database states it) and generated (1 when the database
+    // assigns the value on insert); the relation is named as an unquoted
+    // statement names it. Empty for an engine whose catalog is unknown.
+    QString columnCatalogQuery(const QString &relation) const;
+    // A statement that moves a generated key past the rows written with
+    // explicit keys; empty where the engine does so by itself.
+    QString generatedKeyResync(const QString &table, const QString &column) const;
+
 private:
     SqlDialect target_;
 };

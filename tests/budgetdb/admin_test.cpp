@@ -1,4 +1,4 @@
-#include "admincommand.h"
+#include "adminrun.h"
 #include "schema.h"
 #include "testdatabases.h"
 
@@ -9,23 +9,6 @@
 #include <QTemporaryDir>
 
 namespace {
-
-struct AdminRun {
-    int exitCode = 0;
-    QString out;
-    QString err;
-};
-
-AdminRun admin(const QStringList &arguments)
-{
-    AdminRun run;
-    QTextStream out(&run.out);
-    QTextStream err(&run.err);
-    run.exitCode = runAdmin(arguments, out, err);
-    out.flush();
-    err.flush();
-    return run;
-}
 
 TEST(BudgetAdminTest, CreateThenCheckAnSqliteFile)
 {

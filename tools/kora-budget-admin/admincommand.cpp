@@ -1,5 +1,7 @@
 #include "admincommand.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace {
@@ -21,7 +23,37 @@ void printUsage(QTextStream &err)
         << BudgetDbConfig::defaultConfigPath() << ").\n";
 }
 
-QString describe(const BudgetDbConfig &config)
+void openAsFound(const BudgetDbConfig &config, clsAdoConnection &connection)
+{
+    connection.configure(config);
+    connection.setSchemaPolicy(clsAdoConnection::SchemaPolicy::LeaveAlone);
+    connection.OpenConnection();
+}
+
+// A PostgreSQL database that does not exist yet is made through the server's maintenance database.
+bool createPostgresDatabase(const BudgetDbConfig &config, QTextStream &err)
+{
+    BudgetDbConfig maintenance = config;
+    maintenance.pg.database = QStringLiteral("postgres");
+    clsAdoConnection server;
+    openAsFound(maintenance, server);
+    if (!server.dbConnection()->isOpen()) {
+        err << "Cannot reach the PostgreSQL server for the " << describeDatabase(config) << ": "
+            << server.driverMessage() << '\n';
+        return false;
+    }
+    DbError error;
+    if (!server.dbConnection()->execute(QStringLiteral("CREATE DATABASE \"%1\"").arg(config.pg.database), nullptr,
+                                        &error)) {
+        err << "Cannot create the " << describeDatabase(config) << ": " << error.text << '\n';
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+QString describeDatabase(const BudgetDbConfig &config)
 {
     switch (config.backend) {
     case BudgetDbConfig::Backend::SQLite:
@@ -36,7 +68,25 @@ QString describe(const BudgetDbConfig &config)
     return {};
 }
 
-} // namespace
+bool openDatabase(const BudgetDbConfig &config, bool createMissing, QTextStream &err, clsAdoConnection &connection)
+{
+    const bool sqlite = config.backend == BudgetDbConfig::Backend::SQLite;
+    if (sqlite && !createMissing && !QFileInfo::exists(config.sqliteFile)) {
+        err << "The " << describeDatabase(config) << " does not exist.\n";
+        return false;
+    }
+    openAsFound(config, connection);
+    if (!connection.dbConnection()->isOpen() && createMissing &&
+        config.backend == BudgetDbConfig::Backend::PostgreSQL) {
+        if (!createPostgresDatabase(config, err))
+            return false;
+        openAsFound(config, connection);
+    }
+    if (connection.dbConnection()->isOpen())
+        return true;
+    err << "Cannot reach the " << describeDatabase(config) << ": " << connection.driverMessage() << '\n';
+    return false;
+}
 
 AdminCommandRegistration::AdminCommandRegistration(AdminCommand command)
 {
@@ -111,6 +161,6 @@ int runAdmin(const QStringList &arguments, QTextStream &out, QTextStream &err)
         }
         target = *loaded;
     }
-    AdminContext context{target, describe(target), rest.mid(1), out, err};
+    AdminContext context{target, describeDatabase(target), rest.mid(1), out, err};
     return command->run(context);
 }

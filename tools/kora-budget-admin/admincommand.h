@@ -1,5 +1,6 @@
 #pragma once
 
+#include "adoconnection.h"
 #include "budgetdbconfig.h"
 
 #include <QString>
@@ -15,6 +16,7 @@ namespace AdminExit {
 inline constexpr int Ok = 0;
 inline constexpr int Refused = 1;     // the target exists, is foreign, or is not usable as asked
 inline constexpr int Unreachable = 2; // the database cannot be reached
+inline constexpr int Failed = 3;      // the work failed part-way; all it wrote was rolled back
 inline constexpr int Usage = 64;
 } // namespace AdminExit
 
@@ -40,6 +42,16 @@ struct AdminCommandRegistration {
 };
 
 const std::vector<AdminCommand> &adminCommands();
+
+// How messages name a database: "SQLite file ...", "PostgreSQL database "x" on host:port".
+QString describeDatabase(const BudgetDbConfig &config);
+
+// Opens a database as found, leaving its schema alone. With `createMissing`
+// a PostgreSQL database that does not exist yet is created on its server
+// (and an SQLite file is made by opening it); without it a missing SQLite file
+// is reported rather than created. Says why on err and returns false when the
+// database cannot be reached.
+bool openDatabase(const BudgetDbConfig &config, bool createMissing, QTextStream &err, clsAdoConnection &connection);
 
 // Parses [--config FILE | --sqlite FILE | --pg "keywords"] COMMAND [ARGS...] and runs the command.
 int runAdmin(const QStringList &arguments, QTextStream &out, QTextStream &err);

@@ -1,22 +1,8 @@
 // The commands "create" and "check".
 #include "admincommand.h"
-#include "adoconnection.h"
 #include "schema.h"
 
-#include <QFileInfo>
-
 namespace {
-
-// Opens the target without touching its schema; reports and returns false when it cannot be reached.
-bool openAsFound(AdminContext &context, clsAdoConnection &connection)
-{
-    connection.configure(context.target);
-    connection.setSchemaPolicy(clsAdoConnection::SchemaPolicy::LeaveAlone);
-    if (connection.OpenConnection())
-        return true;
-    context.err << "Cannot reach the " << context.targetDescription << ": " << connection.driverMessage() << '\n';
-    return false;
-}
 
 bool inspect(AdminContext &context, clsAdoConnection &connection, BudgetSchema::State &state)
 {
@@ -27,43 +13,11 @@ bool inspect(AdminContext &context, clsAdoConnection &connection, BudgetSchema::
     return false;
 }
 
-// A PostgreSQL database that does not exist yet is made through the server's maintenance database.
-bool createPostgresDatabase(AdminContext &context)
-{
-    BudgetDbConfig maintenance = context.target;
-    maintenance.pg.database = QStringLiteral("postgres");
-    clsAdoConnection server;
-    server.configure(maintenance);
-    server.setSchemaPolicy(clsAdoConnection::SchemaPolicy::LeaveAlone);
-    if (!server.OpenConnection()) {
-        context.err << "Cannot reach the PostgreSQL server for the " << context.targetDescription << ": "
-                    << server.driverMessage() << '\n';
-        return false;
-    }
-    DbError error;
-    const QString name = context.target.pg.database;
-    if (!server.dbConnection()->execute(QStringLiteral("CREATE DATABASE \"%1\"").arg(name), nullptr, &error)) {
-        context.err << "Cannot create the " << context.targetDescription << ": " << error.text << '\n';
-        return false;
-    }
-    return true;
-}
-
 int create(AdminContext &context)
 {
-    const BudgetDbConfig &target = context.target;
     clsAdoConnection connection;
-    connection.configure(target);
-    connection.setSchemaPolicy(clsAdoConnection::SchemaPolicy::LeaveAlone);
-    if (!connection.OpenConnection()) {
-        if (target.backend != BudgetDbConfig::Backend::PostgreSQL) {
-            context.err << "Cannot reach the " << context.targetDescription << ": " << connection.driverMessage()
-                        << '\n';
-            return AdminExit::Unreachable;
-        }
-        if (!createPostgresDatabase(context) || !openAsFound(context, connection))
-            return AdminExit::Unreachable;
-    }
+    if (!openDatabase(context.target, true, context.err, connection))
+        return AdminExit::Unreachable;
     BudgetSchema::State state;
     if (!inspect(context, connection, state))
         return AdminExit::Unreachable;
@@ -89,12 +43,8 @@ int create(AdminContext &context)
 
 int check(AdminContext &context)
 {
-    if (context.target.backend == BudgetDbConfig::Backend::SQLite && !QFileInfo::exists(context.target.sqliteFile)) {
-        context.err << "The " << context.targetDescription << " does not exist.\n";
-        return AdminExit::Unreachable;
-    }
     clsAdoConnection connection;
-    if (!openAsFound(context, connection))
+    if (!openDatabase(context.target, false, context.err, connection))
         return AdminExit::Unreachable;
     BudgetSchema::State state;
     if (!inspect(context, connection, state))
