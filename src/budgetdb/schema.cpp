@@ -219,14 +219,25 @@ bool refuseUnmigratable(const State &state, DbError *error)
     return true;
 }
 
+// Reads what the database holds and whether it lacks migrations; false on a
+// database this program must not touch.
+bool migrationDue(DbConnection &db, State &state, bool &due, DbError *error)
+{
+    if (!inspect(db, state, error) || !refuseUnmigratable(state, error))
+        return false;
+    due = state.version != programVersion();
+    return true;
+}
+
 } // namespace
 
 bool applyMigrations(DbConnection &db, DbError *error)
 {
     State state;
-    if (!inspect(db, state, error) || !refuseUnmigratable(state, error))
+    bool due = false;
+    if (!migrationDue(db, state, due, error))
         return false;
-    if (state.version == programVersion())
+    if (!due)
         return true;
     QStringList statements;
     if (state.kind == Kind::Empty)
@@ -245,9 +256,10 @@ bool applyMigrations(DbConnection &db, DbError *error)
 bool migrate(DbConnection &db, DbError *error)
 {
     State state;
-    if (!inspect(db, state, error) || !refuseUnmigratable(state, error))
+    bool due = false;
+    if (!migrationDue(db, state, due, error))
         return false;
-    if (state.version == programVersion())
+    if (!due)
         return true;
     Transaction transaction(db);
     if (!transaction.begun())
