@@ -256,10 +256,24 @@ classGridColumn &classGrid::AddColumn(const QString &key, const QString &caption
         throw WrapperError(invalidPropertyValueError, source("AddColumn"), invalidKeyText());
     if (model_->columnOf(key) >= 0)
         throw WrapperError(duplicateKeyError, source("AddColumn"), duplicateKeyText());
+    if (!options.twinOf.isEmpty())
+        columnIndex(options.twinOf, "AddColumn");
     model_->addColumn(classGridColumn(key, caption, options));
     const int column = model_->columnCount() - 1;
     applyColumn(column);
     return model_->columns()[column];
+}
+
+classGridColumn &classGrid::AddTwinColumn(const QString &key)
+{
+    const classGridColumn &column = model_->columns()[columnIndex(key, "AddTwinColumn")];
+    GridColumnOptions options;
+    options.type = column.Type();
+    options.sortSimple = false;
+    options.checkedValue = column.CheckValue(true);
+    options.uncheckedValue = column.CheckValue(false);
+    options.twinOf = key;
+    return AddColumn(QStringLiteral("Orig") + key, QString(), options);
 }
 
 const classGridColumn &classGrid::Column(const QString &key) const
@@ -458,11 +472,11 @@ bool classGrid::RowChanged(int row) const
 {
     const int r = rowIndex(row, "RowChanged");
     const auto &columns = model_->columns();
-    for (std::size_t c = 0; c < columns.size(); ++c) {
-        if (columns[c].IsOrigTwin())
+    for (std::size_t twin = 0; twin < columns.size(); ++twin) {
+        if (!columns[twin].IsOrigTwin())
             continue;
-        const int twin = model_->columnOf(QStringLiteral("Orig") + columns[c].Key());
-        if (twin >= 0 && !sameValue(columns[c].Type(), model_->cell(r, int(c)), model_->cell(r, twin)))
+        const int column = model_->columnOf(columns[twin].TwinOf());
+        if (!sameValue(columns[twin].Type(), model_->cell(r, column), model_->cell(r, int(twin))))
             return true;
     }
     return false;

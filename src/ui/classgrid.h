@@ -56,6 +56,9 @@ public:
     void setSingleSelection(bool on);
 
     classGridColumn &AddColumn(const QString &key, const QString &caption, const GridColumnOptions &options = {});
+    // The hidden twin of a column, keyed "Orig" and the column's key, that
+    // keeps the value the column was loaded with (see RowChanged).
+    classGridColumn &AddTwinColumn(const QString &key);
     const classGridColumn &Column(const QString &key) const;
     classGridColumn &Column(const QString &key);
     QString ColumnExtra1(const QString &key) const;
@@ -98,8 +101,8 @@ public:
     // The value in `wantedKey` of the first row whose `searchKey` cell equals
     // `value`; empty when none does.
     QString GetValueUsingKey(const QString &searchKey, const QString &value, const QString &wantedKey) const;
-    // True when any column of the row differs from its "Orig" twin (text
-    // compared without regard to case, amounts by value).
+    // True when any column of the row differs from its twin (text compared
+    // without regard to case, amounts by value).
     bool RowChanged(int row) const;
 
     int CurrentRow() const; // 0 when none

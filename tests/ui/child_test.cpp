@@ -34,7 +34,7 @@ protected:
         grid.AddColumn("Fund", "Fund");
         grid.AddColumn("CurrentBalance", "Current Balance",
                        {.caption2 = "2004", .type = GridColumnType::Amount, .editable = true});
-        grid.AddColumn("OrigCurrentBalance", "", {.type = GridColumnType::Amount});
+        grid.AddTwinColumn("CurrentBalance");
         const int row = grid.AddRow();
         grid.SetCell(row, "ID", QString("7"));
         grid.SetCell(row, "Fund", QString("A \"General\""));
