@@ -1,19 +1,13 @@
 #include "classgrid.h"
 
-#include "formcomplexsorting.h"
 #include "griddelegate.h"
 #include "twips.h"
 #include "wrappererror.h"
 
-#include "messageservice.h"
-
 #include <QEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QMdiSubWindow>
 #include <QMouseEvent>
-#include <QScrollBar>
-#include <QSettings>
 #include <QTableView>
 
 #include <algorithm>
@@ -25,58 +19,28 @@ QString source(const char *member)
     return QStringLiteral("classGrid.") + QLatin1String(member);
 }
 
-QString sortSettingsKey(const QString &layoutName)
-{
-    return QStringLiteral("SortLayouts/") + layoutName;
-}
-
-// The name of the form a widget sits on: the window, or the widget an MDI
-// sub-window holds (its window is the frame, shared by every child).
-QString formName(const QWidget *widget)
-{
-    for (; widget; widget = widget->parentWidget()) {
-        if (widget->isWindow() || qobject_cast<const QMdiSubWindow *>(widget->parentWidget()))
-            return widget->objectName().isEmpty() ? widget->windowTitle() : widget->objectName();
-    }
-    return {};
-}
-
-bool sameValue(GridColumnType type, const QString &a, const QString &b)
-{
-    if (type == GridColumnType::Amount) {
-        const auto left = a.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(a);
-        const auto right = b.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(b);
-        if (left && right)
-            return *left == *right;
-    }
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
 } // namespace
 
-classGrid::classGrid(QObject *parent)
-    : QObject(parent), model_(std::make_unique<GridModel>()), totals_(std::make_unique<GridTotalsModel>(*model_))
+classGrid::classGrid(QObject *parent) : QObject(parent), model_(std::make_unique<GridModel>())
 {
     connect(model_.get(), &GridModel::cellEdited, this, [this](int row, int column) {
-        if (!balanceKey_.isEmpty() && model_->columns()[column].Key() == balanceAmountKey_)
-            RefreshBalance();
-        emit cellChanged(row + 1, model_->columns()[column].Key());
+        const QString key = model_->columns()[column].Key();
+        if (totals_.feedsBalance(key))
+            totals_.refreshBalance();
+        emit cellChanged(row + 1, key);
     });
 }
 
 classGrid::~classGrid()
 {
-    // The views may outlive the wrapper; they must not keep our models.
+    // The view may outlive the wrapper; it must not keep our model.
     if (view_)
         view_->setModel(nullptr);
-    if (companion_)
-        companion_->setModel(nullptr);
 }
 
 void classGrid::Init(QTableView *grid, QTableView *companion)
 {
     view_ = grid;
-    companion_ = companion;
     view_->setModel(model_.get());
     delegate_ = new GridDelegate(*model_, view_);
     view_->setItemDelegate(delegate_);
@@ -90,21 +54,8 @@ void classGrid::Init(QTableView *grid, QTableView *companion)
     view_->installEventFilter(this);
     view_->viewport()->installEventFilter(this);
     connect(view_->horizontalHeader(), &QHeaderView::sectionClicked, this, &classGrid::onHeaderClicked);
-    connect(view_->horizontalHeader(), &QHeaderView::sectionResized, this, [this] { syncCompanionWidths(); });
-    if (companion_) {
-        companion_->setModel(totals_.get());
-        companion_->horizontalHeader()->hide();
-        companion_->verticalHeader()->setVisible(false);
-        companion_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        companion_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        companion_->setSelectionMode(QAbstractItemView::NoSelection);
-        companion_->setFocusPolicy(Qt::NoFocus);
-        companion_->setFixedHeight(view_->verticalHeader()->defaultSectionSize() + 2 * companion_->frameWidth());
-        companion_->setVisible(totalsShown_);
-        // The totals scroll sideways with the grid above them.
-        connect(view_->horizontalScrollBar(), &QScrollBar::valueChanged, companion_->horizontalScrollBar(),
-                &QScrollBar::setValue);
-    }
+    connect(view_->horizontalHeader(), &QHeaderView::sectionResized, this, [this] { syncTotals(); });
+    totals_.bind(*view_, companion);
     setSingleSelection(singleSelection_);
     applyEditTriggers();
 }
@@ -118,10 +69,8 @@ void classGrid::SetVertScrollBar(bool always)
 void classGrid::Reset()
 {
     model_->clearAll();
-    sortOrder_.clear();
-    defaultSort_.clear();
-    balanceAmountKey_.clear();
-    balanceKey_.clear();
+    sorting_.reset();
+    totals_.clearBalance();
     multiLine_ = false;
     multiLineConstant_ = 1;
     multiLineColumnKey_.clear();
@@ -431,8 +380,8 @@ void classGrid::SetCell(int row, const QString &key, const QString &value)
     const int column = columnIndex(key, "SetCell");
     if (!model_->setCell(r, column, value))
         throw WrapperError(13, source("SetCell"), QStringLiteral("Type mismatch"));
-    if (key == balanceAmountKey_)
-        RefreshBalance();
+    if (totals_.feedsBalance(key))
+        totals_.refreshBalance();
 }
 
 void classGrid::SetCell(int row, const QString &key, Currency amount)
@@ -470,16 +419,7 @@ QString classGrid::GetValueUsingKey(const QString &searchKey, const QString &val
 
 bool classGrid::RowChanged(int row) const
 {
-    const int r = rowIndex(row, "RowChanged");
-    const auto &columns = model_->columns();
-    for (std::size_t twin = 0; twin < columns.size(); ++twin) {
-        if (!columns[twin].IsOrigTwin())
-            continue;
-        const int column = model_->columnOf(columns[twin].TwinOf());
-        if (!sameValue(columns[twin].Type(), model_->cell(r, column), model_->cell(r, int(twin))))
-            return true;
-    }
-    return false;
+    return model_->rowDiffersFromTwins(rowIndex(row, "RowChanged"));
 }
 
 int classGrid::CurrentRow() const
@@ -581,83 +521,47 @@ QStringList classGrid::GetSelectedByKey(const QString &key) const
 
 void classGrid::SortingDisable()
 {
-    sortingBeforeDisable_ = sorting_;
-    sorting_ = false;
+    sorting_.disable();
 }
 
 void classGrid::SortingRestore()
 {
-    sorting_ = sortingBeforeDisable_;
+    sorting_.restore();
 }
 
 void classGrid::DoSortSimple(const QString &key)
 {
-    const int column = columnIndex(key, "DoSortSimple");
-    if (!sorting_ || !model_->columns()[column].SortSimple())
-        return;
-    // A second click on the same column turns the order round.
-    const bool ascending = sortOrder_.size() != 1 || sortOrder_.front().Key() != key || !sortOrder_.front().Ascending();
-    SetSort({classGridSortLayout(key, ascending)});
+    if (const auto order = sorting_.simpleOrder(columnIndex(key, "DoSortSimple")))
+        SetSort(*order);
 }
 
 void classGrid::DoSortComplex()
 {
-    const auto &columns = model_->columns();
-    const bool offered = std::any_of(columns.begin(), columns.end(),
-                                     [](const classGridColumn &c) { return c.SortComplex() && !c.IsOrigTwin(); });
-    if (!offered) {
-        messages().messageBox({QStringLiteral("Error"),
-                               QStringLiteral("This feature has not been enabled for this window."), MsgButtons::OK,
-                               MsgIcon::Exclamation, MsgAnswer::OK});
-        return;
-    }
-    formComplexSorting dialog(view_ ? view_->window() : nullptr);
-    for (const auto &column : columns) {
-        if (column.SortComplex() && !column.IsOrigTwin())
-            dialog.AddColumn(column.Key(), column.HeadingOneLine());
-    }
-    dialog.SetLayout(sortOrder_);
-    dialog.exec();
-    if (dialog.CloseAction() == formComplexSorting::Confirmed)
-        SetSort(dialog.Action());
+    if (const auto order = sorting_.askComplexOrder(view_ ? view_->window() : nullptr))
+        SetSort(*order);
 }
 
 void classGrid::SetSort(const GridSortOrder &order)
 {
     for (const auto &step : order)
         columnIndex(step.Key(), "SetSort");
-    sortOrder_ = order;
-    model_->sortRows(sortOrder_);
-    RefreshBalance();
+    sorting_.setOrder(order);
+    totals_.refreshBalance();
 }
 
 QString classGrid::SortLayoutName() const
 {
-    if (!sortLayoutName_.isEmpty() || !view_ || view_->objectName().isEmpty())
-        return sortLayoutName_;
-    const QString form = formName(view_);
-    return form.isEmpty() ? QString() : form + QLatin1Char('/') + view_->objectName();
+    return sortLayoutName_.isEmpty() ? sortLayoutNameOf(view_) : sortLayoutName_;
 }
 
 void classGrid::SaveSortDefault()
 {
-    defaultSort_ = sortOrder_;
-    if (const QString name = SortLayoutName(); !name.isEmpty())
-        QSettings().setValue(sortSettingsKey(name), sortOrderToText(sortOrder_));
+    sorting_.saveDefault(SortLayoutName());
 }
 
 void classGrid::ResetSort()
 {
-    const QString name = SortLayoutName();
-    const QVariant saved = name.isEmpty() ? QVariant() : QSettings().value(sortSettingsKey(name));
-    if (saved.isValid()) {
-        const GridSortOrder order = sortOrderFromText(saved.toString());
-        if (std::all_of(order.begin(), order.end(), [this](const auto &step) { return ColumnVerify(step.Key()); })) {
-            SetSort(order);
-            return;
-        }
-    }
-    SetSort(defaultSort_);
+    SetSort(sorting_.savedDefault(SortLayoutName()));
 }
 
 int classGrid::HeaderHeight() const
@@ -675,40 +579,28 @@ void classGrid::Balance(const QString &amountKey, const QString &balanceKey)
 {
     columnIndex(amountKey, "Balance");
     columnIndex(balanceKey, "Balance");
-    balanceAmountKey_ = amountKey;
-    balanceKey_ = balanceKey;
-    RefreshBalance();
+    totals_.setBalance(amountKey, balanceKey);
 }
 
 void classGrid::RefreshBalance()
 {
-    if (balanceKey_.isEmpty())
-        return;
-    const int amount = model_->columnOf(balanceAmountKey_);
-    const int balance = model_->columnOf(balanceKey_);
-    Currency running;
-    for (int row = 0; row < model_->rowCount(); ++row) {
-        running += model_->amount(row, amount).value_or(Currency());
-        model_->setCell(row, balance, running.toSqlText());
-    }
+    totals_.refreshBalance();
 }
 
 void classGrid::ShowTotals(bool on)
 {
-    totalsShown_ = on;
-    if (companion_)
-        companion_->setVisible(on);
-    syncCompanionWidths();
+    totals_.setShown(on);
+    syncTotals();
 }
 
 void classGrid::RefreshTotals()
 {
-    totals_->refresh();
+    totals_.refresh();
 }
 
 Currency classGrid::GetColumnTotal(const QString &key) const
 {
-    return model_->columnTotal(columnIndex(key, "GetColumnTotal"));
+    return totals_.total(columnIndex(key, "GetColumnTotal"));
 }
 
 void classGrid::setDirectEdit(bool on)
@@ -721,7 +613,7 @@ void classGrid::RefreshHScrollBar()
 {
     if (view_)
         view_->updateGeometry();
-    syncCompanionWidths();
+    syncTotals();
 }
 
 bool classGrid::Visible() const
@@ -733,8 +625,7 @@ void classGrid::setVisible(bool on)
 {
     if (view_)
         view_->setVisible(on);
-    if (companion_)
-        companion_->setVisible(on && totalsShown_);
+    totals_.followGrid(on);
 }
 
 bool classGrid::eventFilter(QObject *watched, QEvent *event)
@@ -791,11 +682,10 @@ int classGrid::rowIndex(int row, const char *member) const
 void classGrid::applyColumn(int column)
 {
     const classGridColumn &settings = model_->columns()[column];
-    for (QTableView *view : {view_.data(), companion_.data()}) {
-        if (!view)
-            continue;
-        view->setColumnHidden(column, settings.Hidden());
-        view->setColumnWidth(column, twipsToPixels(settings.WidthTwips()));
+    if (view_) {
+        view_->setColumnHidden(column, settings.Hidden());
+        view_->setColumnWidth(column, twipsToPixels(settings.WidthTwips()));
+        syncTotals();
     }
     model_->columnChanged(column);
 }
@@ -808,14 +698,10 @@ void classGrid::applyEditTriggers()
                                        : QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
 }
 
-void classGrid::syncCompanionWidths()
+void classGrid::syncTotals()
 {
-    if (!view_ || !companion_)
-        return;
-    for (int column = 0; column < model_->columnCount(); ++column) {
-        companion_->setColumnHidden(column, view_->isColumnHidden(column));
-        companion_->setColumnWidth(column, view_->columnWidth(column));
-    }
+    if (view_)
+        totals_.syncColumns(*view_);
 }
 
 void classGrid::onHeaderClicked(int section)

@@ -3,7 +3,9 @@
 #include "gridcolumn.h"
 #include "griddelegate.h"
 #include "gridmodel.h"
+#include "gridsorting.h"
 #include "gridsortlayout.h"
+#include "gridtotals.h"
 
 #include "currency.h"
 
@@ -17,7 +19,9 @@
 
 // The grid wrapper: a table view of rows addressed by 1-based index and
 // columns addressed by key, with a companion view underneath that shows the
-// totals. Wrong use throws WrapperError and changes nothing.
+// totals. It checks what the worker asks and leaves the work to the cells
+// (GridModel), the totals (GridTotals), the sort order (GridSorting) and the
+// export (exportGridCsv). Wrong use throws WrapperError and changes nothing.
 class classGrid : public QObject {
     Q_OBJECT
 public:
@@ -27,7 +31,7 @@ public:
     // Binds the wrapper to its views; the companion may be null.
     void Init(QTableView *grid, QTableView *companion);
     QTableView *view() const { return view_; }
-    QTableView *companionView() const { return companion_; }
+    QTableView *companionView() const { return totals_.companion(); }
     void SetVertScrollBar(bool always);
     void Reset();   // no columns, no rows, default settings
     void Refresh(); // repaint after many changes
@@ -118,8 +122,8 @@ public:
     int FirstselectedRow() const; // 0 when none
     QStringList GetSelectedByKey(const QString &key) const;
 
-    bool Sorting() const { return sorting_; }
-    void setSorting(bool on) { sorting_ = on; }
+    bool Sorting() const { return sorting_.enabled(); }
+    void setSorting(bool on) { sorting_.setEnabled(on); }
     void SortingDisable();
     void SortingRestore();
     void DoSortSimple(const QString &key);
@@ -127,8 +131,8 @@ public:
     // window." when no column is offered in it.
     void DoSortComplex();
     void SetSort(const GridSortOrder &order);
-    GridSortOrder GetSort() const { return sortOrder_; }
-    void ClearSort() { sortOrder_.clear(); }
+    GridSortOrder GetSort() const { return sorting_.order(); }
+    void ClearSort() { sorting_.clear(); }
     // The user's default order: SaveSortDefault keeps the current order under
     // SortLayoutName in the application's settings, so that ResetSort brings
     // it back in this run and the next. A saved order naming a column the
@@ -178,13 +182,13 @@ private:
     void applyRowHeight(int row); // 0-based
     void applyEditTriggers();
     void applyLines();
-    void syncCompanionWidths();
+    void syncTotals();
     void onHeaderClicked(int section);
 
     std::unique_ptr<GridModel> model_;
-    std::unique_ptr<GridTotalsModel> totals_;
+    GridTotals totals_{*model_};
+    GridSorting sorting_{*model_};
     QPointer<QTableView> view_;
-    QPointer<QTableView> companion_;
     QPointer<GridDelegate> delegate_;
     bool linesHorizontal_ = true;
     bool linesVertical_ = true;
@@ -192,13 +196,6 @@ private:
     int multiLineConstant_ = 1;
     QString multiLineColumnKey_;
     bool singleSelection_ = true;
-    bool sorting_ = true;
-    bool sortingBeforeDisable_ = true;
     bool directEdit_ = true;
-    bool totalsShown_ = false;
-    GridSortOrder sortOrder_;
-    GridSortOrder defaultSort_;
     QString sortLayoutName_;
-    QString balanceAmountKey_;
-    QString balanceKey_;
 };

@@ -19,6 +19,17 @@ QString checkText(const classGridColumn &column, const QVariant &value)
     return column.CheckValue(column.IsChecked(value.toString()));
 }
 
+bool sameValue(GridColumnType type, const QString &a, const QString &b)
+{
+    if (type == GridColumnType::Amount) {
+        const auto left = a.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(a);
+        const auto right = b.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(b);
+        if (left && right)
+            return *left == *right;
+    }
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
 } // namespace
 
 int GridModel::rowCount(const QModelIndex &parent) const
@@ -309,44 +320,14 @@ Currency GridModel::columnTotal(int column) const
     return sum;
 }
 
-GridTotalsModel::GridTotalsModel(GridModel &cells, QObject *parent) : QAbstractTableModel(parent), cells_(cells)
+bool GridModel::rowDiffersFromTwins(int row) const
 {
-    const auto update = [this] { refresh(); };
-    connect(&cells_, &QAbstractItemModel::dataChanged, this, update);
-    connect(&cells_, &QAbstractItemModel::rowsInserted, this, update);
-    connect(&cells_, &QAbstractItemModel::rowsRemoved, this, update);
-    connect(&cells_, &QAbstractItemModel::headerDataChanged, this, update);
-    // New columns change the shape; everything else only the figures.
-    connect(&cells_, &QAbstractItemModel::columnsAboutToBeInserted, this, [this] { beginResetModel(); });
-    connect(&cells_, &QAbstractItemModel::columnsInserted, this, [this] { endResetModel(); });
-    connect(&cells_, &QAbstractItemModel::modelAboutToBeReset, this, [this] { beginResetModel(); });
-    connect(&cells_, &QAbstractItemModel::modelReset, this, [this] { endResetModel(); });
-}
-
-int GridTotalsModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : 1;
-}
-
-int GridTotalsModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : cells_.columnCount();
-}
-
-QVariant GridTotalsModel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || index.column() >= cells_.columnCount())
-        return {};
-    const classGridColumn &column = cells_.columns()[index.column()];
-    if (role == Qt::TextAlignmentRole)
-        return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole || !column.Total())
-        return {};
-    return cells_.columnTotal(index.column()).toDisplayText();
-}
-
-void GridTotalsModel::refresh()
-{
-    if (columnCount() > 0)
-        emit dataChanged(index(0, 0), index(0, columnCount() - 1));
+    for (std::size_t twin = 0; twin < columns_.size(); ++twin) {
+        if (!columns_[twin].IsOrigTwin())
+            continue;
+        const int column = columnOf(columns_[twin].TwinOf());
+        if (!sameValue(columns_[twin].Type(), cell(row, column), cell(row, int(twin))))
+            return true;
+    }
+    return false;
 }

@@ -53,6 +53,9 @@ public:
     bool greenbar() const { return greenbar_; }
     void sortRows(const GridSortOrder &order);
     Currency columnTotal(int column) const;
+    // True when a twin column of the row holds another value than its column
+    // (text compared without regard to case, amounts by value).
+    bool rowDiffersFromTwins(int row) const;
 
 signals:
     // A user's edit (not a value set by code).
@@ -69,18 +72,4 @@ private:
     std::vector<classGridColumn> columns_;
     std::vector<Row> rows_;
     bool greenbar_ = false;
-};
-
-// The companion grid's single row: the totals of the columns marked Total.
-class GridTotalsModel : public QAbstractTableModel {
-    Q_OBJECT
-public:
-    explicit GridTotalsModel(GridModel &cells, QObject *parent = nullptr);
-    int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
-    QVariant data(const QModelIndex &index, int role) const override;
-    void refresh();
-
-private:
-    GridModel &cells_;
 };
