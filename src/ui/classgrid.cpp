@@ -1,13 +1,9 @@
 #include "classgrid.h"
 
-#include "griddelegate.h"
 #include "twips.h"
 #include "wrappererror.h"
 
-#include <QEvent>
 #include <QHeaderView>
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QTableView>
 
 #include <algorithm>
@@ -29,41 +25,30 @@ classGrid::classGrid(QObject *parent) : QObject(parent), model_(std::make_unique
             totals_.refreshBalance();
         emit cellChanged(row + 1, key);
     });
+    connect(&view_, &GridView::keyPressed, this, &classGrid::keyPressed);
+    connect(&view_, &GridView::leftDoubleClicked, this, &classGrid::leftDoubleClicked);
+    connect(&view_, &GridView::rightClicked, this, &classGrid::rightClicked);
+    connect(&view_, &GridView::visibilityChanged, this, &classGrid::visibilityChanged);
+    connect(&view_, &GridView::resized, this, &classGrid::resized);
+    connect(&view_, &GridView::columnResized, this, &classGrid::syncTotals);
+    connect(&view_, &GridView::headerClicked, this, [this](int column) {
+        if (column >= 0 && column < model_->columnCount())
+            DoSortSimple(model_->columns()[column].Key());
+    });
 }
 
-classGrid::~classGrid()
-{
-    // The view may outlive the wrapper; it must not keep our model.
-    if (view_)
-        view_->setModel(nullptr);
-}
+classGrid::~classGrid() = default;
 
 void classGrid::Init(QTableView *grid, QTableView *companion)
 {
-    view_ = grid;
-    view_->setModel(model_.get());
-    delegate_ = new GridDelegate(*model_, view_);
-    view_->setItemDelegate(delegate_);
-    view_->setShowGrid(false); // the delegate draws each kind of rule on its own
-    applyLines();
-    view_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    view_->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
-    view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 6);
-    view_->verticalHeader()->setVisible(false); // keeps the totals' columns under the grid's
-    view_->setWordWrap(false);
-    view_->installEventFilter(this);
-    view_->viewport()->installEventFilter(this);
-    connect(view_->horizontalHeader(), &QHeaderView::sectionClicked, this, &classGrid::onHeaderClicked);
-    connect(view_->horizontalHeader(), &QHeaderView::sectionResized, this, [this] { syncTotals(); });
-    totals_.bind(*view_, companion);
-    setSingleSelection(singleSelection_);
-    applyEditTriggers();
+    view_.bind(*grid);
+    totals_.bind(*grid, companion);
 }
 
 void classGrid::SetVertScrollBar(bool always)
 {
-    if (view_)
-        view_->setVerticalScrollBarPolicy(always ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
+    if (QTableView *view = view_.view())
+        view->setVerticalScrollBarPolicy(always ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
 }
 
 void classGrid::Reset()
@@ -80,8 +65,8 @@ void classGrid::Reset()
 
 void classGrid::Refresh()
 {
-    if (view_)
-        view_->viewport()->update();
+    if (QTableView *view = view_.view())
+        view->viewport()->update();
     RefreshTotals();
 }
 
@@ -112,45 +97,30 @@ void classGrid::RefreshGreenbar()
 
 void classGrid::setLinesHorizontal(bool on)
 {
-    linesHorizontal_ = on;
-    applyLines();
+    view_.setLines(on, view_.linesVertical());
 }
 
 void classGrid::setLinesVertical(bool on)
 {
-    linesVertical_ = on;
-    applyLines();
-}
-
-void classGrid::applyLines()
-{
-    if (!delegate_)
-        return;
-    delegate_->setLines(linesHorizontal_, linesVertical_);
-    view_->viewport()->update();
+    view_.setLines(view_.linesHorizontal(), on);
 }
 
 void classGrid::setMultiLineMode(bool on)
 {
     multiLine_ = on;
-    if (view_)
-        view_->setWordWrap(on);
+    view_.setWordWrap(on);
     RefreshMultiLine();
 }
 
 int classGrid::MultiLineValueConstant() const
 {
-    if (!multiLine_)
-        throw WrapperError(wrongModeError, source("MultiLineValueConstant.Get"),
-                           QStringLiteral("Wrong mode to use this property."));
+    requireMultiLine("MultiLineValueConstant.Get");
     return multiLineConstant_;
 }
 
 void classGrid::setMultiLineValueConstant(int lines)
 {
-    if (!multiLine_)
-        throw WrapperError(wrongModeError, source("MultiLineValueConstant.Let"),
-                           QStringLiteral("Wrong mode to use this property."));
+    requireMultiLine("MultiLineValueConstant.Let");
     multiLineConstant_ = std::max(1, lines);
     multiLineColumnKey_.clear();
     RefreshMultiLine();
@@ -158,17 +128,13 @@ void classGrid::setMultiLineValueConstant(int lines)
 
 QString classGrid::MultiLineValueColumnKey() const
 {
-    if (!multiLine_)
-        throw WrapperError(wrongModeError, source("MultiLineValueColumnKey.Get"),
-                           QStringLiteral("Wrong mode to use this property."));
+    requireMultiLine("MultiLineValueColumnKey.Get");
     return multiLineColumnKey_;
 }
 
 void classGrid::setMultiLineValueColumnKey(const QString &key)
 {
-    if (!multiLine_)
-        throw WrapperError(wrongModeError, source("MultiLineValueColumnKey.Let"),
-                           QStringLiteral("Wrong mode to use this property."));
+    requireMultiLine("MultiLineValueColumnKey.Let");
     columnIndex(key, "MultiLineValueColumnKey.Let");
     multiLineColumnKey_ = key;
     RefreshMultiLine();
@@ -182,21 +148,23 @@ void classGrid::RefreshMultiLine()
 
 void classGrid::applyRowHeight(int row)
 {
-    if (!view_)
-        return;
     int lines = 1;
     if (multiLine_) {
         const int column = multiLineColumnKey_.isEmpty() ? -1 : model_->columnOf(multiLineColumnKey_);
         lines = column >= 0 ? std::max(1, model_->cell(row, column).toInt()) : multiLineConstant_;
     }
-    view_->verticalHeader()->resizeSection(row, lines * view_->fontMetrics().lineSpacing() + 6);
+    view_.setRowLines(row, lines);
+}
+
+void classGrid::requireMultiLine(const char *member) const
+{
+    if (!multiLine_)
+        throw WrapperError(wrongModeError, source(member), QStringLiteral("Wrong mode to use this property."));
 }
 
 void classGrid::setSingleSelection(bool on)
 {
-    singleSelection_ = on;
-    if (view_)
-        view_->setSelectionMode(on ? QAbstractItemView::SingleSelection : QAbstractItemView::ExtendedSelection);
+    view_.setSingleSelection(on);
 }
 
 classGridColumn &classGrid::AddColumn(const QString &key, const QString &caption, const GridColumnOptions &options)
@@ -326,12 +294,7 @@ void classGrid::SetColumn(const QString &key)
     const int column = columnIndex(key, "SetColumn");
     if (model_->columns()[column].Hidden())
         throw WrapperError(invalidPropertyValueError, source("SetColumn"), invalidKeyText());
-    const int row = rowIndex(std::max(CurrentRow(), 1), "SetColumn");
-    if (!view_)
-        return;
-    const QModelIndex at = model_->index(row, column);
-    view_->setCurrentIndex(at);
-    view_->scrollTo(at);
+    view_.setCurrent(rowIndex(std::max(CurrentRow(), 1), "SetColumn"), column);
 }
 
 int classGrid::AddRow()
@@ -424,23 +387,19 @@ bool classGrid::RowChanged(int row) const
 
 int classGrid::CurrentRow() const
 {
-    if (!view_ || !view_->currentIndex().isValid())
-        return 0;
-    return view_->currentIndex().row() + 1;
+    return view_.currentRow() + 1;
 }
 
 QString classGrid::CurrentColumnName() const
 {
-    if (!view_ || !view_->currentIndex().isValid())
-        return {};
-    return model_->columns()[view_->currentIndex().column()].Key();
+    const int column = view_.currentColumn();
+    return column < 0 ? QString() : model_->columns()[column].Key();
 }
 
 QString classGrid::CurrentCellValue() const
 {
-    if (!view_ || !view_->currentIndex().isValid())
-        return {};
-    return model_->cell(view_->currentIndex().row(), view_->currentIndex().column());
+    const int row = view_.currentRow();
+    return row < 0 ? QString() : model_->cell(row, view_.currentColumn());
 }
 
 void classGrid::setCurrentCellValue(const QString &value)
@@ -469,53 +428,31 @@ void classGrid::setCurrentRowValue(const QString &key, const QString &value)
 
 void classGrid::SelectRow(int row)
 {
-    const int r = rowIndex(row, "SelectRow");
-    if (!view_)
-        return;
-    int column = 0;
-    while (column < model_->columnCount() && model_->columns()[column].Hidden())
-        ++column;
-    const QModelIndex at = model_->index(r, std::min(column, model_->columnCount() - 1));
-    view_->setCurrentIndex(at);
-    view_->selectionModel()->select(at, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    view_->scrollTo(at);
+    view_.selectRow(rowIndex(row, "SelectRow"));
 }
 
 void classGrid::ClearSelectedRow(int row)
 {
-    const int r = rowIndex(row, "ClearSelectedRow");
-    if (view_)
-        view_->selectionModel()->select(model_->index(r, 0), QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+    view_.deselectRow(rowIndex(row, "ClearSelectedRow"));
 }
 
 void classGrid::ClearSelectedRows()
 {
-    if (view_)
-        view_->clearSelection();
+    view_.clearSelection();
 }
 
 int classGrid::FirstselectedRow() const
 {
-    if (!view_)
-        return 0;
-    const QModelIndexList rows = view_->selectionModel()->selectedRows();
-    if (rows.isEmpty())
-        return 0;
-    const auto first = std::min_element(rows.begin(), rows.end(),
-                                        [](const QModelIndex &a, const QModelIndex &b) { return a.row() < b.row(); });
-    return first->row() + 1;
+    const std::vector<int> rows = view_.selectedRows();
+    return rows.empty() ? 0 : rows.front() + 1;
 }
 
 QStringList classGrid::GetSelectedByKey(const QString &key) const
 {
     const int column = columnIndex(key, "GetSelectedByKey");
     QStringList values;
-    if (!view_)
-        return values;
-    QModelIndexList rows = view_->selectionModel()->selectedRows();
-    std::sort(rows.begin(), rows.end(), [](const QModelIndex &a, const QModelIndex &b) { return a.row() < b.row(); });
-    for (const QModelIndex &row : rows)
-        values << model_->cell(row.row(), column);
+    for (const int row : view_.selectedRows())
+        values << model_->cell(row, column);
     return values;
 }
 
@@ -537,7 +474,7 @@ void classGrid::DoSortSimple(const QString &key)
 
 void classGrid::DoSortComplex()
 {
-    if (const auto order = sorting_.askComplexOrder(view_ ? view_->window() : nullptr))
+    if (const auto order = sorting_.askComplexOrder(view_.view() ? view_.view()->window() : nullptr))
         SetSort(*order);
 }
 
@@ -551,7 +488,7 @@ void classGrid::SetSort(const GridSortOrder &order)
 
 QString classGrid::SortLayoutName() const
 {
-    return sortLayoutName_.isEmpty() ? sortLayoutNameOf(view_) : sortLayoutName_;
+    return sortLayoutName_.isEmpty() ? sortLayoutNameOf(view_.view()) : sortLayoutName_;
 }
 
 void classGrid::SaveSortDefault()
@@ -566,13 +503,13 @@ void classGrid::ResetSort()
 
 int classGrid::HeaderHeight() const
 {
-    return view_ ? pixelsToTwips(view_->horizontalHeader()->height()) : 0;
+    return view_.view() ? pixelsToTwips(view_.view()->horizontalHeader()->height()) : 0;
 }
 
 void classGrid::setHeaderHeight(int twips)
 {
-    if (view_)
-        view_->horizontalHeader()->setFixedHeight(twipsToPixels(twips));
+    if (QTableView *view = view_.view())
+        view->horizontalHeader()->setFixedHeight(twipsToPixels(twips));
 }
 
 void classGrid::Balance(const QString &amountKey, const QString &balanceKey)
@@ -605,63 +542,26 @@ Currency classGrid::GetColumnTotal(const QString &key) const
 
 void classGrid::setDirectEdit(bool on)
 {
-    directEdit_ = on;
-    applyEditTriggers();
+    view_.setDirectEdit(on);
 }
 
 void classGrid::RefreshHScrollBar()
 {
-    if (view_)
-        view_->updateGeometry();
+    if (QTableView *view = view_.view())
+        view->updateGeometry();
     syncTotals();
 }
 
 bool classGrid::Visible() const
 {
-    return view_ && !view_->isHidden();
+    return view_.view() && !view_.view()->isHidden();
 }
 
 void classGrid::setVisible(bool on)
 {
-    if (view_)
-        view_->setVisible(on);
+    if (QTableView *view = view_.view())
+        view->setVisible(on);
     totals_.followGrid(on);
-}
-
-bool classGrid::eventFilter(QObject *watched, QEvent *event)
-{
-    if (!view_)
-        return false;
-    if (watched == view_) {
-        switch (event->type()) {
-        case QEvent::KeyPress: {
-            const auto *key = static_cast<QKeyEvent *>(event);
-            emit keyPressed(key->text().isEmpty() ? key->key() : key->text().at(0).unicode());
-            break;
-        }
-        case QEvent::Show:
-        case QEvent::Hide:
-            emit visibilityChanged();
-            break;
-        case QEvent::Resize:
-            emit resized();
-            break;
-        default:
-            break;
-        }
-    } else if (watched == view_->viewport()) {
-        if (event->type() == QEvent::MouseButtonDblClick &&
-            static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
-            emit leftDoubleClicked();
-        } else if (event->type() == QEvent::MouseButtonPress &&
-                   static_cast<QMouseEvent *>(event)->button() == Qt::RightButton) {
-            const QModelIndex at = view_->indexAt(static_cast<QMouseEvent *>(event)->position().toPoint());
-            if (at.isValid())
-                view_->setCurrentIndex(at);
-            emit rightClicked();
-        }
-    }
-    return false;
 }
 
 int classGrid::columnIndex(const QString &key, const char *member) const
@@ -681,31 +581,13 @@ int classGrid::rowIndex(int row, const char *member) const
 
 void classGrid::applyColumn(int column)
 {
-    const classGridColumn &settings = model_->columns()[column];
-    if (view_) {
-        view_->setColumnHidden(column, settings.Hidden());
-        view_->setColumnWidth(column, twipsToPixels(settings.WidthTwips()));
-        syncTotals();
-    }
+    view_.applyColumn(column);
+    syncTotals();
     model_->columnChanged(column);
-}
-
-void classGrid::applyEditTriggers()
-{
-    if (!view_)
-        return;
-    view_->setEditTriggers(directEdit_ ? QAbstractItemView::AllEditTriggers
-                                       : QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
 }
 
 void classGrid::syncTotals()
 {
-    if (view_)
-        totals_.syncColumns(*view_);
-}
-
-void classGrid::onHeaderClicked(int section)
-{
-    if (section >= 0 && section < model_->columnCount())
-        DoSortSimple(model_->columns()[section].Key());
+    if (QTableView *view = view_.view())
+        totals_.syncColumns(*view);
 }

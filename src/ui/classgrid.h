@@ -1,27 +1,25 @@
 #pragma once
 
 #include "gridcolumn.h"
-#include "griddelegate.h"
 #include "gridmodel.h"
 #include "gridsorting.h"
 #include "gridsortlayout.h"
 #include "gridtotals.h"
+#include "gridview.h"
 
 #include "currency.h"
 
 #include <QObject>
-#include <QPointer>
 #include <QStringList>
+#include <QTableView>
 
 #include <memory>
-
-#include <QTableView>
 
 // The grid wrapper: a table view of rows addressed by 1-based index and
 // columns addressed by key, with a companion view underneath that shows the
 // totals. It checks what the worker asks and leaves the work to the cells
-// (GridModel), the totals (GridTotals), the sort order (GridSorting) and the
-// export (exportGridCsv). Wrong use throws WrapperError and changes nothing.
+// (GridModel), the view (GridView), the totals (GridTotals), the sort order
+// (GridSorting) and the export (exportGridCsv). Wrong use throws WrapperError and changes nothing.
 class classGrid : public QObject {
     Q_OBJECT
 public:
@@ -30,7 +28,7 @@ public:
 
     // Binds the wrapper to its views; the companion may be null.
     void Init(QTableView *grid, QTableView *companion);
-    QTableView *view() const { return view_; }
+    QTableView *view() const { return view_.view(); }
     QTableView *companionView() const { return totals_.companion(); }
     void SetVertScrollBar(bool always);
     void Reset();   // no columns, no rows, default settings
@@ -41,9 +39,9 @@ public:
     bool Greenbar() const;
     void setGreenbar(bool on);
     void RefreshGreenbar();
-    bool LinesHorizontal() const { return linesHorizontal_; }
+    bool LinesHorizontal() const { return view_.linesHorizontal(); }
     void setLinesHorizontal(bool on);
-    bool LinesVertical() const { return linesVertical_; }
+    bool LinesVertical() const { return view_.linesVertical(); }
     void setLinesVertical(bool on);
 
     // Multi-line mode: rows grow to show several lines, either a constant
@@ -56,7 +54,7 @@ public:
     void setMultiLineValueColumnKey(const QString &key);
     void RefreshMultiLine();
 
-    bool SingleSelection() const { return singleSelection_; }
+    bool SingleSelection() const { return view_.singleSelection(); }
     void setSingleSelection(bool on);
 
     classGridColumn &AddColumn(const QString &key, const QString &caption, const GridColumnOptions &options = {});
@@ -157,7 +155,7 @@ public:
     Currency GetColumnTotal(const QString &key) const;
 
     // On: typing starts editing the current cell; off: a double click or F2.
-    bool DirectEdit() const { return directEdit_; }
+    bool DirectEdit() const { return view_.directEdit(); }
     void setDirectEdit(bool on);
     void RefreshHScrollBar();
 
@@ -172,30 +170,20 @@ signals:
     void visibilityChanged();
     void resized();
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
     int columnIndex(const QString &key, const char *member) const;
     int rowIndex(int row, const char *member) const;
+    void requireMultiLine(const char *member) const;
     void applyColumn(int column);
     void applyRowHeight(int row); // 0-based
-    void applyEditTriggers();
-    void applyLines();
     void syncTotals();
-    void onHeaderClicked(int section);
 
     std::unique_ptr<GridModel> model_;
     GridTotals totals_{*model_};
     GridSorting sorting_{*model_};
-    QPointer<QTableView> view_;
-    QPointer<GridDelegate> delegate_;
-    bool linesHorizontal_ = true;
-    bool linesVertical_ = true;
+    GridView view_{*model_};
     bool multiLine_ = false;
     int multiLineConstant_ = 1;
     QString multiLineColumnKey_;
-    bool singleSelection_ = true;
-    bool directEdit_ = true;
     QString sortLayoutName_;
 };
