@@ -260,10 +260,9 @@ void mdiChild::DoExport()
 void mdiChild::Unload()
 {
     unloading_ = true;
-    // Asked from the worker's answer to a close the user began, the window is
-    // closing already and only has to agree.
-    if (!askingWorker_)
-        closeWindow();
+    // From the worker's answer to a close the user began, this close does
+    // nothing (Qt ignores a close of a closing window) and that close goes on.
+    closeWindow();
 }
 
 void mdiChild::closeWindow()
@@ -278,9 +277,7 @@ void mdiChild::closeWindow()
 void mdiChild::closeEvent(QCloseEvent *event)
 {
     if (!unloading_ && !closeCommand_.isEmpty()) {
-        askingWorker_ = true;
         emit Command(closeCommand_);
-        askingWorker_ = false;
         if (!unloading_) {
             event->ignore();
             return;

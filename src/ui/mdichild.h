@@ -101,5 +101,4 @@ private:
     int gridKeyAscii_ = 0;
     QString closeCommand_;
     bool unloading_ = false;
-    bool askingWorker_ = false; // the close command is being handled
 };
