@@ -333,8 +333,10 @@ TEST_F(GridTest, BalanceAndGreenbarFollowTheRows)
     addRow("C", "1");
     grid.Balance("Amount", "Balance");
     EXPECT_EQ(column("Balance"), QStringList({"10", "7.5", "8.5"}));
-    grid.DeleteRow(1);
-    EXPECT_EQ(column("Balance"), QStringList({"-2.5", "-1.5"}));
+    grid.SetSort({classGridSortLayout("Fund", false)});
+    EXPECT_EQ(column("Balance"), QStringList({"1", "-1.5", "8.5"}));
+    grid.DeleteRow(3);
+    EXPECT_EQ(column("Balance"), QStringList({"1", "-1.5"}));
 
     grid.setGreenbar(true);
     EXPECT_FALSE(view.model()->index(0, 0).data(Qt::BackgroundRole).isValid());
@@ -354,6 +356,37 @@ TEST_F(GridTest, SelectionAndLookupByKey)
     EXPECT_EQ(grid.GetValueUsingKey("Fund", "Z", "Amount"), "");
     grid.ClearSelectedRows();
     EXPECT_EQ(grid.FirstselectedRow(), 0);
+
+    // Several rows come back in row order, whatever order they were picked in.
+    addRow("C", "3");
+    grid.setSingleSelection(false);
+    for (const int row : {3, 1})
+        view.selectionModel()->select(view.model()->index(row - 1, 0),
+                                      QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    EXPECT_EQ(grid.GetSelectedByKey("Fund"), QStringList({"A", "C"}));
+    EXPECT_EQ(grid.FirstselectedRow(), 1);
+    grid.ClearSelectedRow(1);
+    EXPECT_EQ(grid.GetSelectedByKey("Fund"), QStringList({"C"}));
+}
+
+TEST_F(GridTest, TheTotalsRowAddsUpMarkedColumnsAndIsSeenOnlyWhenAskedFor)
+{
+    addRow("A", "10.25");
+    addRow("B", "-2");
+    const QAbstractItemModel &row = *totals.model();
+    EXPECT_EQ(row.index(0, 1).data().toString(), "8.25");
+    EXPECT_FALSE(row.index(0, 0).data().isValid()); // Fund carries no total
+    EXPECT_EQ(grid.GetColumnTotal("Amount").toSqlText(), "8.25");
+    EXPECT_TRUE(totals.isColumnHidden(2)); // under the hidden twin
+
+    grid.setVisible(true);
+    EXPECT_TRUE(totals.isHidden());
+    grid.ShowTotals(true);
+    EXPECT_FALSE(totals.isHidden());
+    grid.setVisible(false);
+    EXPECT_TRUE(totals.isHidden());
+    grid.setVisible(true);
+    EXPECT_FALSE(totals.isHidden());
 }
 
 } // namespace

@@ -240,6 +240,11 @@ TEST_F(ExplorerTest, OneClickOnANodeIsOneClick)
     clickAt(tree.viewport(), centreOf("Folder 2"));
     EXPECT_EQ(clicks, 3);
     EXPECT_EQ(explorer.SelectedNode(), "F2");
+
+    explorer.setSelectedNode("G1"); // moved to by code or by the keyboard
+    EXPECT_EQ(clicks, 4);
+    clickAt(tree.viewport(), centreOf("Other"));
+    EXPECT_EQ(clicks, 5);
 }
 
 } // namespace
