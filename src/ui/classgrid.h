@@ -89,7 +89,7 @@ public:
     void DeleteRow(int row);
     void ResetRows(int count = 0);
 
-    // Plain value: amounts as "1234.5", check cells "1"/"0".
+    // Plain value: amounts as "1234.5", check cells their checked or unchecked value.
     QString GetItemValue(int row, const QString &key) const;
     QString CellValue(int row, const QString &key) const { return GetItemValue(row, key); }
     // As shown: amounts as "1,234.50".
