@@ -1,3 +1,4 @@
+#include "budgetapplication.h"
 #include "budgetdbconfig.h"
 #include "mainwindowload.h"
 #include "mdiparent.h"
@@ -15,7 +16,7 @@ int main(int argc, char *argv[])
 {
     QElapsedTimer sinceStart;
     sinceStart.start();
-    QApplication app(argc, argv);
+    BudgetApplication app(argc, argv);
     // Saved grid layouts and other per-user settings are kept under these names.
     QApplication::setOrganizationName(QStringLiteral("Kora-Budget"));
     QApplication::setApplicationName(QStringLiteral("Kora-Budget"));
@@ -35,8 +36,9 @@ int main(int argc, char *argv[])
     StartupSettings settings;
     settings.commandLine = arguments.commandLine;
     settings.config = *config;
-    settings.errorDialogLoaded = [](formErrorDialog &dialog) {
+    settings.errorDialogLoaded = [&app](formErrorDialog &dialog) {
         setMessageService(std::make_unique<WidgetMessages>(&dialog));
+        app.setErrorLog(dialog.ErrorLog());
     };
     if (!load.Load(settings))
         return 1;

@@ -166,6 +166,16 @@ void classDialog::CloseDialog()
     done(QDialog::Accepted);
 }
 
+void classDialog::reject()
+{
+    if (closeActionName_.isEmpty()) {
+        closeAction_ = Cancelled;
+        QDialog::reject();
+        return;
+    }
+    userAction(closeActionName_);
+}
+
 void classDialog::raiseEvent(const char *event)
 {
     emit eventRaised(QLatin1String(event));

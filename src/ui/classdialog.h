@@ -50,6 +50,12 @@ public:
     bool Save();
     // Closes without saving (a worker's "cmdClose").
     void CloseDialog();
+    // The control whose action closes the dialog (a worker's own Close
+    // button): Escape and the close box raise its UserAction, and the worker
+    // decides whether to CloseDialog. Without one they cancel.
+    void SetCloseAction(const QString &name) { closeActionName_ = name; }
+    // Escape, the close box and Cancel.
+    void reject() override;
     // LoadData and LockControls again, after the worker changed its data.
     void Reload();
 
@@ -65,6 +71,7 @@ private:
     DialogWorker &worker_;
     int mode_ = 1;
     int closeAction_ = Cancelled;
+    QString closeActionName_;
     bool built_ = false;
     QWidget *canvas_;
     QVBoxLayout *topSlot_;

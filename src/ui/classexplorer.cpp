@@ -46,11 +46,19 @@ void classExplorer::Init(QTreeWidget *tree, QLabel *caption)
     tree_->setContextMenuPolicy(Qt::DefaultContextMenu);
     tree_->installEventFilter(this);
     tree_->viewport()->installEventFilter(this);
-    connect(tree_, &QTreeWidget::itemClicked, this, [this] { emit nodeClicked(); });
+    // A click on another node changes the current one on the press and is
+    // clicked on the release: announce it once. A click on the current node
+    // (to open it again) only clicks.
     connect(tree_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *current) {
         updateCaption();
+        changedSincePress_ = current != nullptr;
         if (current)
             emit nodeClicked();
+    });
+    connect(tree_, &QTreeWidget::itemClicked, this, [this] {
+        if (!changedSincePress_)
+            emit nodeClicked();
+        changedSincePress_ = false;
     });
     updateCaption();
     setEnableDragDrop(dragDrop_);
@@ -206,6 +214,8 @@ bool classExplorer::eventFilter(QObject *watched, QEvent *event)
 {
     if (!tree_)
         return false;
+    if (watched == tree_->viewport() && event->type() == QEvent::MouseButtonPress)
+        changedSincePress_ = false;
     if (watched == tree_->viewport() && event->type() == QEvent::Drop) {
         auto *drop = static_cast<QDropEvent *>(event);
         const QTreeWidgetItem *target = tree_->itemAt(drop->position().toPoint());

@@ -87,4 +87,5 @@ private:
     bool dragging_ = false;
     QString newParent_;
     bool dragSuccessful_ = false;
+    bool changedSincePress_ = false; // the press of the click under way made a node current
 };

@@ -1,19 +1,9 @@
 #include "classgrid.h"
 
-#include "formcomplexsorting.h"
-#include "griddelegate.h"
 #include "twips.h"
 #include "wrappererror.h"
 
-#include "messageservice.h"
-
-#include <QEvent>
 #include <QHeaderView>
-#include <QKeyEvent>
-#include <QMdiSubWindow>
-#include <QMouseEvent>
-#include <QScrollBar>
-#include <QSettings>
 #include <QTableView>
 
 #include <algorithm>
@@ -25,103 +15,47 @@ QString source(const char *member)
     return QStringLiteral("classGrid.") + QLatin1String(member);
 }
 
-QString sortSettingsKey(const QString &layoutName)
-{
-    return QStringLiteral("SortLayouts/") + layoutName;
-}
-
-// The name of the form a widget sits on: the window, or the widget an MDI
-// sub-window holds (its window is the frame, shared by every child).
-QString formName(const QWidget *widget)
-{
-    for (; widget; widget = widget->parentWidget()) {
-        if (widget->isWindow() || qobject_cast<const QMdiSubWindow *>(widget->parentWidget()))
-            return widget->objectName().isEmpty() ? widget->windowTitle() : widget->objectName();
-    }
-    return {};
-}
-
-bool sameValue(GridColumnType type, const QString &a, const QString &b)
-{
-    if (type == GridColumnType::Amount) {
-        const auto left = a.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(a);
-        const auto right = b.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(b);
-        if (left && right)
-            return *left == *right;
-    }
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
 } // namespace
 
-classGrid::classGrid(QObject *parent)
-    : QObject(parent), model_(std::make_unique<GridModel>()), totals_(std::make_unique<GridTotalsModel>(*model_))
+classGrid::classGrid(QObject *parent) : QObject(parent), model_(std::make_unique<GridModel>())
 {
     connect(model_.get(), &GridModel::cellEdited, this, [this](int row, int column) {
-        if (!balanceKey_.isEmpty() && model_->columns()[column].Key() == balanceAmountKey_)
-            RefreshBalance();
-        emit cellChanged(row + 1, model_->columns()[column].Key());
+        const QString key = model_->columns()[column].Key();
+        if (totals_.feedsBalance(key))
+            totals_.refreshBalance();
+        emit cellChanged(row + 1, key);
+    });
+    connect(&view_, &GridView::keyPressed, this, &classGrid::keyPressed);
+    connect(&view_, &GridView::leftDoubleClicked, this, &classGrid::leftDoubleClicked);
+    connect(&view_, &GridView::rightClicked, this, &classGrid::rightClicked);
+    connect(&view_, &GridView::visibilityChanged, this, &classGrid::visibilityChanged);
+    connect(&view_, &GridView::resized, this, &classGrid::resized);
+    connect(&view_, &GridView::columnResized, this, &classGrid::syncTotals);
+    connect(&view_, &GridView::headerClicked, this, [this](int column) {
+        if (column >= 0 && column < model_->columnCount())
+            DoSortSimple(model_->columns()[column].Key());
     });
 }
 
-classGrid::~classGrid()
-{
-    // The views may outlive the wrapper; they must not keep our models.
-    if (view_)
-        view_->setModel(nullptr);
-    if (companion_)
-        companion_->setModel(nullptr);
-}
+classGrid::~classGrid() = default;
 
 void classGrid::Init(QTableView *grid, QTableView *companion)
 {
-    view_ = grid;
-    companion_ = companion;
-    view_->setModel(model_.get());
-    delegate_ = new GridDelegate(*model_, view_);
-    view_->setItemDelegate(delegate_);
-    view_->setShowGrid(false); // the delegate draws each kind of rule on its own
-    applyLines();
-    view_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    view_->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
-    view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 6);
-    view_->verticalHeader()->setVisible(false); // keeps the totals' columns under the grid's
-    view_->setWordWrap(false);
-    view_->installEventFilter(this);
-    view_->viewport()->installEventFilter(this);
-    connect(view_->horizontalHeader(), &QHeaderView::sectionClicked, this, &classGrid::onHeaderClicked);
-    connect(view_->horizontalHeader(), &QHeaderView::sectionResized, this, [this] { syncCompanionWidths(); });
-    if (companion_) {
-        companion_->setModel(totals_.get());
-        companion_->horizontalHeader()->hide();
-        companion_->verticalHeader()->setVisible(false);
-        companion_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        companion_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        companion_->setSelectionMode(QAbstractItemView::NoSelection);
-        companion_->setFocusPolicy(Qt::NoFocus);
-        companion_->setFixedHeight(view_->verticalHeader()->defaultSectionSize() + 2 * companion_->frameWidth());
-        companion_->setVisible(totalsShown_);
-        // The totals scroll sideways with the grid above them.
-        connect(view_->horizontalScrollBar(), &QScrollBar::valueChanged, companion_->horizontalScrollBar(),
-                &QScrollBar::setValue);
-    }
-    setSingleSelection(singleSelection_);
-    applyEditTriggers();
+    view_.bind(*grid);
+    totals_.bind(*grid, companion);
 }
 
 void classGrid::SetVertScrollBar(bool always)
 {
-    if (view_)
-        view_->setVerticalScrollBarPolicy(always ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
+    if (QTableView *view = view_.view())
+        view->setVerticalScrollBarPolicy(always ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
 }
 
 void classGrid::Reset()
 {
     model_->clearAll();
-    sortOrder_.clear();
-    defaultSort_.clear();
-    balanceAmountKey_.clear();
-    balanceKey_.clear();
+    sorting_.reset();
+    totals_.clearBalance();
     multiLine_ = false;
     multiLineConstant_ = 1;
     multiLineColumnKey_.clear();
@@ -131,8 +65,8 @@ void classGrid::Reset()
 
 void classGrid::Refresh()
 {
-    if (view_)
-        view_->viewport()->update();
+    if (QTableView *view = view_.view())
+        view->viewport()->update();
     RefreshTotals();
 }
 
@@ -163,45 +97,30 @@ void classGrid::RefreshGreenbar()
 
 void classGrid::setLinesHorizontal(bool on)
 {
-    linesHorizontal_ = on;
-    applyLines();
+    view_.setLines(on, view_.linesVertical());
 }
 
 void classGrid::setLinesVertical(bool on)
 {
-    linesVertical_ = on;
-    applyLines();
-}
-
-void classGrid::applyLines()
-{
-    if (!delegate_)
-        return;
-    delegate_->setLines(linesHorizontal_, linesVertical_);
-    view_->viewport()->update();
+    view_.setLines(view_.linesHorizontal(), on);
 }
 
 void classGrid::setMultiLineMode(bool on)
 {
     multiLine_ = on;
-    if (view_)
-        view_->setWordWrap(on);
+    view_.setWordWrap(on);
     RefreshMultiLine();
 }
 
 int classGrid::MultiLineValueConstant() const
 {
-    if (!multiLine_)
-        throw WrapperError(wrongModeError, source("MultiLineValueConstant.Get"),
-                           QStringLiteral("Wrong mode to use this property."));
+    requireMultiLine("MultiLineValueConstant.Get");
     return multiLineConstant_;
 }
 
 void classGrid::setMultiLineValueConstant(int lines)
 {
-    if (!multiLine_)
-        throw WrapperError(wrongModeError, source("MultiLineValueConstant.Let"),
-                           QStringLiteral("Wrong mode to use this property."));
+    requireMultiLine("MultiLineValueConstant.Let");
     multiLineConstant_ = std::max(1, lines);
     multiLineColumnKey_.clear();
     RefreshMultiLine();
@@ -209,17 +128,13 @@ void classGrid::setMultiLineValueConstant(int lines)
 
 QString classGrid::MultiLineValueColumnKey() const
 {
-    if (!multiLine_)
-        throw WrapperError(wrongModeError, source("MultiLineValueColumnKey.Get"),
-                           QStringLiteral("Wrong mode to use this property."));
+    requireMultiLine("MultiLineValueColumnKey.Get");
     return multiLineColumnKey_;
 }
 
 void classGrid::setMultiLineValueColumnKey(const QString &key)
 {
-    if (!multiLine_)
-        throw WrapperError(wrongModeError, source("MultiLineValueColumnKey.Let"),
-                           QStringLiteral("Wrong mode to use this property."));
+    requireMultiLine("MultiLineValueColumnKey.Let");
     columnIndex(key, "MultiLineValueColumnKey.Let");
     multiLineColumnKey_ = key;
     RefreshMultiLine();
@@ -233,21 +148,23 @@ void classGrid::RefreshMultiLine()
 
 void classGrid::applyRowHeight(int row)
 {
-    if (!view_)
-        return;
     int lines = 1;
     if (multiLine_) {
         const int column = multiLineColumnKey_.isEmpty() ? -1 : model_->columnOf(multiLineColumnKey_);
         lines = column >= 0 ? std::max(1, model_->cell(row, column).toInt()) : multiLineConstant_;
     }
-    view_->verticalHeader()->resizeSection(row, lines * view_->fontMetrics().lineSpacing() + 6);
+    view_.setRowLines(row, lines);
+}
+
+void classGrid::requireMultiLine(const char *member) const
+{
+    if (!multiLine_)
+        throw WrapperError(wrongModeError, source(member), QStringLiteral("Wrong mode to use this property."));
 }
 
 void classGrid::setSingleSelection(bool on)
 {
-    singleSelection_ = on;
-    if (view_)
-        view_->setSelectionMode(on ? QAbstractItemView::SingleSelection : QAbstractItemView::ExtendedSelection);
+    view_.setSingleSelection(on);
 }
 
 classGridColumn &classGrid::AddColumn(const QString &key, const QString &caption, const GridColumnOptions &options)
@@ -256,10 +173,24 @@ classGridColumn &classGrid::AddColumn(const QString &key, const QString &caption
         throw WrapperError(invalidPropertyValueError, source("AddColumn"), invalidKeyText());
     if (model_->columnOf(key) >= 0)
         throw WrapperError(duplicateKeyError, source("AddColumn"), duplicateKeyText());
+    if (!options.twinOf.isEmpty())
+        columnIndex(options.twinOf, "AddColumn");
     model_->addColumn(classGridColumn(key, caption, options));
     const int column = model_->columnCount() - 1;
     applyColumn(column);
     return model_->columns()[column];
+}
+
+classGridColumn &classGrid::AddTwinColumn(const QString &key)
+{
+    const classGridColumn &column = model_->columns()[columnIndex(key, "AddTwinColumn")];
+    GridColumnOptions options;
+    options.type = column.Type();
+    options.sortSimple = false;
+    options.checkedValue = column.CheckValue(true);
+    options.uncheckedValue = column.CheckValue(false);
+    options.twinOf = key;
+    return AddColumn(QStringLiteral("Orig") + key, QString(), options);
 }
 
 const classGridColumn &classGrid::Column(const QString &key) const
@@ -363,12 +294,7 @@ void classGrid::SetColumn(const QString &key)
     const int column = columnIndex(key, "SetColumn");
     if (model_->columns()[column].Hidden())
         throw WrapperError(invalidPropertyValueError, source("SetColumn"), invalidKeyText());
-    const int row = rowIndex(std::max(CurrentRow(), 1), "SetColumn");
-    if (!view_)
-        return;
-    const QModelIndex at = model_->index(row, column);
-    view_->setCurrentIndex(at);
-    view_->scrollTo(at);
+    view_.setCurrent(rowIndex(std::max(CurrentRow(), 1), "SetColumn"), column);
 }
 
 int classGrid::AddRow()
@@ -417,8 +343,8 @@ void classGrid::SetCell(int row, const QString &key, const QString &value)
     const int column = columnIndex(key, "SetCell");
     if (!model_->setCell(r, column, value))
         throw WrapperError(13, source("SetCell"), QStringLiteral("Type mismatch"));
-    if (key == balanceAmountKey_)
-        RefreshBalance();
+    if (totals_.feedsBalance(key))
+        totals_.refreshBalance();
 }
 
 void classGrid::SetCell(int row, const QString &key, Currency amount)
@@ -456,37 +382,24 @@ QString classGrid::GetValueUsingKey(const QString &searchKey, const QString &val
 
 bool classGrid::RowChanged(int row) const
 {
-    const int r = rowIndex(row, "RowChanged");
-    const auto &columns = model_->columns();
-    for (std::size_t c = 0; c < columns.size(); ++c) {
-        if (columns[c].IsOrigTwin())
-            continue;
-        const int twin = model_->columnOf(QStringLiteral("Orig") + columns[c].Key());
-        if (twin >= 0 && !sameValue(columns[c].Type(), model_->cell(r, int(c)), model_->cell(r, twin)))
-            return true;
-    }
-    return false;
+    return model_->rowDiffersFromTwins(rowIndex(row, "RowChanged"));
 }
 
 int classGrid::CurrentRow() const
 {
-    if (!view_ || !view_->currentIndex().isValid())
-        return 0;
-    return view_->currentIndex().row() + 1;
+    return view_.currentRow() + 1;
 }
 
 QString classGrid::CurrentColumnName() const
 {
-    if (!view_ || !view_->currentIndex().isValid())
-        return {};
-    return model_->columns()[view_->currentIndex().column()].Key();
+    const int column = view_.currentColumn();
+    return column < 0 ? QString() : model_->columns()[column].Key();
 }
 
 QString classGrid::CurrentCellValue() const
 {
-    if (!view_ || !view_->currentIndex().isValid())
-        return {};
-    return model_->cell(view_->currentIndex().row(), view_->currentIndex().column());
+    const int row = view_.currentRow();
+    return row < 0 ? QString() : model_->cell(row, view_.currentColumn());
 }
 
 void classGrid::setCurrentCellValue(const QString &value)
@@ -515,248 +428,140 @@ void classGrid::setCurrentRowValue(const QString &key, const QString &value)
 
 void classGrid::SelectRow(int row)
 {
-    const int r = rowIndex(row, "SelectRow");
-    if (!view_)
-        return;
-    int column = 0;
-    while (column < model_->columnCount() && model_->columns()[column].Hidden())
-        ++column;
-    const QModelIndex at = model_->index(r, std::min(column, model_->columnCount() - 1));
-    view_->setCurrentIndex(at);
-    view_->selectionModel()->select(at, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    view_->scrollTo(at);
+    view_.selectRow(rowIndex(row, "SelectRow"));
 }
 
 void classGrid::ClearSelectedRow(int row)
 {
-    const int r = rowIndex(row, "ClearSelectedRow");
-    if (view_)
-        view_->selectionModel()->select(model_->index(r, 0), QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+    view_.deselectRow(rowIndex(row, "ClearSelectedRow"));
 }
 
 void classGrid::ClearSelectedRows()
 {
-    if (view_)
-        view_->clearSelection();
+    view_.clearSelection();
 }
 
 int classGrid::FirstselectedRow() const
 {
-    if (!view_)
-        return 0;
-    const QModelIndexList rows = view_->selectionModel()->selectedRows();
-    if (rows.isEmpty())
-        return 0;
-    const auto first = std::min_element(rows.begin(), rows.end(),
-                                        [](const QModelIndex &a, const QModelIndex &b) { return a.row() < b.row(); });
-    return first->row() + 1;
+    const std::vector<int> rows = view_.selectedRows();
+    return rows.empty() ? 0 : rows.front() + 1;
 }
 
 QStringList classGrid::GetSelectedByKey(const QString &key) const
 {
     const int column = columnIndex(key, "GetSelectedByKey");
     QStringList values;
-    if (!view_)
-        return values;
-    QModelIndexList rows = view_->selectionModel()->selectedRows();
-    std::sort(rows.begin(), rows.end(), [](const QModelIndex &a, const QModelIndex &b) { return a.row() < b.row(); });
-    for (const QModelIndex &row : rows)
-        values << model_->cell(row.row(), column);
+    for (const int row : view_.selectedRows())
+        values << model_->cell(row, column);
     return values;
 }
 
 void classGrid::SortingDisable()
 {
-    sortingBeforeDisable_ = sorting_;
-    sorting_ = false;
+    sorting_.disable();
 }
 
 void classGrid::SortingRestore()
 {
-    sorting_ = sortingBeforeDisable_;
+    sorting_.restore();
 }
 
 void classGrid::DoSortSimple(const QString &key)
 {
-    const int column = columnIndex(key, "DoSortSimple");
-    if (!sorting_ || !model_->columns()[column].SortSimple())
-        return;
-    // A second click on the same column turns the order round.
-    const bool ascending = sortOrder_.size() != 1 || sortOrder_.front().Key() != key || !sortOrder_.front().Ascending();
-    SetSort({classGridSortLayout(key, ascending)});
+    if (const auto order = sorting_.simpleOrder(columnIndex(key, "DoSortSimple")))
+        SetSort(*order);
 }
 
 void classGrid::DoSortComplex()
 {
-    const auto &columns = model_->columns();
-    const bool offered = std::any_of(columns.begin(), columns.end(),
-                                     [](const classGridColumn &c) { return c.SortComplex() && !c.IsOrigTwin(); });
-    if (!offered) {
-        messages().messageBox({QStringLiteral("Error"),
-                               QStringLiteral("This feature has not been enabled for this window."), MsgButtons::OK,
-                               MsgIcon::Exclamation, MsgAnswer::OK});
-        return;
-    }
-    formComplexSorting dialog(view_ ? view_->window() : nullptr);
-    for (const auto &column : columns) {
-        if (column.SortComplex() && !column.IsOrigTwin())
-            dialog.AddColumn(column.Key(), column.HeadingOneLine());
-    }
-    dialog.SetLayout(sortOrder_);
-    dialog.exec();
-    if (dialog.CloseAction() == formComplexSorting::Confirmed)
-        SetSort(dialog.Action());
+    if (const auto order = sorting_.askComplexOrder(view_.view() ? view_.view()->window() : nullptr))
+        SetSort(*order);
 }
 
 void classGrid::SetSort(const GridSortOrder &order)
 {
     for (const auto &step : order)
         columnIndex(step.Key(), "SetSort");
-    sortOrder_ = order;
-    model_->sortRows(sortOrder_);
-    RefreshBalance();
+    sorting_.setOrder(order);
+    totals_.refreshBalance();
 }
 
 QString classGrid::SortLayoutName() const
 {
-    if (!sortLayoutName_.isEmpty() || !view_ || view_->objectName().isEmpty())
-        return sortLayoutName_;
-    const QString form = formName(view_);
-    return form.isEmpty() ? QString() : form + QLatin1Char('/') + view_->objectName();
+    return sortLayoutName_.isEmpty() ? sortLayoutNameOf(view_.view()) : sortLayoutName_;
 }
 
 void classGrid::SaveSortDefault()
 {
-    defaultSort_ = sortOrder_;
-    if (const QString name = SortLayoutName(); !name.isEmpty())
-        QSettings().setValue(sortSettingsKey(name), sortOrderToText(sortOrder_));
+    sorting_.saveDefault(SortLayoutName());
 }
 
 void classGrid::ResetSort()
 {
-    const QString name = SortLayoutName();
-    const QVariant saved = name.isEmpty() ? QVariant() : QSettings().value(sortSettingsKey(name));
-    if (saved.isValid()) {
-        const GridSortOrder order = sortOrderFromText(saved.toString());
-        if (std::all_of(order.begin(), order.end(), [this](const auto &step) { return ColumnVerify(step.Key()); })) {
-            SetSort(order);
-            return;
-        }
-    }
-    SetSort(defaultSort_);
+    SetSort(sorting_.savedDefault(SortLayoutName()));
 }
 
 int classGrid::HeaderHeight() const
 {
-    return view_ ? pixelsToTwips(view_->horizontalHeader()->height()) : 0;
+    return view_.view() ? pixelsToTwips(view_.view()->horizontalHeader()->height()) : 0;
 }
 
 void classGrid::setHeaderHeight(int twips)
 {
-    if (view_)
-        view_->horizontalHeader()->setFixedHeight(twipsToPixels(twips));
+    if (QTableView *view = view_.view())
+        view->horizontalHeader()->setFixedHeight(twipsToPixels(twips));
 }
 
 void classGrid::Balance(const QString &amountKey, const QString &balanceKey)
 {
     columnIndex(amountKey, "Balance");
     columnIndex(balanceKey, "Balance");
-    balanceAmountKey_ = amountKey;
-    balanceKey_ = balanceKey;
-    RefreshBalance();
+    totals_.setBalance(amountKey, balanceKey);
 }
 
 void classGrid::RefreshBalance()
 {
-    if (balanceKey_.isEmpty())
-        return;
-    const int amount = model_->columnOf(balanceAmountKey_);
-    const int balance = model_->columnOf(balanceKey_);
-    Currency running;
-    for (int row = 0; row < model_->rowCount(); ++row) {
-        running += model_->amount(row, amount).value_or(Currency());
-        model_->setCell(row, balance, running.toSqlText());
-    }
+    totals_.refreshBalance();
 }
 
 void classGrid::ShowTotals(bool on)
 {
-    totalsShown_ = on;
-    if (companion_)
-        companion_->setVisible(on);
-    syncCompanionWidths();
+    totals_.setShown(on);
+    syncTotals();
 }
 
 void classGrid::RefreshTotals()
 {
-    totals_->refresh();
+    totals_.refresh();
 }
 
 Currency classGrid::GetColumnTotal(const QString &key) const
 {
-    return model_->columnTotal(columnIndex(key, "GetColumnTotal"));
+    return totals_.total(columnIndex(key, "GetColumnTotal"));
 }
 
 void classGrid::setDirectEdit(bool on)
 {
-    directEdit_ = on;
-    applyEditTriggers();
+    view_.setDirectEdit(on);
 }
 
 void classGrid::RefreshHScrollBar()
 {
-    if (view_)
-        view_->updateGeometry();
-    syncCompanionWidths();
+    if (QTableView *view = view_.view())
+        view->updateGeometry();
+    syncTotals();
 }
 
 bool classGrid::Visible() const
 {
-    return view_ && !view_->isHidden();
+    return view_.view() && !view_.view()->isHidden();
 }
 
 void classGrid::setVisible(bool on)
 {
-    if (view_)
-        view_->setVisible(on);
-    if (companion_)
-        companion_->setVisible(on && totalsShown_);
-}
-
-bool classGrid::eventFilter(QObject *watched, QEvent *event)
-{
-    if (!view_)
-        return false;
-    if (watched == view_) {
-        switch (event->type()) {
-        case QEvent::KeyPress: {
-            const auto *key = static_cast<QKeyEvent *>(event);
-            emit keyPressed(key->text().isEmpty() ? key->key() : key->text().at(0).unicode());
-            break;
-        }
-        case QEvent::Show:
-        case QEvent::Hide:
-            emit visibilityChanged();
-            break;
-        case QEvent::Resize:
-            emit resized();
-            break;
-        default:
-            break;
-        }
-    } else if (watched == view_->viewport()) {
-        if (event->type() == QEvent::MouseButtonDblClick &&
-            static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
-            emit leftDoubleClicked();
-        } else if (event->type() == QEvent::MouseButtonPress &&
-                   static_cast<QMouseEvent *>(event)->button() == Qt::RightButton) {
-            const QModelIndex at = view_->indexAt(static_cast<QMouseEvent *>(event)->position().toPoint());
-            if (at.isValid())
-                view_->setCurrentIndex(at);
-            emit rightClicked();
-        }
-    }
-    return false;
+    if (QTableView *view = view_.view())
+        view->setVisible(on);
+    totals_.followGrid(on);
 }
 
 int classGrid::columnIndex(const QString &key, const char *member) const
@@ -776,36 +581,13 @@ int classGrid::rowIndex(int row, const char *member) const
 
 void classGrid::applyColumn(int column)
 {
-    const classGridColumn &settings = model_->columns()[column];
-    for (QTableView *view : {view_.data(), companion_.data()}) {
-        if (!view)
-            continue;
-        view->setColumnHidden(column, settings.Hidden());
-        view->setColumnWidth(column, twipsToPixels(settings.WidthTwips()));
-    }
+    view_.applyColumn(column);
+    syncTotals();
     model_->columnChanged(column);
 }
 
-void classGrid::applyEditTriggers()
+void classGrid::syncTotals()
 {
-    if (!view_)
-        return;
-    view_->setEditTriggers(directEdit_ ? QAbstractItemView::AllEditTriggers
-                                       : QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
-}
-
-void classGrid::syncCompanionWidths()
-{
-    if (!view_ || !companion_)
-        return;
-    for (int column = 0; column < model_->columnCount(); ++column) {
-        companion_->setColumnHidden(column, view_->isColumnHidden(column));
-        companion_->setColumnWidth(column, view_->columnWidth(column));
-    }
-}
-
-void classGrid::onHeaderClicked(int section)
-{
-    if (section >= 0 && section < model_->columnCount())
-        DoSortSimple(model_->columns()[section].Key());
+    if (QTableView *view = view_.view())
+        totals_.syncColumns(*view);
 }

@@ -1,23 +1,25 @@
 #pragma once
 
 #include "gridcolumn.h"
-#include "griddelegate.h"
 #include "gridmodel.h"
+#include "gridsorting.h"
 #include "gridsortlayout.h"
+#include "gridtotals.h"
+#include "gridview.h"
 
 #include "currency.h"
 
 #include <QObject>
-#include <QPointer>
 #include <QStringList>
+#include <QTableView>
 
 #include <memory>
 
-#include <QTableView>
-
 // The grid wrapper: a table view of rows addressed by 1-based index and
 // columns addressed by key, with a companion view underneath that shows the
-// totals. Wrong use throws WrapperError and changes nothing.
+// totals. It checks what the worker asks and leaves the work to the cells
+// (GridModel), the view (GridView), the totals (GridTotals), the sort order
+// (GridSorting) and the export (exportGridCsv). Wrong use throws WrapperError and changes nothing.
 class classGrid : public QObject {
     Q_OBJECT
 public:
@@ -26,8 +28,8 @@ public:
 
     // Binds the wrapper to its views; the companion may be null.
     void Init(QTableView *grid, QTableView *companion);
-    QTableView *view() const { return view_; }
-    QTableView *companionView() const { return companion_; }
+    QTableView *view() const { return view_.view(); }
+    QTableView *companionView() const { return totals_.companion(); }
     void SetVertScrollBar(bool always);
     void Reset();   // no columns, no rows, default settings
     void Refresh(); // repaint after many changes
@@ -37,9 +39,9 @@ public:
     bool Greenbar() const;
     void setGreenbar(bool on);
     void RefreshGreenbar();
-    bool LinesHorizontal() const { return linesHorizontal_; }
+    bool LinesHorizontal() const { return view_.linesHorizontal(); }
     void setLinesHorizontal(bool on);
-    bool LinesVertical() const { return linesVertical_; }
+    bool LinesVertical() const { return view_.linesVertical(); }
     void setLinesVertical(bool on);
 
     // Multi-line mode: rows grow to show several lines, either a constant
@@ -52,10 +54,13 @@ public:
     void setMultiLineValueColumnKey(const QString &key);
     void RefreshMultiLine();
 
-    bool SingleSelection() const { return singleSelection_; }
+    bool SingleSelection() const { return view_.singleSelection(); }
     void setSingleSelection(bool on);
 
     classGridColumn &AddColumn(const QString &key, const QString &caption, const GridColumnOptions &options = {});
+    // The hidden twin of a column, keyed "Orig" and the column's key, that
+    // keeps the value the column was loaded with (see RowChanged).
+    classGridColumn &AddTwinColumn(const QString &key);
     const classGridColumn &Column(const QString &key) const;
     classGridColumn &Column(const QString &key);
     QString ColumnExtra1(const QString &key) const;
@@ -84,7 +89,7 @@ public:
     void DeleteRow(int row);
     void ResetRows(int count = 0);
 
-    // Plain value: amounts as "1234.5", check cells "1"/"0".
+    // Plain value: amounts as "1234.5", check cells their checked or unchecked value.
     QString GetItemValue(int row, const QString &key) const;
     QString CellValue(int row, const QString &key) const { return GetItemValue(row, key); }
     // As shown: amounts as "1,234.50".
@@ -98,8 +103,8 @@ public:
     // The value in `wantedKey` of the first row whose `searchKey` cell equals
     // `value`; empty when none does.
     QString GetValueUsingKey(const QString &searchKey, const QString &value, const QString &wantedKey) const;
-    // True when any column of the row differs from its "Orig" twin (text
-    // compared without regard to case, amounts by value).
+    // True when any column of the row differs from its twin (text compared
+    // without regard to case, amounts by value).
     bool RowChanged(int row) const;
 
     int CurrentRow() const; // 0 when none
@@ -115,8 +120,8 @@ public:
     int FirstselectedRow() const; // 0 when none
     QStringList GetSelectedByKey(const QString &key) const;
 
-    bool Sorting() const { return sorting_; }
-    void setSorting(bool on) { sorting_ = on; }
+    bool Sorting() const { return sorting_.enabled(); }
+    void setSorting(bool on) { sorting_.setEnabled(on); }
     void SortingDisable();
     void SortingRestore();
     void DoSortSimple(const QString &key);
@@ -124,8 +129,8 @@ public:
     // window." when no column is offered in it.
     void DoSortComplex();
     void SetSort(const GridSortOrder &order);
-    GridSortOrder GetSort() const { return sortOrder_; }
-    void ClearSort() { sortOrder_.clear(); }
+    GridSortOrder GetSort() const { return sorting_.order(); }
+    void ClearSort() { sorting_.clear(); }
     // The user's default order: SaveSortDefault keeps the current order under
     // SortLayoutName in the application's settings, so that ResetSort brings
     // it back in this run and the next. A saved order naming a column the
@@ -150,7 +155,7 @@ public:
     Currency GetColumnTotal(const QString &key) const;
 
     // On: typing starts editing the current cell; off: a double click or F2.
-    bool DirectEdit() const { return directEdit_; }
+    bool DirectEdit() const { return view_.directEdit(); }
     void setDirectEdit(bool on);
     void RefreshHScrollBar();
 
@@ -165,37 +170,20 @@ signals:
     void visibilityChanged();
     void resized();
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
     int columnIndex(const QString &key, const char *member) const;
     int rowIndex(int row, const char *member) const;
+    void requireMultiLine(const char *member) const;
     void applyColumn(int column);
     void applyRowHeight(int row); // 0-based
-    void applyEditTriggers();
-    void applyLines();
-    void syncCompanionWidths();
-    void onHeaderClicked(int section);
+    void syncTotals();
 
     std::unique_ptr<GridModel> model_;
-    std::unique_ptr<GridTotalsModel> totals_;
-    QPointer<QTableView> view_;
-    QPointer<QTableView> companion_;
-    QPointer<GridDelegate> delegate_;
-    bool linesHorizontal_ = true;
-    bool linesVertical_ = true;
+    GridTotals totals_{*model_};
+    GridSorting sorting_{*model_};
+    GridView view_{*model_};
     bool multiLine_ = false;
     int multiLineConstant_ = 1;
     QString multiLineColumnKey_;
-    bool singleSelection_ = true;
-    bool sorting_ = true;
-    bool sortingBeforeDisable_ = true;
-    bool directEdit_ = true;
-    bool totalsShown_ = false;
-    GridSortOrder sortOrder_;
-    GridSortOrder defaultSort_;
     QString sortLayoutName_;
-    QString balanceAmountKey_;
-    QString balanceKey_;
 };

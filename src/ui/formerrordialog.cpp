@@ -83,12 +83,18 @@ void formErrorDialog::Display(int mode, const QString &title, const QString &mes
     exec();
 }
 
-void formErrorDialog::DisplayCritical()
+ErrorDialogRequest formErrorDialog::criticalRequest()
 {
-    Display(1, QLatin1String(applicationTitle),
+    return {1, QLatin1String(applicationTitle),
             QStringLiteral("Unable to complete requested command.  Please see error log for details.  If error occurs "
                            "again please contact technical support."),
-            true);
+            true};
+}
+
+void formErrorDialog::DisplayCritical()
+{
+    const ErrorDialogRequest request = criticalRequest();
+    Display(request.mode, request.title, request.text, request.showLog);
 }
 
 QString formErrorDialog::Message() const

@@ -3,9 +3,12 @@
 #include <QDialog>
 #include <QPointer>
 
+#include "formerrorlog.h"
+
+#include "messageservice.h"
+
 class QLabel;
 class QPushButton;
-#include "formerrorlog.h"
 
 // The one dialog through which failures and notices are shown. Modes pick
 // the icon: 0 none, 1 error or warning, 2 critical, 3 question, 4 notice
@@ -18,10 +21,13 @@ public:
     static QString FormType() { return QStringLiteral("Dialog"); }
 
     void setErrorLog(formErrorLog *log) { log_ = log; }
+    formErrorLog *ErrorLog() const { return log_; }
     // Lays the dialog out for the message, beeps and shows it modally.
     void Display(int mode, const QString &title, const QString &message, bool showLog = false);
     // The fallback for unexpected failures: points the user to the error log.
     void DisplayCritical();
+    // What DisplayCritical shows, for callers that go through the message service.
+    static ErrorDialogRequest criticalRequest();
     // Display without beeping or showing: sets icon, caption, text, the View
     // Log button and the layout.
     void Prepare(int mode, const QString &title, const QString &message, bool showLog);

@@ -20,3 +20,11 @@ QString classGridColumn::HeadingOneLine() const
     const QString joined = (description_.trimmed() + QLatin1Char(' ') + options_.caption2.trimmed()).trimmed();
     return joined.isEmpty() ? key_ : joined;
 }
+
+bool classGridColumn::IsChecked(const QString &value) const
+{
+    const QString text = value.trimmed();
+    return !text.isEmpty() && text != QLatin1String("0") &&
+           text.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0 &&
+           text.compare(options_.uncheckedValue.trimmed(), Qt::CaseInsensitive) != 0;
+}

@@ -4,9 +4,12 @@
 
 enum class GridColumnType { Text, Amount, Check };
 
-// The settings of a column when it is added. Amount columns show "#,##0.00";
-// check columns hold "1" or "0". A column whose key starts with "Orig" is the
-// hidden twin of an editable column and is always hidden and read-only.
+// The settings of a column when it is added. Amount columns show "#,##0.00".
+// A check column holds its checked or its unchecked value ("1" and "0"
+// unless it defines others, such as a component flag's "A" and " "); any
+// non-blank text but "0", "false" or the unchecked value reads as checked.
+// A twin column keeps the value its column was loaded with, so that changed
+// rows can be found; it is always hidden and read-only.
 struct GridColumnOptions {
     QString caption2; // second caption line, e.g. a budget-year label
     int widthTwips = 1440;
@@ -18,6 +21,9 @@ struct GridColumnOptions {
     bool sortComplex = false;
     bool total = false;
     bool grouping = false; // shows a value only where it starts a new group
+    QString checkedValue = QStringLiteral("1");
+    QString uncheckedValue = QStringLiteral("0");
+    QString twinOf; // the key of the column this one is the twin of
 };
 
 class classGridColumn {
@@ -54,7 +60,11 @@ public:
     QString Heading() const;
     // The heading on one line, for exports and the sorting dialog.
     QString HeadingOneLine() const;
-    bool IsOrigTwin() const { return key_.startsWith(QLatin1String("Orig")); }
+    bool IsOrigTwin() const { return !options_.twinOf.isEmpty(); }
+    const QString &TwinOf() const { return options_.twinOf; }
+    // The value a check cell stores for a value given to it.
+    const QString &CheckValue(bool checked) const { return checked ? options_.checkedValue : options_.uncheckedValue; }
+    bool IsChecked(const QString &value) const;
 
 private:
     QString key_;

@@ -4,20 +4,30 @@
 #include <QColor>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
 const QColor greenbarColour(0xE4, 0xF2, 0xE4);
 const QColor lockedColour(0xEE, 0xEE, 0xEE);
 
-QString checkText(const QVariant &value)
+// A check state from the view, or a text from an editor.
+QString checkText(const classGridColumn &column, const QVariant &value)
 {
     if (value.typeId() == QMetaType::Int || value.typeId() == QMetaType::UInt)
-        return value.toInt() == Qt::Checked ? QStringLiteral("1") : QStringLiteral("0");
-    const QString text = value.toString().trimmed();
-    const bool on = text == QLatin1String("1") || text == QLatin1String("-1") ||
-                    text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0;
-    return on ? QStringLiteral("1") : QStringLiteral("0");
+        return column.CheckValue(value.toInt() == Qt::Checked);
+    return column.CheckValue(column.IsChecked(value.toString()));
+}
+
+bool sameValue(GridColumnType type, const QString &a, const QString &b)
+{
+    if (type == GridColumnType::Amount) {
+        const auto left = a.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(a);
+        const auto right = b.trimmed().isEmpty() ? std::optional<Currency>(Currency()) : Currency::parse(b);
+        if (left && right)
+            return *left == *right;
+    }
+    return a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -61,7 +71,7 @@ QVariant GridModel::data(const QModelIndex &index, int role) const
         return displayText(row, column);
     case Qt::CheckStateRole:
         if (type == GridColumnType::Check)
-            return cell(row, column) == QLatin1String("1") ? Qt::Checked : Qt::Unchecked;
+            return columns_[column].IsChecked(cell(row, column)) ? Qt::Checked : Qt::Unchecked;
         return {};
     case Qt::TextAlignmentRole:
         return type == GridColumnType::Amount ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
@@ -103,7 +113,7 @@ bool GridModel::setData(const QModelIndex &index, const QVariant &value, int rol
     if (column.Type() == GridColumnType::Check) {
         if (role != Qt::CheckStateRole && role != Qt::EditRole)
             return false;
-        text = checkText(value);
+        text = checkText(column, value);
     } else {
         if (role != Qt::EditRole)
             return false;
@@ -169,7 +179,7 @@ int GridModel::appendRow()
     row.locked.resize(columns_.size(), 0);
     for (std::size_t c = 0; c < columns_.size(); ++c) {
         if (columns_[c].Type() == GridColumnType::Check)
-            row.cells[c] = QStringLiteral("0");
+            row.cells[c] = columns_[c].CheckValue(false);
     }
     rows_.push_back(std::move(row));
     endInsertRows();
@@ -213,7 +223,7 @@ bool GridModel::setCell(int row, int column, const QString &value)
         }
         break;
     case GridColumnType::Check:
-        stored = checkText(value);
+        stored = checkText(columns_[column], value);
         break;
     case GridColumnType::Text:
         break;
@@ -275,14 +285,30 @@ void GridModel::sortRows(const GridSortOrder &order)
     if (steps.empty())
         return;
     emit layoutAboutToBeChanged();
-    std::stable_sort(rows_.begin(), rows_.end(), [&](const Row &a, const Row &b) {
+    std::vector<int> byPlace(rows_.size()); // the old row at each new place
+    std::iota(byPlace.begin(), byPlace.end(), 0);
+    std::stable_sort(byPlace.begin(), byPlace.end(), [&](int a, int b) {
         for (const auto &[column, ascending] : steps) {
-            const int c = compareCells(column, a, b);
+            const int c = compareCells(column, rows_[std::size_t(a)], rows_[std::size_t(b)]);
             if (c != 0)
                 return ascending ? c < 0 : c > 0;
         }
         return false;
     });
+    std::vector<Row> sorted;
+    sorted.reserve(rows_.size());
+    std::vector<int> placeOf(rows_.size());
+    for (std::size_t place = 0; place < byPlace.size(); ++place) {
+        sorted.push_back(std::move(rows_[std::size_t(byPlace[place])]));
+        placeOf[std::size_t(byPlace[place])] = int(place);
+    }
+    rows_ = std::move(sorted);
+    // The current cell and the selection stay on their records, not on their row numbers.
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    for (const QModelIndex &at : before)
+        after << index(placeOf[std::size_t(at.row())], at.column());
+    changePersistentIndexList(before, after);
     emit layoutChanged();
 }
 
@@ -294,44 +320,14 @@ Currency GridModel::columnTotal(int column) const
     return sum;
 }
 
-GridTotalsModel::GridTotalsModel(GridModel &cells, QObject *parent) : QAbstractTableModel(parent), cells_(cells)
+bool GridModel::rowDiffersFromTwins(int row) const
 {
-    const auto update = [this] { refresh(); };
-    connect(&cells_, &QAbstractItemModel::dataChanged, this, update);
-    connect(&cells_, &QAbstractItemModel::rowsInserted, this, update);
-    connect(&cells_, &QAbstractItemModel::rowsRemoved, this, update);
-    connect(&cells_, &QAbstractItemModel::headerDataChanged, this, update);
-    // New columns change the shape; everything else only the figures.
-    connect(&cells_, &QAbstractItemModel::columnsAboutToBeInserted, this, [this] { beginResetModel(); });
-    connect(&cells_, &QAbstractItemModel::columnsInserted, this, [this] { endResetModel(); });
-    connect(&cells_, &QAbstractItemModel::modelAboutToBeReset, this, [this] { beginResetModel(); });
-    connect(&cells_, &QAbstractItemModel::modelReset, this, [this] { endResetModel(); });
-}
-
-int GridTotalsModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : 1;
-}
-
-int GridTotalsModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : cells_.columnCount();
-}
-
-QVariant GridTotalsModel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || index.column() >= cells_.columnCount())
-        return {};
-    const classGridColumn &column = cells_.columns()[index.column()];
-    if (role == Qt::TextAlignmentRole)
-        return QVariant(Qt::AlignRight | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole || !column.Total())
-        return {};
-    return cells_.columnTotal(index.column()).toDisplayText();
-}
-
-void GridTotalsModel::refresh()
-{
-    if (columnCount() > 0)
-        emit dataChanged(index(0, 0), index(0, columnCount() - 1));
+    for (std::size_t twin = 0; twin < columns_.size(); ++twin) {
+        if (!columns_[twin].IsOrigTwin())
+            continue;
+        const int column = columnOf(columns_[twin].TwinOf());
+        if (!sameValue(columns_[twin].Type(), cell(row, column), cell(row, int(twin))))
+            return true;
+    }
+    return false;
 }

@@ -11,7 +11,8 @@
 #include <vector>
 
 // The cells of one grid: text per cell (amounts in their plain SQL form,
-// check cells "1"/"0"), a lock flag per cell, and the columns' settings.
+// check cells their column's checked or unchecked value), a lock flag per
+// cell, and the columns' settings.
 // Rows and columns are 0-based here; the wrapper speaks 1-based rows.
 class GridModel : public QAbstractTableModel {
     Q_OBJECT
@@ -51,8 +52,13 @@ public:
 
     void setGreenbar(bool on);
     bool greenbar() const { return greenbar_; }
+    // A stable sort; persistent indexes (a view's current cell and its
+    // selection) move with their rows.
     void sortRows(const GridSortOrder &order);
     Currency columnTotal(int column) const;
+    // True when a twin column of the row holds another value than its column
+    // (text compared without regard to case, amounts by value).
+    bool rowDiffersFromTwins(int row) const;
 
 signals:
     // A user's edit (not a value set by code).
@@ -69,18 +75,4 @@ private:
     std::vector<classGridColumn> columns_;
     std::vector<Row> rows_;
     bool greenbar_ = false;
-};
-
-// The companion grid's single row: the totals of the columns marked Total.
-class GridTotalsModel : public QAbstractTableModel {
-    Q_OBJECT
-public:
-    explicit GridTotalsModel(GridModel &cells, QObject *parent = nullptr);
-    int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
-    QVariant data(const QModelIndex &index, int role) const override;
-    void refresh();
-
-private:
-    GridModel &cells_;
 };

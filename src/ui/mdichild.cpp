@@ -5,12 +5,13 @@
 #include "messageservice.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QStyle>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTableView>
 #include <QToolBar>
 #include <QTreeWidget>
@@ -256,10 +257,42 @@ void mdiChild::DoExport()
         {exportTitle, QStringLiteral("Data export finished!"), MsgButtons::OK, MsgIcon::Information, MsgAnswer::OK});
 }
 
+void mdiChild::Unload()
+{
+    unloading_ = true;
+    // From the worker's answer to a close the user began, this close does
+    // nothing (Qt ignores a close of a closing window) and that close goes on.
+    closeWindow();
+}
+
+void mdiChild::closeWindow()
+{
+    // The sub-window closes its child first and goes only when the child does.
+    if (auto *sub = qobject_cast<QMdiSubWindow *>(parentWidget()))
+        sub->close();
+    else
+        close();
+}
+
 void mdiChild::closeEvent(QCloseEvent *event)
 {
+    if (!unloading_ && !closeCommand_.isEmpty()) {
+        emit Command(closeCommand_);
+        if (!unloading_) {
+            event->ignore();
+            return;
+        }
+    }
     emit Command(QStringLiteral("_Unload"));
     event->accept();
+}
+
+void mdiChild::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier)
+        closeWindow();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 bool mdiChild::eventFilter(QObject *watched, QEvent *event)

@@ -65,15 +65,24 @@ public:
     // The grid slot the user worked in last (export and printing use it).
     int CurrentGridSlot() const { return currentSlot_; }
 
+    // The key of the worker's own Close button: Escape and the close box send
+    // it as a command, and the window stays until the worker calls Unload.
+    // Without one they unload the window at once.
+    void setCloseCommand(const QString &key) { closeCommand_ = key; }
+    // Closes the window by code: "_Unload", then it goes.
+    void Unload();
+
 signals:
     void Command(const QString &command);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void connectGrid(classGrid &grid, int slot);
+    void closeWindow();
 
     classToolbar toolbar_;
     classStatusbar statusbar_;
@@ -90,4 +99,6 @@ private:
     int gridCount_ = 1;
     int currentSlot_ = 1;
     int gridKeyAscii_ = 0;
+    QString closeCommand_;
+    bool unloading_ = false;
 };

@@ -7,10 +7,12 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QTableView>
 #include <QTemporaryDir>
 
@@ -34,7 +36,7 @@ protected:
         grid.AddColumn("Fund", "Fund");
         grid.AddColumn("CurrentBalance", "Current Balance",
                        {.caption2 = "2004", .type = GridColumnType::Amount, .editable = true});
-        grid.AddColumn("OrigCurrentBalance", "", {.type = GridColumnType::Amount});
+        grid.AddTwinColumn("CurrentBalance");
         const int row = grid.AddRow();
         grid.SetCell(row, "ID", QString("7"));
         grid.SetCell(row, "Fund", QString("A \"General\""));
@@ -199,6 +201,53 @@ TEST_F(ChildTest, ExplorerBoxAndSortLayoutNamesBelongToTheChild)
     EXPECT_FALSE(explorerBox->isVisible());
     shown->Explorer().setVisible(true);
     EXPECT_TRUE(explorerBox->isVisible());
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ChildTest, EscapeAndTheCloseBoxSendTheWorkersCloseCommand)
+{
+    child->setCloseCommand("Close");
+    bool agree = false;
+    mdiChild *shownChild = child.get();
+    QObject::connect(shownChild, &mdiChild::Command, [&](const QString &c) {
+        if (c == "Close" && agree)
+            shownChild->Unload();
+    });
+    QMdiArea area;
+    child.release()->ShowForm(area);
+    area.show();
+    QPointer<QMdiSubWindow> sub = area.subWindowList().front();
+    commands.clear();
+
+    sub->close(); // the close box
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(shownChild, &escape);
+    EXPECT_EQ(commands, QStringList({"Close", "Close"}));
+    EXPECT_TRUE(sub->isVisible());
+
+    agree = true;
+    QApplication::sendEvent(shownChild, &escape);
+    commands.removeAll("_Visible"); // its parts are hidden as it goes
+    EXPECT_EQ(commands, QStringList({"Close", "Close", "Close", "_Unload"}));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(sub.isNull());
+}
+
+TEST_F(ChildTest, AWorkerUnloadsItsWindowByCode)
+{
+    child->setCloseCommand("Close");
+    QMdiArea area;
+    mdiChild *shownChild = child.release();
+    shownChild->ShowForm(area);
+    QPointer<QMdiSubWindow> sub = area.subWindowList().front();
+    commands.clear();
+    shownChild->Unload();
+    EXPECT_EQ(commands, QStringList({"_Unload"}));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(sub.isNull());
 }
 
 } // namespace

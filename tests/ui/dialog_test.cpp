@@ -7,7 +7,10 @@
 #include "wrappererror.h"
 
 #include "guiapplication.h"
+#include "recordingmessages.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -213,6 +216,69 @@ TEST(DialogBars, ToolbarButtonsRaiseTheirKeyAndMayCloseTheDialog)
     EXPECT_EQ(worker.actions, QStringList({"tlbLnItem"}));
     EXPECT_EQ(dialog.CloseAction(), classDialog::ClosedByWorker);
     EXPECT_FALSE(dialog.isVisible());
+}
+
+} // namespace
+
+namespace {
+
+// A worker with a Close button of its own that asks before it lets go.
+class ClosingWorker : public DialogWorker {
+public:
+    QStringList actions;
+    void FormBuild(classDialog &dialog) override
+    {
+        dialog.SetSize(4000, 2000);
+        dialog.ShowStandardButtons(false);
+        dialog.AddControl(DialogControlKind::CommandButton, "cmdClose", "Close").Move(2800, 1400, 1000);
+        dialog.SetCloseAction("cmdClose");
+    }
+    void UserAction(classDialog &dialog, const QString &name) override
+    {
+        actions << name;
+        if (name == "cmdClose" && messages().messageBox({"Fund Balances", "Discard Changes?", MsgButtons::YesNo,
+                                                         MsgIcon::Question, MsgAnswer::No}) == MsgAnswer::Yes)
+            dialog.CloseDialog();
+    }
+};
+
+void pressEscape(QWidget &widget)
+{
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &escape);
+}
+
+TEST(DialogClose, EscapeAndTheCloseBoxAskTheWorkerLikeItsCloseButton)
+{
+    GuiApplicationGuard app;
+    ScopedMessages shown;
+    ClosingWorker worker;
+    classDialog dialog(worker);
+    dialog.Build();
+    dialog.show();
+
+    pressEscape(dialog); // unanswered: "No"
+    EXPECT_EQ(worker.actions, QStringList({"cmdClose"}));
+    EXPECT_TRUE(dialog.isVisible());
+    dialog.close(); // the close box
+    EXPECT_EQ(worker.actions, QStringList({"cmdClose", "cmdClose"}));
+    EXPECT_TRUE(dialog.isVisible());
+    ASSERT_EQ(shown->shown().size(), 2u);
+    EXPECT_EQ(shown->shown()[1].message.text, "Discard Changes?");
+
+    shown->answer(MsgAnswer::Yes);
+    dialog.close();
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.CloseAction(), classDialog::ClosedByWorker);
+}
+
+TEST_F(DialogTest, WithoutACloseActionEscapeCancels)
+{
+    worker.events.clear();
+    pressEscape(dialog);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.CloseAction(), classDialog::Cancelled);
+    EXPECT_TRUE(worker.events.isEmpty());
 }
 
 } // namespace

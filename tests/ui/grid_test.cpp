@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QImage>
 #include <QPushButton>
 #include <QSettings>
@@ -35,7 +36,7 @@ protected:
         grid.AddColumn("Fund", "Fund");
         grid.AddColumn("Amount", "Proposed Budget ",
                        {.caption2 = "2004", .type = GridColumnType::Amount, .editable = true, .total = true});
-        grid.AddColumn("OrigAmount", "", {.type = GridColumnType::Amount, .editable = true});
+        grid.AddTwinColumn("Amount");
         grid.AddColumn("Name", "Name", {.editable = true, .maxLength = 5});
     }
 
@@ -93,7 +94,7 @@ TEST_F(GridTest, WrongUseIsRefusedWithItsMessageAndChangesNothing)
     EXPECT_EQ(grid.GetItemValue(1, "Fund"), "A");
 }
 
-TEST_F(GridTest, OrigTwinsAreHiddenAndNeverEditable)
+TEST_F(GridTest, TwinsAreMarkedWhenAddedNotGuessedFromTheirKey)
 {
     EXPECT_TRUE(grid.ColumnHidden("OrigAmount"));
     EXPECT_TRUE(view.isColumnHidden(2));
@@ -101,6 +102,71 @@ TEST_F(GridTest, OrigTwinsAreHiddenAndNeverEditable)
     grid.setColumnHidden("OrigAmount", false);
     EXPECT_TRUE(grid.ColumnHidden("OrigAmount"));
     EXPECT_FALSE(grid.ColumnHidden("Amount"));
+    EXPECT_EQ(caught([&] { grid.AddTwinColumn("Nope"); }).description(), "Invalid property key value");
+
+    // A column whose key only begins like a twin's is an ordinary column.
+    grid.AddColumn("OriginalBudget", "Original Budget",
+                   {.type = GridColumnType::Amount, .editable = true, .sortComplex = true, .total = true});
+    EXPECT_FALSE(grid.ColumnHidden("OriginalBudget"));
+    EXPECT_TRUE(grid.ColumnDataEdit("OriginalBudget"));
+    EXPECT_TRUE(grid.ColumnTotal("OriginalBudget"));
+    const int row = addRow("A", "5");
+    grid.SetCell(row, "OriginalBudget", QString("7"));
+    EXPECT_FALSE(grid.RowChanged(row)); // it is nobody's twin
+    EXPECT_EQ(grid.GetColumnTotal("OriginalBudget").toSqlText(), "7");
+    grid.SetCell(row, "Amount", QString("6"));
+    EXPECT_TRUE(grid.RowChanged(row));
+}
+
+TEST_F(GridTest, CheckCellsReadAnyFlagAndWriteTheValueTheirColumnDefines)
+{
+    grid.AddColumn("CatAFlag", "A",
+                   {.type = GridColumnType::Check, .editable = true, .checkedValue = "A", .uncheckedValue = " "});
+    grid.AddColumn("Active", "Active", {.type = GridColumnType::Check, .editable = true});
+    const int row = addRow("A", "1");
+    QAbstractItemModel &model = *view.model();
+    const auto checked = [&](int column) { return model.data(model.index(row - 1, column), Qt::CheckStateRole); };
+
+    EXPECT_EQ(grid.GetItemValue(row, "CatAFlag"), " ");
+    for (const char *flag : {"A", "P", "C", "Y"}) {
+        grid.SetCell(row, "Active", QString(flag));
+        EXPECT_EQ(checked(5), Qt::Checked) << flag;
+        EXPECT_EQ(grid.GetItemValue(row, "Active"), "1") << flag;
+    }
+    for (const char *blank : {"", " ", "0"}) {
+        grid.SetCell(row, "Active", QString(blank));
+        EXPECT_EQ(checked(5), Qt::Unchecked) << blank;
+    }
+
+    // A loaded flag is saved as it was loaded, and the user's tick writes the column's flag.
+    grid.SetCell(row, "CatAFlag", QString("A"));
+    EXPECT_EQ(checked(4), Qt::Checked);
+    EXPECT_EQ(grid.GetItemValue(row, "CatAFlag"), "A");
+    EXPECT_TRUE(model.setData(model.index(row - 1, 4), Qt::Unchecked, Qt::CheckStateRole));
+    EXPECT_EQ(grid.GetItemValue(row, "CatAFlag"), " ");
+    EXPECT_TRUE(model.setData(model.index(row - 1, 4), Qt::Checked, Qt::CheckStateRole));
+    EXPECT_EQ(grid.GetItemValue(row, "CatAFlag"), "A");
+    grid.SetCell(row, "CatAFlag", false);
+    EXPECT_EQ(grid.GetItemValue(row, "CatAFlag"), " ");
+}
+
+TEST_F(GridTest, ASortKeepsTheUsersRecordCurrentAndSelected)
+{
+    addRow("B", "10");
+    addRow("C", "9");
+    addRow("A", "100");
+    grid.SelectRow(2);
+    ASSERT_EQ(grid.CurrentRowValue("Fund"), "C");
+
+    emit view.horizontalHeader()->sectionClicked(0); // the user's click on the Fund heading
+    EXPECT_EQ(column("Fund"), QStringList({"A", "B", "C"}));
+    EXPECT_EQ(grid.CurrentRow(), 3);
+    EXPECT_EQ(grid.CurrentRowValue("Fund"), "C");
+    EXPECT_EQ(grid.GetSelectedByKey("Fund"), QStringList({"C"}));
+
+    grid.DoSortSimple("Amount");
+    EXPECT_EQ(grid.CurrentRowValue("Fund"), "C");
+    EXPECT_EQ(grid.FirstselectedRow(), 1);
 }
 
 TEST_F(GridTest, AmountsAreExactAndShownWithGrouping)
@@ -162,7 +228,7 @@ TEST_F(GridTest, RowChangedComparesWithTwinsByValue)
     grid.SetCell(1, "Amount", QString("1.51"));
     EXPECT_TRUE(grid.RowChanged(1));
 
-    grid.AddColumn("OrigName", "");
+    grid.AddTwinColumn("Name");
     grid.SetCell(1, "Amount", QString("1.5"));
     grid.SetCell(1, "OrigName", QString("X")); // text compares without regard to case
     EXPECT_FALSE(grid.RowChanged(1));
@@ -267,8 +333,10 @@ TEST_F(GridTest, BalanceAndGreenbarFollowTheRows)
     addRow("C", "1");
     grid.Balance("Amount", "Balance");
     EXPECT_EQ(column("Balance"), QStringList({"10", "7.5", "8.5"}));
-    grid.DeleteRow(1);
-    EXPECT_EQ(column("Balance"), QStringList({"-2.5", "-1.5"}));
+    grid.SetSort({classGridSortLayout("Fund", false)});
+    EXPECT_EQ(column("Balance"), QStringList({"1", "-1.5", "8.5"}));
+    grid.DeleteRow(3);
+    EXPECT_EQ(column("Balance"), QStringList({"1", "-1.5"}));
 
     grid.setGreenbar(true);
     EXPECT_FALSE(view.model()->index(0, 0).data(Qt::BackgroundRole).isValid());
@@ -288,6 +356,37 @@ TEST_F(GridTest, SelectionAndLookupByKey)
     EXPECT_EQ(grid.GetValueUsingKey("Fund", "Z", "Amount"), "");
     grid.ClearSelectedRows();
     EXPECT_EQ(grid.FirstselectedRow(), 0);
+
+    // Several rows come back in row order, whatever order they were picked in.
+    addRow("C", "3");
+    grid.setSingleSelection(false);
+    for (const int row : {3, 1})
+        view.selectionModel()->select(view.model()->index(row - 1, 0),
+                                      QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    EXPECT_EQ(grid.GetSelectedByKey("Fund"), QStringList({"A", "C"}));
+    EXPECT_EQ(grid.FirstselectedRow(), 1);
+    grid.ClearSelectedRow(1);
+    EXPECT_EQ(grid.GetSelectedByKey("Fund"), QStringList({"C"}));
+}
+
+TEST_F(GridTest, TheTotalsRowAddsUpMarkedColumnsAndIsSeenOnlyWhenAskedFor)
+{
+    addRow("A", "10.25");
+    addRow("B", "-2");
+    const QAbstractItemModel &row = *totals.model();
+    EXPECT_EQ(row.index(0, 1).data().toString(), "8.25");
+    EXPECT_FALSE(row.index(0, 0).data().isValid()); // Fund carries no total
+    EXPECT_EQ(grid.GetColumnTotal("Amount").toSqlText(), "8.25");
+    EXPECT_TRUE(totals.isColumnHidden(2)); // under the hidden twin
+
+    grid.setVisible(true);
+    EXPECT_TRUE(totals.isHidden());
+    grid.ShowTotals(true);
+    EXPECT_FALSE(totals.isHidden());
+    grid.setVisible(false);
+    EXPECT_TRUE(totals.isHidden());
+    grid.setVisible(true);
+    EXPECT_FALSE(totals.isHidden());
 }
 
 } // namespace

@@ -5,8 +5,10 @@
 
 #include "guiapplication.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -203,6 +205,46 @@ TEST_F(ExplorerTest, CaptionShowsWhereTheSelectedNodeLies)
     EXPECT_EQ(caption.text(), "Wages \\ 1000  -  Salaries");
     explorer.RemoveNodes();
     EXPECT_EQ(caption.text(), "");
+}
+
+} // namespace
+
+namespace {
+
+void clickAt(QWidget *widget, QPoint at)
+{
+    QMouseEvent press(QEvent::MouseButtonPress, at, widget->mapToGlobal(at), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, at, widget->mapToGlobal(at), Qt::LeftButton, Qt::NoButton,
+                        Qt::NoModifier);
+    QApplication::sendEvent(widget, &press);
+    QApplication::sendEvent(widget, &release);
+}
+
+TEST_F(ExplorerTest, OneClickOnANodeIsOneClick)
+{
+    tree.resize(300, 300);
+    tree.show();
+    explorer.ExpandNodes();
+    int clicks = 0;
+    QObject::connect(&explorer, &classExplorer::nodeClicked, [&] { ++clicks; });
+    const auto centreOf = [&](const QString &text) {
+        return tree.visualItemRect(tree.findItems(text, Qt::MatchExactly | Qt::MatchRecursive).front()).center();
+    };
+
+    clickAt(tree.viewport(), centreOf("Other")); // another node
+    EXPECT_EQ(clicks, 1);
+    EXPECT_EQ(explorer.SelectedNode(), "G1");
+    clickAt(tree.viewport(), centreOf("Other")); // the current node again
+    EXPECT_EQ(clicks, 2);
+    clickAt(tree.viewport(), centreOf("Folder 2"));
+    EXPECT_EQ(clicks, 3);
+    EXPECT_EQ(explorer.SelectedNode(), "F2");
+
+    explorer.setSelectedNode("G1"); // moved to by code or by the keyboard
+    EXPECT_EQ(clicks, 4);
+    clickAt(tree.viewport(), centreOf("Other"));
+    EXPECT_EQ(clicks, 5);
 }
 
 } // namespace
