@@ -93,7 +93,7 @@ long LoadUser(QString &userId, QString &userName)
         return fundFileNotOpened;
     }
     users.LoginUserID = userId;
-    if (users.RetrieveByLoginID() != 0)
+    if (users.RetrieveByLoginID() != 0 || !users.IsActive())
         return unknownUser;
     userName = users.DisplayName();
     userId = users.ID;

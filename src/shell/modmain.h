@@ -11,7 +11,7 @@
 // Result codes of the command-line and user checks.
 inline constexpr long invalidCommandLine = -6; // empty, or no blank between user and root
 inline constexpr long rootNotFound = -1;
-inline constexpr long unknownUser = -2;
+inline constexpr long unknownUser = -2;          // no such user, or one no longer active
 inline constexpr long fundFileNotOpened = -2001; // the users or the parameter file
 
 // Makes gadoConnection from the configuration (data source and server name
@@ -29,7 +29,7 @@ long CheckRootPath(const QString &root);
 
 // Finds the user by log-in ID in the Kora-Fund users file: the ID becomes the
 // record ID, the display name "First M. Last", and gintPrintPreview the
-// user's setting. 0, -2 (no such user) or -2001 (users file not opened, after
+// user's setting. 0, -2 (no such user, or not active) or -2001 (users file not opened, after
 // saying so).
 long LoadUser(QString &userId, QString &userName);
 

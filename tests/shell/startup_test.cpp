@@ -6,6 +6,7 @@
 #include "formerrordialog.h"
 #include "modmain.h"
 #include "programarguments.h"
+#include "securityrecords.h"
 #include "sharedforms.h"
 #include "twips.h"
 
@@ -246,7 +247,32 @@ TEST(CommandLine, ProgramOptionsAreTakenOutAndTheRestJoinedByBlanks)
     EXPECT_FALSE(joined.startupTiming);
 }
 
-TEST(Privileges, UndefinedKeysStayOpenDefinedOnesNeedHolding)
+TEST_F(StartupTest, InactiveUserIsRefusedAsAnUnknownOne)
+{
+    classObjectUsers users;
+    ASSERT_EQ(users.Init(root(), root() + QStringLiteral("\\FUND")), 0);
+    users.ID = QStringLiteral("U001");
+    ASSERT_EQ(users.Retrieve(), 0);
+    users.Active = QStringLiteral("N");
+    ASSERT_EQ(users.Update(), 0);
+    EXPECT_FALSE(startAs("BUSINESS"));
+    EXPECT_EQ(dialogs(), QStringList{invalidCommandLineMessage(-2)});
+    EXPECT_EQ(frame_->Statusbar().Count(), 0);
+}
+
+TEST_F(StartupTest, AnItemWhoseKeyTheInstallationDoesNotDefineStaysLocked)
+{
+    classObjectAppPrivDef definitions;
+    ASSERT_EQ(definitions.Init(root(), root() + QStringLiteral("\\FUND")), 0);
+    definitions.ApplicationID = QStringLiteral("BUDGET");
+    definitions.PrivilegeKey = QStringLiteral("mnuInitializeBudget");
+    ASSERT_EQ(definitions.Delete(), 0);
+    ASSERT_TRUE(startAs("BUSINESS")); // holds "All Privileges"
+    EXPECT_FALSE(frame_->MenuItem(QStringLiteral("mnuInitializeBudget"))->isEnabled());
+    EXPECT_TRUE(frame_->MenuItem(QStringLiteral("mnuChooseProposal"))->isEnabled());
+}
+
+TEST(Privileges, DeniedUnlessHeldWhateverTheCase)
 {
     guiApplication();
     QTemporaryDir dir;
@@ -254,20 +280,30 @@ TEST(Privileges, UndefinedKeysStayOpenDefinedOnesNeedHolding)
     ASSERT_EQ(createSampleInstallation(dir.path(), smallSampleDistrict(), {}, message), 0);
     ASSERT_EQ(userPrivileges().Load(dir.path(), dir.path() + QStringLiteral("\\FUND"), QStringLiteral("U002")), 0);
     EXPECT_TRUE(userPrivileges().Allows(QStringLiteral("MNUCHOOSEPROPOSAL")));
-    EXPECT_TRUE(userPrivileges().Allows(QStringLiteral("mnuNotDefinedAnywhere")));
+    EXPECT_TRUE(userPrivileges().Allows(QString())); // an item without a key
+    EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuNotDefinedAnywhere")));
     // Defined for FUND only, where the clerk holds everything: nothing to do with BUDGET.
-    EXPECT_TRUE(userPrivileges().Allows(QStringLiteral("mnuPostJournal")));
+    EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuPostJournal")));
+    EXPECT_EQ(menuPrivilegeKey(QStringLiteral("MNUCHARTSREVENUE")), QStringLiteral("mnuReportCharts"));
 
     QToolBar bar;
     classToolbar toolbar;
     toolbar.Init(&bar);
     toolbar.AddButton(QStringLiteral("Save"), QStringLiteral("mnuMaintProposal"), QString(), QStringLiteral("Save"));
+    toolbar.AddButton(QStringLiteral("Choose"), QStringLiteral("mnuchooseproposal"), QString(),
+                      QStringLiteral("Choose"));
     toolbar.AddButton(QStringLiteral("Print"), QString(), QString(), QStringLiteral("Print"));
     QWidget control;
     LockToolbar(toolbar);
     LockControl(control, QStringLiteral("mnuMaintFundBalances"));
     EXPECT_FALSE(toolbar.ButtonEnabled(QStringLiteral("Save")));
+    EXPECT_TRUE(toolbar.ButtonEnabled(QStringLiteral("Choose")));
     EXPECT_TRUE(toolbar.ButtonEnabled(QStringLiteral("Print")));
     EXPECT_FALSE(control.isEnabled());
+
+    // Before a user is known, and after the files could not be read, nothing keyed is open.
     userPrivileges().Reset();
+    EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuChooseProposal")));
+    EXPECT_NE(userPrivileges().Load(dir.path() + QStringLiteral("/none"), dir.path(), QStringLiteral("U002")), 0);
+    EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuChooseProposal")));
 }
