@@ -53,6 +53,8 @@ bool OpenDatabase(const BudgetDbConfig &config)
     gadoConnection->configure(config);
     if (gadoConnection->OpenConnection())
         return true;
+    // The program stops here: the log keeps what the user was shown.
+    gadoConnection->Error().LogError();
     gadoConnection->Error().DisplayError();
     return false;
 }

@@ -15,7 +15,8 @@ inline constexpr long unknownUser = -2;          // no such user, or one no long
 inline constexpr long fundFileNotOpened = -2001; // the users or the parameter file
 
 // Makes gadoConnection from the configuration (data source and server name
-// included) and opens it; on failure shows the connection's error and returns false.
+// included) and opens an existing budget database; on failure logs and shows
+// the connection's error (what was looked for and why) and returns false.
 bool OpenDatabase(const BudgetDbConfig &config);
 // Closes gadoConnection when there is one; false (after showing why) when closing failed.
 bool CloseDatabase();

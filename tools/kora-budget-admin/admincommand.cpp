@@ -21,21 +21,6 @@ void printUsage(QTextStream &err)
         << BudgetDbConfig::defaultConfigPath() << ").\n";
 }
 
-QString describe(const BudgetDbConfig &config)
-{
-    switch (config.backend) {
-    case BudgetDbConfig::Backend::SQLite:
-        return QStringLiteral("SQLite file %1").arg(config.sqliteFile);
-    case BudgetDbConfig::Backend::PostgreSQL:
-        return QStringLiteral("PostgreSQL database \"%1\" on %2:%3")
-            .arg(config.pg.database, config.pg.host.isEmpty() ? QStringLiteral("localhost") : config.pg.host)
-            .arg(config.pg.port);
-    case BudgetDbConfig::Backend::Odbc:
-        return QStringLiteral("ODBC data source \"%1\"").arg(config.DSNname);
-    }
-    return {};
-}
-
 } // namespace
 
 AdminCommandRegistration::AdminCommandRegistration(AdminCommand command)
@@ -111,6 +96,6 @@ int runAdmin(const QStringList &arguments, QTextStream &out, QTextStream &err)
         }
         target = *loaded;
     }
-    AdminContext context{target, describe(target), rest.mid(1), out, err};
+    AdminContext context{target, target.describe(), rest.mid(1), out, err};
     return command->run(context);
 }
