@@ -1,8 +1,5 @@
-#include "budgetdbconfig.h"
-#include "mainwindowload.h"
-#include "mdiparent.h"
-#include "messageservice.h"
 #include "programarguments.h"
+#include "programstart.h"
 #include "widgetmessages.h"
 
 #include <QApplication>
@@ -15,6 +12,18 @@ int main(int argc, char *argv[])
 {
     QElapsedTimer sinceStart;
     sinceStart.start();
+    // The usage is answered before a display is needed.
+    QStringList words;
+    for (int i = 0; i < argc; ++i)
+        words << QString::fromLocal8Bit(argv[i]);
+    const ProgramArguments arguments = parseProgramArguments(words);
+    {
+        QTextStream out(stdout);
+        QTextStream err(stderr);
+        if (const std::optional<int> code = answerUsage(arguments, out, err))
+            return *code;
+    }
+
     QApplication app(argc, argv);
     // Saved grid layouts and other per-user settings are kept under these names.
     QApplication::setOrganizationName(QStringLiteral("Kora-Budget"));
@@ -22,24 +31,11 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(QStringLiteral(KORA_VERSION));
     setMessageService(std::make_unique<WidgetMessages>());
 
-    const ProgramArguments arguments = parseProgramArguments(QCoreApplication::arguments());
-    QString configError;
-    const std::optional<BudgetDbConfig> config = BudgetDbConfig::load(arguments.configPath, &configError);
-    if (!config) {
-        messages().messageBox({QStringLiteral("Kora-Budget"), configError, MsgButtons::OK, MsgIcon::Critical});
-        return 1;
-    }
-
-    mdiParent frame;
-    MainWindowLoad load(frame);
-    StartupSettings settings;
-    settings.commandLine = arguments.commandLine;
-    settings.config = *config;
-    settings.errorDialogLoaded = [](formErrorDialog &dialog) {
-        setMessageService(std::make_unique<WidgetMessages>(&dialog));
-    };
-    if (!load.Load(settings))
-        return 1;
+    ProgramStart started = startProgram(
+        arguments, [](formErrorDialog &dialog) { setMessageService(std::make_unique<WidgetMessages>(&dialog)); });
+    if (!started.window)
+        return started.exitCode;
+    mdiParent &frame = started.window->frame;
     frame.show();
     if (arguments.startupTiming) {
         // Runs once the events of showing the window (its first paint) are done.

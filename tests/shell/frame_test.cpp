@@ -158,13 +158,29 @@ TEST_F(FrameTest, PrintWithoutAChildBeeps)
     EXPECT_EQ(shown->shown()[0].kind, RecordingMessages::Shown::Kind::Beep);
 }
 
-TEST_F(FrameTest, ItemsWithoutATaskDoNothing)
+TEST_F(FrameTest, ATaskNotAvailableSaysSoAndOnlyItemsWithoutATaskAreSilent)
 {
-    for (const char *name : {"mnuReportsCustomerState", "mnuMaintTaxRate", "mnuRefresh", "mnuMaintProposal",
-                             "mnuReportsGenerator", "mnuReportTax", "mnuWindowCascade", "mnuWindowTileVertically"})
+    for (const char *name :
+         {"mnuReportsCustomerState", "mnuMaintTaxRate", "mnuRefresh", "mnuWindowCascade", "mnuWindowTileVertically"})
         click(name);
     EXPECT_TRUE(shown->shown().empty());
+
+    frame.registerUnavailable(TaskKind::Modal, "WORKERPROPOSAL", "Proposal maintenance");
+    frame.registerUnavailable(TaskKind::Report, "TaxRevenue", "The tax revenue report");
+    frame.registerUnavailable(TaskKind::Child, "workerReportGenerator", "The report generator");
+    EXPECT_TRUE(frame.HasTask(TaskKind::Modal, "workerProposal"));
+    EXPECT_FALSE(frame.HasTask(TaskKind::Child, "workerProposal")) << "the kind is part of the name";
+    for (const char *name : {"mnuMaintProposal", "mnuReportTax", "mnuReportsGenerator", "mnuChooseProposal"})
+        click(name);
+    QStringList said;
+    for (const auto &item : shown->shown())
+        said << item.message.text;
+    EXPECT_EQ(said,
+              QStringList({"Proposal maintenance is not available yet.", "The tax revenue report is not available yet.",
+                           "The report generator is not available yet.",
+                           "No task named workerSelectProposal is registered."}));
     EXPECT_TRUE(frame.Area().subWindowList().isEmpty());
+    EXPECT_FALSE(frame.IsFormLoaded("workerReportGenerator"));
 }
 
 TEST_F(FrameTest, ModalTasksAndReportsGetWhatTheMenuPasses)
