@@ -1,3 +1,9 @@
+#include "classdialog.h"
+#include "dialogworker.h"
+#include "formabout.h"
+#include "formcomplexsorting.h"
+#include "formerrordialog.h"
+#include "formerrorlog.h"
 #include "mdichild.h"
 #include "mdiparent.h"
 #include "menudefinition.h"
@@ -239,6 +245,35 @@ TEST_F(FrameTest, WindowsTileAndCascade)
         listed << a->text();
     EXPECT_TRUE(listed.contains("&1 One"));
     EXPECT_TRUE(listed.contains("&2 Two"));
+}
+
+} // namespace
+
+namespace {
+
+class NoControls : public DialogWorker {
+public:
+    void FormBuild(classDialog &) override {}
+};
+
+TEST(DialogFrame, DialogsHaveACloseBoxButNoMinimiseMaximiseOrHelp)
+{
+    guiApplication();
+    NoControls worker;
+    classDialog runtime(worker);
+    formAbout about;
+    formErrorLog log;
+    formErrorDialog error;
+    formComplexSorting sorting;
+    for (const QDialog *dialog : std::initializer_list<const QDialog *>{&runtime, &about, &log, &error, &sorting}) {
+        const Qt::WindowFlags flags = dialog->windowFlags();
+        const char *name = dialog->metaObject()->className();
+        EXPECT_EQ(flags & Qt::WindowType_Mask, Qt::Dialog) << name;
+        EXPECT_TRUE(flags.testFlag(Qt::CustomizeWindowHint)) << name;
+        EXPECT_TRUE(flags.testFlag(Qt::WindowCloseButtonHint)) << name;
+        EXPECT_FALSE(flags & (Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint)) << name;
+        EXPECT_FALSE(flags.testFlag(Qt::WindowContextHelpButtonHint)) << name;
+    }
 }
 
 } // namespace
