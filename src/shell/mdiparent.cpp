@@ -280,6 +280,16 @@ void mdiParent::ShowAbout()
     about.exec();
 }
 
+void mdiParent::ShowWhere(const QString &district, const QString &database, const QString &proposal)
+{
+    QStringList parts{QLatin1String(applicationTitle)};
+    for (const QString &part : {district, database, proposal}) {
+        if (!part.trimmed().isEmpty())
+            parts << part.trimmed();
+    }
+    setWindowTitle(parts.join(QStringLiteral(" - ")));
+}
+
 void mdiParent::fillWindowList()
 {
     for (QAction *action : windowListActions_)

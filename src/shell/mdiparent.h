@@ -65,6 +65,9 @@ public:
     void TileVertically();
     void ArrangeIcons();
     void ShowAbout();
+    // The title names where the user works: the district, the budget
+    // database and the proposal; an empty part is left out.
+    void ShowWhere(const QString &district, const QString &database, const QString &proposal);
 
 private:
     void buildMenu();

@@ -43,5 +43,11 @@ void ReadBudgetYears();
 // status with its explanation in message.
 long ReadFundYear(QString &message);
 
+// The organisation's report name (its name when that is blank); empty when
+// the organisation record cannot be read.
+QString ReadDistrictName();
+// The name of the proposal with that ID; empty when it cannot be read.
+QString ProposalName(const QString &proposalId);
+
 // Busy-waits two seconds.
 void Pause();

@@ -1,10 +1,10 @@
 #include "startupfixture.h"
 
+#include "formerrordialog.h"
 #include "menudefinition.h"
 #include "programarguments.h"
 #include "programstart.h"
 #include "programtasks.h"
-#include "formerrordialog.h"
 #include "sharedforms.h"
 
 #include <QDir>

@@ -14,6 +14,7 @@
 #include <QDate>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QLayout>
 #include <QPointer>
@@ -79,7 +80,7 @@ TEST_F(StartupTest, FullUserStartsWithEveryGlobalAndPanelSetAndNoMessage)
     for (const auto &[key, minTwips] : layout) {
         const auto *panel = frame_->statusBar()->findChild<QLabel *>(QLatin1String(key));
         ASSERT_NE(panel, nullptr) << key;
-        EXPECT_EQ(panel->minimumWidth(), twipsToPixels(minTwips)) << key;
+        EXPECT_EQ(panel->minimumWidth(), std::max(twipsToPixels(minTwips), panel->minimumSizeHint().width())) << key;
         EXPECT_EQ(int(panel->alignment() & Qt::AlignHorizontal_Mask),
                   int(QLatin1String(key) == u"User" ? Qt::AlignLeft : Qt::AlignHCenter))
             << key;
@@ -87,6 +88,77 @@ TEST_F(StartupTest, FullUserStartsWithEveryGlobalAndPanelSetAndNoMessage)
             EXPECT_LE(panel->width(), panel->sizeHint().width() + 1) << key;
     }
     EXPECT_GT(frame_->statusBar()->findChild<QLabel *>(QStringLiteral("User"))->width(), 500);
+}
+
+TEST_F(StartupTest, TheTitleNamesDistrictDatabaseAndProposal)
+{
+    ASSERT_TRUE(startAs("BUSINESS"));
+    const SampleDistrict &fund = smallSampleDistrict();
+    const QString organisation = fund.reportName.isEmpty() ? fund.name : fund.reportName;
+    ASSERT_FALSE(organisation.isEmpty());
+    EXPECT_EQ(
+        frame_->windowTitle(),
+        QStringLiteral("Kora-Budget - %1 - budget.sqlite - %2").arg(organisation, district().activeProposal().name));
+
+    // What cannot be read is left out rather than guessed.
+    ASSERT_TRUE(QFile::remove(fundFile("Params.btr")));
+    exec(QStringLiteral("UPDATE Proposal SET Active = 'N'"));
+    newFrame();
+    ASSERT_TRUE(startAs("BUSINESS"));
+    EXPECT_EQ(frame_->windowTitle(), QStringLiteral("Kora-Budget - budget.sqlite - ") + district().proposals[0].name);
+    EXPECT_EQ(district().proposals[0].id, QStringLiteral("1"));
+}
+
+namespace {
+
+// The vertical lines drawn across the row y between x0 and x1 of an image of the bar.
+int linesBetween(const QImage &image, int x0, int x1, int y, const QColor &background)
+{
+    int lines = 0;
+    bool inLine = false;
+    for (int x = std::max(0, x0); x <= std::min(image.width() - 1, x1); ++x) {
+        const QColor c = image.pixelColor(x, y);
+        const bool line = std::abs(c.lightness() - background.lightness()) > 12;
+        if (line && !inLine)
+            ++lines;
+        inLine = line;
+    }
+    return lines;
+}
+
+} // namespace
+
+TEST_F(StartupTest, StatusPanelsHaveOneDividerAndRoomForTheirTextsAtTheMinimumWidth)
+{
+    ASSERT_TRUE(startAs("BUSINESS"));
+    frame_->show();
+    frame_->resize(1, frame_->height()); // as narrow as the window goes
+    QStatusBar *bar = frame_->statusBar();
+    bar->layout()->activate();
+    QList<QLabel *> panels;
+    for (const char *key : {"User", "Proposal", "Year", "Status", "Date"})
+        panels << bar->findChild<QLabel *>(QLatin1String(key));
+    for (QLabel *panel : panels) {
+        const int textWidth = panel->fontMetrics().horizontalAdvance(panel->text());
+        EXPECT_GE(panel->contentsRect().width(), textWidth) << panel->objectName().toStdString();
+        EXPECT_LE(panel->geometry().right(), bar->width()) << panel->objectName().toStdString();
+    }
+
+    frame_->resize(1000, 600);
+    bar->layout()->activate();
+    const QImage image = bar->grab().toImage();
+    const QColor background = bar->palette().color(QPalette::Window);
+    for (qsizetype i = 0; i + 1 < panels.size(); ++i) {
+        const QRect left = panels[i]->geometry();
+        const QRect right = panels[i + 1]->geometry();
+        // From the last text pixel of one panel to the first of the next.
+        const int from = left.left() + panels[i]->contentsMargins().left() +
+                         panels[i]->fontMetrics().horizontalAdvance(panels[i]->text()) + 2;
+        const int to = right.left() +
+                       (right.width() - panels[i + 1]->fontMetrics().horizontalAdvance(panels[i + 1]->text())) / 2 - 2;
+        EXPECT_EQ(linesBetween(image, std::max(from, left.right() - 6), to, left.center().y(), background), 1)
+            << panels[i]->objectName().toStdString() << " | " << panels[i + 1]->objectName().toStdString();
+    }
 }
 
 TEST_F(StartupTest, FatalFailuresEndStartUpWithTheirCode)
