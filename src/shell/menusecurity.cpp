@@ -71,7 +71,7 @@ void LockMenus(QWidget &window, const QString &scope)
     for (QAction *action : window.findChildren<QAction *>()) {
         const QString name = action->objectName();
         const QString key = menuPrivilegeKey(name);
-        if (!key.isEmpty() && name.startsWith(scope))
+        if (!key.isEmpty() && name.startsWith(scope, Qt::CaseInsensitive))
             action->setEnabled(userPrivileges().Allows(key));
     }
 }

@@ -31,7 +31,7 @@ BudgetPrivileges &userPrivileges();
 QString menuPrivilegeKey(const QString &menuItem);
 
 // Enables or disables, by userPrivileges(), every menu item of the window
-// whose name begins with scope (an empty scope: all of them).
+// whose name begins with scope, in any case (an empty scope: all of them).
 void LockMenus(QWidget &window, const QString &scope);
 // Each button by its PrivKey.
 void LockToolbar(classToolbar &toolbar);

@@ -373,6 +373,16 @@ TEST(Privileges, DeniedUnlessHeldWhateverTheCase)
     EXPECT_TRUE(toolbar.ButtonEnabled(QStringLiteral("Print")));
     EXPECT_FALSE(control.isEnabled());
 
+    // A scope locks only the items whose names begin with it.
+    QWidget window;
+    auto *proposal = new QAction(&window);
+    proposal->setObjectName(QStringLiteral("mnuMaintProposal"));
+    auto *tax = new QAction(&window);
+    tax->setObjectName(QStringLiteral("mnuReportTax"));
+    LockMenus(window, QStringLiteral("MNUMAINT"));
+    EXPECT_FALSE(proposal->isEnabled());
+    EXPECT_TRUE(tax->isEnabled());
+
     // Before a user is known, and after the files could not be read, nothing keyed is open.
     userPrivileges().Reset();
     EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuChooseProposal")));
