@@ -12,19 +12,20 @@ int main(int argc, char *argv[])
 {
     QElapsedTimer sinceStart;
     sinceStart.start();
-    // The usage is answered before a display is needed.
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    // --help and a bare start are answered before a display is needed; once Qt
+    // has taken its own options (-platform, -geometry, ...) out, again for what is left.
     QStringList words;
     for (int i = 0; i < argc; ++i)
         words << QString::fromLocal8Bit(argv[i]);
-    const ProgramArguments arguments = parseProgramArguments(words);
-    {
-        QTextStream out(stdout);
-        QTextStream err(stderr);
-        if (const std::optional<int> code = answerUsage(arguments, out, err))
-            return *code;
-    }
+    if (const std::optional<int> code = answerUsage(parseProgramArguments(words), out, err))
+        return *code;
 
     QApplication app(argc, argv);
+    const ProgramArguments arguments = parseProgramArguments(QCoreApplication::arguments());
+    if (const std::optional<int> code = answerUsage(arguments, out, err))
+        return *code;
     // Saved grid layouts and other per-user settings are kept under these names.
     QApplication::setOrganizationName(QStringLiteral("Kora-Budget"));
     QApplication::setApplicationName(QStringLiteral("Kora-Budget"));
