@@ -38,6 +38,7 @@ BenchDatabase::BenchDatabase(const BudgetDbConfig &config, QString sqliteFile)
     : district_(demo::makeDistrict(benchSize())), sqliteFile_(std::move(sqliteFile))
 {
     connection_.configure(config);
+    connection_.setSchemaPolicy(clsAdoConnection::SchemaPolicy::CreateOrUpgrade);
     if (!connection_.OpenConnection())
         throw std::runtime_error(("cannot open the benchmark database: " + connection_.Error().ErrorText() + " " +
                                   connection_.driverMessage())

@@ -59,12 +59,32 @@ QString clsAdoConnection::connectionString() const
            config_.DSNname;
 }
 
-bool clsAdoConnection::fail(const QString &text, const QString &detail)
+// The user reads the fixed connection message, then where the program
+// looked and why it could not open it there.
+bool clsAdoConnection::fail(const QString &reason, const QString &driverText)
 {
     connection_->detach();
-    driverMessage_ = detail;
-    error_.set(-1, QStringLiteral("OpenConnection"), text);
+    driverMessage_ = driverText;
+    error_.set(-1, QStringLiteral("OpenConnection"),
+               connectFailedText + u' ' + config_.describe() + QStringLiteral(": ") + reason);
     return false;
+}
+
+bool clsAdoConnection::checkSchema()
+{
+    if (schemaPolicy_ == SchemaPolicy::LeaveAlone)
+        return true;
+    DbError error;
+    if (schemaPolicy_ == SchemaPolicy::RequireBudget) {
+        BudgetSchema::State state;
+        if (!BudgetSchema::inspect(*connection_, state, &error))
+            return fail(error.text, error.text);
+        if (state.kind == BudgetSchema::Kind::Empty)
+            return fail(QStringLiteral("it holds no budget database (kora-budget-admin creates one)."), QString());
+    }
+    if (!BudgetSchema::migrate(*connection_, &error))
+        return fail(error.text, error.text);
+    return true;
 }
 
 bool clsAdoConnection::OpenConnection()
@@ -72,6 +92,11 @@ bool clsAdoConnection::OpenConnection()
     CloseConnection();
     error_.Clear();
     driverMessage_.clear();
+    const bool sqlite = config_.backend == BudgetDbConfig::Backend::SQLite;
+    if (sqlite && schemaPolicy_ == SchemaPolicy::RequireBudget && !QFileInfo::exists(config_.sqliteFile))
+        return fail(QStringLiteral("the file does not exist."), QString());
+    if (sqlite && schemaPolicy_ != SchemaPolicy::RequireBudget)
+        QDir().mkpath(QFileInfo(config_.sqliteFile).absolutePath());
 
     const QString name = uniqueConnectionName();
     SqlDialect backend = SqlDialect::SQLite;
@@ -83,7 +108,6 @@ bool clsAdoConnection::OpenConnection()
         switch (config_.backend) {
         case BudgetDbConfig::Backend::SQLite:
             db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-            QDir().mkpath(QFileInfo(config_.sqliteFile).absolutePath());
             db.setDatabaseName(config_.sqliteFile);
             db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
             break;
@@ -105,7 +129,7 @@ bool clsAdoConnection::OpenConnection()
         }
         // No credentials are passed: the data source carries them.
         opened = db.isValid() && db.open();
-        detail = db.isValid() ? db.lastError().text() : QStringLiteral("The Qt SQL driver is missing.");
+        detail = db.isValid() ? db.lastError().text().trimmed() : QStringLiteral("The Qt SQL driver is missing.");
         if (opened && backend == SqlDialect::Odbc)
             statements = probeOdbcEngine(db);
         else
@@ -113,16 +137,10 @@ bool clsAdoConnection::OpenConnection()
     }
     if (!opened) {
         QSqlDatabase::removeDatabase(name);
-        return fail(connectFailedText, detail);
+        return fail(detail, detail);
     }
     connection_->attach(name, backend, statements);
-
-    if (schemaPolicy_ == SchemaPolicy::CreateOrUpgrade) {
-        DbError error;
-        if (!BudgetSchema::migrate(*connection_, &error))
-            return fail(error.text, error.text);
-    }
-    return true;
+    return checkSchema();
 }
 
 bool clsAdoConnection::CloseConnection()

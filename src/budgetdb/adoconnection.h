@@ -11,10 +11,19 @@
 // dbConnection().
 class clsAdoConnection {
 public:
-    // What OpenConnection does with the schema once connected.
+    // What OpenConnection may create and what it does with the schema.
     enum class SchemaPolicy {
-        CreateOrUpgrade, // create an empty database's schema, apply missing migrations
-        LeaveAlone,      // open as found (the admin program inspects it itself)
+        // The program: the database must exist and hold a budget schema (an
+        // older one is upgraded); a missing SQLite file or an empty database
+        // is refused, naming what was looked for. Nothing is created.
+        RequireBudget,
+        // kora-budget-admin's demo and the tests: a missing SQLite file (and
+        // its folder) is made, an empty database gets the schema.
+        CreateOrUpgrade,
+        // kora-budget-admin's own inspection: opened as found, schema
+        // untouched (SQLite makes a missing file empty, so check first when
+        // that matters).
+        LeaveAlone,
     };
 
     clsAdoConnection();
@@ -36,7 +45,8 @@ public:
     const BudgetDbConfig &config() const { return config_; }
 
     clsErrObject &Error() { return error_; }
-    // What the driver said when the last OpenConnection failed (the user sees Error's text).
+    // What the driver said when the last OpenConnection failed. Error's text
+    // holds the fixed connection message, what was looked for, and this.
     const QString &driverMessage() const { return driverMessage_; }
 
     // The ODBC connection string: the full driver string when LessConn, else the data source name.
@@ -49,10 +59,11 @@ public:
     std::shared_ptr<DbConnection> dbConnection() const { return connection_; }
 
 private:
-    bool fail(const QString &text, const QString &detail);
+    bool fail(const QString &reason, const QString &driverText);
+    bool checkSchema();
 
     BudgetDbConfig config_;
-    SchemaPolicy schemaPolicy_ = SchemaPolicy::CreateOrUpgrade;
+    SchemaPolicy schemaPolicy_ = SchemaPolicy::RequireBudget;
     std::shared_ptr<DbConnection> connection_;
     clsErrObject error_;
     QString driverMessage_;

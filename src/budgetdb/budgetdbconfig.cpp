@@ -38,6 +38,11 @@ std::optional<bool> parseFlag(const QString &text)
     return std::nullopt;
 }
 
+QString pgHost(const BudgetDbConfig::PgSettings &pg)
+{
+    return pg.host.isEmpty() ? QStringLiteral("localhost") : pg.host;
+}
+
 } // namespace
 
 QString backendName(BudgetDbConfig::Backend backend)
@@ -81,8 +86,12 @@ QString BudgetDbConfig::resolvePath(const QStringList &arguments)
 std::optional<BudgetDbConfig> BudgetDbConfig::load(const QString &path, QString *error)
 {
     BudgetDbConfig config;
-    if (!QFileInfo::exists(path))
-        return config;
+    if (!QFileInfo::exists(path)) {
+        if (path == defaultConfigPath())
+            return config;
+        setError(error, QStringLiteral("The configuration file %1 does not exist.").arg(path));
+        return std::nullopt;
+    }
     QSettings ini(path, QSettings::IniFormat);
     if (ini.status() != QSettings::NoError) {
         setError(error, QStringLiteral("Cannot read the configuration file %1.").arg(path));
@@ -154,6 +163,34 @@ bool BudgetDbConfig::save(const QString &path) const
     ini.setValue(QStringLiteral("ODBC/Driver"), odbcDriver);
     ini.sync();
     return ini.status() == QSettings::NoError;
+}
+
+QString BudgetDbConfig::describe() const
+{
+    switch (backend) {
+    case Backend::SQLite:
+        return QStringLiteral("SQLite file %1").arg(sqliteFile);
+    case Backend::PostgreSQL:
+        return QStringLiteral("PostgreSQL database \"%1\" on %2:%3").arg(pg.database, pgHost(pg)).arg(pg.port);
+    case Backend::Odbc:
+        if (LessConn)
+            return QStringLiteral("ODBC data source \"%1\" on server \"%2\"").arg(DSNname, ServerName);
+        return QStringLiteral("ODBC data source \"%1\"").arg(DSNname);
+    }
+    return {};
+}
+
+QString BudgetDbConfig::shortName() const
+{
+    switch (backend) {
+    case Backend::SQLite:
+        return QFileInfo(sqliteFile).fileName();
+    case Backend::PostgreSQL:
+        return pgHost(pg) + u'/' + pg.database;
+    case Backend::Odbc:
+        return LessConn && !ServerName.isEmpty() ? ServerName + u'/' + DSNname : DSNname;
+    }
+    return {};
 }
 
 std::optional<BudgetDbConfig::PgSettings> BudgetDbConfig::parsePgSettings(const QString &keywords, QString *error)

@@ -35,9 +35,18 @@ struct BudgetDbConfig {
     // --config FILE (or --config=FILE) in arguments, else $KORA_BUDGET_CONFIG, else the default.
     static QString resolvePath(const QStringList &arguments);
 
-    // A missing file gives the defaults; a malformed one gives nullopt and *error.
+    // The per-user default file may be missing and then gives the defaults; a
+    // file named any other way must exist. A missing or malformed file gives
+    // nullopt and *error naming it.
     static std::optional<BudgetDbConfig> load(const QString &path, QString *error = nullptr);
     bool save(const QString &path) const;
+
+    // What was looked for, for messages: "SQLite file /srv/budget.sqlite",
+    // "PostgreSQL database "kora_budget" on budget-server:5432", ...
+    QString describe() const;
+    // The database in a few words, for the main window's title: the SQLite
+    // file's name, server/database, or the ODBC data source.
+    QString shortName() const;
 
     // libpq-style "host=/tmp/pg port=5433 dbname=budget user=kora password=x".
     static std::optional<PgSettings> parsePgSettings(const QString &keywords, QString *error = nullptr);

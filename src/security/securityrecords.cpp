@@ -2,6 +2,8 @@
 
 #include "patternmatch.h"
 
+#include <QHash>
+
 #include <array>
 #include <cstdint>
 #include <limits>
@@ -86,6 +88,11 @@ QString classObjectUsers::DisplayName() const
     return name + LastName;
 }
 
+bool classObjectUsers::IsActive() const
+{
+    return isYes(Active);
+}
+
 classObjectUserPriv::classObjectUserPriv() : RecordObject(userPrivFile, userPrivBindings, 0)
 {
 }
@@ -139,6 +146,11 @@ int classObjectAcctCode::GetListForUser(const QString &userId, std::vector<AcctC
     return listFrom(0, list, [&](const AcctCodeFields &row) { return sameId(row.UserID, userId); });
 }
 
+QString privilegeKeyIdentity(const QString &key)
+{
+    return key.trimmed().toLower();
+}
+
 bool accountCodeAllowed(const QString &accountCode, const std::vector<AcctCodeFields> &entries)
 {
     for (const AcctCodeFields &entry : entries) {
@@ -171,11 +183,14 @@ int userPrivilegeKeys(const QString &ddfPath, const QString &fundFolder, const Q
         status = definitions.GetListForApplication(applicationId, defined);
     if (status != 0)
         return status;
-    QSet<QString> definedKeys;
+    // Keys compare without regard to case (and to the blanks a fixed-width
+    // field may keep); a grant is reported in its definition's spelling.
+    QHash<QString, QString> definedKeys;
     for (const AppPrivDefFields &definition : defined)
-        definedKeys.insert(definition.PrivilegeKey);
+        definedKeys.insert(privilegeKeyIdentity(definition.PrivilegeKey), definition.PrivilegeKey.trimmed());
     if (isYes(userPriv.AllPrivileges)) {
-        keys = definedKeys;
+        for (const QString &key : std::as_const(definedKeys))
+            keys.insert(key);
         return 0;
     }
 
@@ -187,8 +202,9 @@ int userPrivilegeKeys(const QString &ddfPath, const QString &fundFolder, const Q
     if (status != 0)
         return status;
     for (const AppPrivFields &grant : grants) {
-        if (isYes(grant.Granted) && definedKeys.contains(grant.PrivilegeKey))
-            keys.insert(grant.PrivilegeKey);
+        const auto definition = definedKeys.constFind(privilegeKeyIdentity(grant.PrivilegeKey));
+        if (isYes(grant.Granted) && definition != definedKeys.constEnd())
+            keys.insert(*definition);
     }
     return 0;
 }

@@ -15,7 +15,7 @@ struct UserFields {
     QString LastName;
     QString PrintPreview;
     QString RestrictAcctCodes; // "Y": only the account codes of the access entries
-    QString Active;
+    QString Active;            // "Y" while the user may log in
     QString DateAdd;
     QString DateChg;
 };
@@ -27,6 +27,8 @@ public:
     int RetrieveByLoginID();
     // "First M. Last", or "First Last" without a middle initial.
     QString DisplayName() const;
+    // Only a user marked "Y" may work: a blank flag is not taken as active.
+    bool IsActive() const;
 };
 
 struct UserPrivFields {
@@ -95,9 +97,15 @@ public:
 // True when the code matches the Entry of at least one access entry.
 bool accountCodeAllowed(const QString &accountCode, const std::vector<AcctCodeFields> &entries);
 
+// What two spellings of one privilege key have in common: keys match without
+// regard to case or surrounding blanks.
+QString privilegeKeyIdentity(const QString &key);
+
 // The privilege keys a user (record ID) holds in an application, read from
-// the files under fundFolder with the dictionary at ddfPath. Status 0 and the
-// keys; a user without access to the application holds none (status 0).
+// the files under fundFolder with the dictionary at ddfPath: every defined key
+// with "All Privileges", else the granted keys that are defined, each spelled
+// as its definition. Status 0 and the keys; a user without access to the
+// application holds none (status 0).
 int userPrivilegeKeys(const QString &ddfPath, const QString &fundFolder, const QString &userId,
                       const QString &applicationId, QSet<QString> &keys);
 

@@ -1,5 +1,6 @@
 #include "formabout.h"
 
+#include "dialogframe.h"
 #include "errobject.h"
 #include "messageservice.h"
 
@@ -12,7 +13,7 @@
 formAbout::formAbout(QWidget *parent) : QDialog(parent)
 {
     setWindowTitle(QStringLiteral("About ") + QLatin1String(applicationTitle));
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setDialogFrame(*this);
     auto *title = new QLabel(QLatin1String(applicationTitle), this);
     title->setObjectName(QStringLiteral("lblTitle"));
     QFont big = title->font();

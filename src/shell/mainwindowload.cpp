@@ -79,6 +79,7 @@ bool MainWindowLoad::Load(const StartupSettings &settings)
         messages().errorDialog({4, QStringLiteral("Error returned from Kora-Fund"),
                                 QStringLiteral("Cannot read the user's privileges. error:%1").arg(status), false});
     LockMenus(frame_, QString());
+    frame_.ShowWhere(ReadDistrictName(), settings.config.shortName(), ProposalName(gstrProposalID));
     parentWindow = &frame_;
     // Every user's report dialogs start on Preview, whatever the user record says.
     gintPrintPreview = 1;

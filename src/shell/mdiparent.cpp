@@ -109,6 +109,42 @@ void mdiParent::registerReport(const QString &name, ReportRunner runner)
     reports_[normalised(name)] = std::move(runner);
 }
 
+void mdiParent::registerUnavailable(TaskKind kind, const QString &name, const QString &title)
+{
+    unavailable_[{kind, normalised(name)}] = title;
+}
+
+bool mdiParent::HasTask(TaskKind kind, const QString &name) const
+{
+    const QString key = normalised(name);
+    if (unavailable_.count({kind, key}) > 0)
+        return true;
+    switch (kind) {
+    case TaskKind::Child:
+        return childFactories_.count(key) > 0;
+    case TaskKind::Modal:
+        return modalFactories_.count(key) > 0;
+    case TaskKind::Report:
+        return reports_.count(key) > 0;
+    }
+    return false;
+}
+
+// A registered task that is not written yet is an expected notice; a name
+// nobody registered is a wiring fault, still said rather than swallowed.
+void mdiParent::notAvailable(TaskKind kind, const QString &name)
+{
+    const auto found = unavailable_.find({kind, normalised(name)});
+    if (found != unavailable_.end())
+        messages().messageBox({QLatin1String(applicationTitle),
+                               QStringLiteral("%1 is not available yet.").arg(found->second), MsgButtons::OK,
+                               MsgIcon::Information});
+    else
+        messages().messageBox({QLatin1String(applicationTitle),
+                               QStringLiteral("No task named %1 is registered.").arg(name), MsgButtons::OK,
+                               MsgIcon::Critical});
+}
+
 bool mdiParent::IsFormLoaded(const QString &name) const
 {
     return openChildren_.count(normalised(name)) > 0;
@@ -129,8 +165,10 @@ void mdiParent::OpenChildWorker(const QString &name)
         return;
     }
     const auto factory = childFactories_.find(key);
-    if (factory == childFactories_.end())
+    if (factory == childFactories_.end()) {
+        notAvailable(TaskKind::Child, name);
         return;
+    }
     std::unique_ptr<ChildWorker> worker = factory->second();
     if (!worker)
         return;
@@ -150,8 +188,10 @@ void mdiParent::OpenChildWorker(const QString &name)
 void mdiParent::RunModalWorker(const QString &name, const EntryProperties &entry)
 {
     const auto factory = modalFactories_.find(normalised(name));
-    if (factory == modalFactories_.end())
+    if (factory == modalFactories_.end()) {
+        notAvailable(TaskKind::Modal, name);
         return;
+    }
     if (std::unique_ptr<ModalWorker> worker = factory->second(entry))
         worker->DoModalForm();
 }
@@ -159,7 +199,9 @@ void mdiParent::RunModalWorker(const QString &name, const EntryProperties &entry
 void mdiParent::RunReport(const QString &name, const QString &type)
 {
     const auto runner = reports_.find(normalised(name));
-    if (runner != reports_.end())
+    if (runner == reports_.end())
+        notAvailable(TaskKind::Report, name);
+    else
         runner->second(type);
 }
 
@@ -236,6 +278,16 @@ void mdiParent::ShowAbout()
 {
     formAbout about(this);
     about.exec();
+}
+
+void mdiParent::ShowWhere(const QString &district, const QString &database, const QString &proposal)
+{
+    QStringList parts{QLatin1String(applicationTitle)};
+    for (const QString &part : {district, database, proposal}) {
+        if (!part.trimmed().isEmpty())
+            parts << part.trimmed();
+    }
+    setWindowTitle(parts.join(QStringLiteral(" - ")));
 }
 
 void mdiParent::fillWindowList()

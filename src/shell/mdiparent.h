@@ -14,10 +14,13 @@
 class QMdiArea;
 class QPrinter;
 
+enum class TaskKind { Child, Modal, Report };
+
 // The frame window: the multiple-document area, the menu of every task and
-// the status bar. Tasks are plugged in by name as they are written; a menu
-// item whose task is not registered does nothing. Start-up and shut-down are
-// not part of the frame's construction: they run on a frame that exists.
+// the status bar. Tasks are plugged in by name (programtasks.h lists the
+// program's); a menu item whose task is not available tells the user so
+// rather than doing nothing. Start-up and shut-down are not part of the
+// frame's construction: they run on a frame that exists.
 class mdiParent : public QMainWindow {
     Q_OBJECT
 public:
@@ -44,6 +47,10 @@ public:
     void registerChildWorker(const QString &name, ChildFactory factory);
     void registerModalWorker(const QString &name, ModalFactory factory);
     void registerReport(const QString &name, ReportRunner runner);
+    // A task whose window is not written yet: asking for it says so, under its title.
+    void registerUnavailable(TaskKind kind, const QString &name, const QString &title);
+    // True when the task is registered, runnable or as not available yet.
+    bool HasTask(TaskKind kind, const QString &name) const;
 
     bool IsFormLoaded(const QString &name) const;
     void ShowWorker(const QString &name);
@@ -58,11 +65,15 @@ public:
     void TileVertically();
     void ArrangeIcons();
     void ShowAbout();
+    // The title names where the user works: the district, the budget
+    // database and the proposal; an empty part is left out.
+    void ShowWhere(const QString &district, const QString &database, const QString &proposal);
 
 private:
     void buildMenu();
     void fillWindowList();
     void tile(Qt::Orientation orientation);
+    void notAvailable(TaskKind kind, const QString &name);
 
     QMdiArea *area_;
     classStatusbar statusbar_;
@@ -72,5 +83,6 @@ private:
     std::map<QString, ChildFactory> childFactories_; // by lower-case name
     std::map<QString, ModalFactory> modalFactories_;
     std::map<QString, ReportRunner> reports_;
+    std::map<std::pair<TaskKind, QString>, QString> unavailable_; // → the task's title
     std::map<QString, std::unique_ptr<ChildWorker>> openChildren_;
 };

@@ -8,29 +8,48 @@
 
 namespace {
 
-MenuEntry item(const char *name, const char *caption, const char *parent, std::function<void(mdiParent &)> action = {})
+// What an item does: a frame operation, or a task of the frame's by name.
+struct Runs {
+    std::optional<MenuTask> task;
+    std::function<void(mdiParent &)> action;
+};
+
+MenuEntry item(const char *name, const char *caption, const char *parent, Runs runs = {})
 {
-    return {QLatin1String(name), QLatin1String(caption), QLatin1String(parent), std::move(action)};
+    return {QLatin1String(name), QLatin1String(caption), QLatin1String(parent), std::move(runs.task),
+            std::move(runs.action)};
 }
 
 MenuEntry separator(const char *name, const char *parent)
 {
-    return {QLatin1String(name), QString(), QLatin1String(parent), {}};
+    return {QLatin1String(name), QString(), QLatin1String(parent), std::nullopt, {}};
 }
 
-std::function<void(mdiParent &)> modal(const char *worker)
+Runs does(std::function<void(mdiParent &)> action)
 {
-    return [worker](mdiParent &frame) { frame.RunModalWorker(QLatin1String(worker)); };
+    return {std::nullopt, std::move(action)};
 }
 
-std::function<void(mdiParent &)> child(const char *worker)
+Runs runs(TaskKind kind, const char *task, std::function<void(mdiParent &, const QString &)> run)
 {
-    return [worker](mdiParent &frame) { frame.OpenChildWorker(QLatin1String(worker)); };
+    const QString name = QLatin1String(task);
+    return {MenuTask{kind, name}, [name, run = std::move(run)](mdiParent &frame) { run(frame, name); }};
 }
 
-std::function<void(mdiParent &)> report(const char *name, const char *type = "")
+Runs modal(const char *worker)
 {
-    return [name, type](mdiParent &frame) { frame.RunReport(QLatin1String(name), QLatin1String(type)); };
+    return runs(TaskKind::Modal, worker, [](mdiParent &frame, const QString &name) { frame.RunModalWorker(name); });
+}
+
+Runs child(const char *worker)
+{
+    return runs(TaskKind::Child, worker, [](mdiParent &frame, const QString &name) { frame.OpenChildWorker(name); });
+}
+
+Runs report(const char *name, const char *type = "")
+{
+    return runs(TaskKind::Report, name,
+                [type](mdiParent &frame, const QString &report) { frame.RunReport(report, QLatin1String(type)); });
 }
 
 std::vector<MenuEntry> build()
@@ -38,18 +57,19 @@ std::vector<MenuEntry> build()
     return {
         item("mnuFile", "&File", ""),
         item("mnuFileProposedBudget", "Proposed &Budget", "mnuFile",
-             [](mdiParent &frame) {
-                 QCoreApplication::processEvents();
-                 frame.RunModalWorker(QStringLiteral("workerEditGrid"),
-                                      {{QStringLiteral("DisplayType"), QStringLiteral("PB")},
-                                       {QStringLiteral("LedgerID"), QString()},
-                                       {QStringLiteral("FundID"), QString()}});
-             }),
+             runs(TaskKind::Modal, "workerEditGrid",
+                  [](mdiParent &frame, const QString &name) {
+                      QCoreApplication::processEvents();
+                      frame.RunModalWorker(name, {{QStringLiteral("DisplayType"), QStringLiteral("PB")},
+                                                  {QStringLiteral("LedgerID"), QString()},
+                                                  {QStringLiteral("FundID"), QString()}});
+                  })),
         separator("mnuFileSep1", "mnuFile"),
-        item("mnuFilePrint", "&Print...", "mnuFile", [](mdiParent &frame) { frame.FilePrint(); }),
-        item("mnuFilePrinterSetup", "Printer &Setup...", "mnuFile", [](mdiParent &frame) { frame.PrinterSetup(); }),
+        item("mnuFilePrint", "&Print...", "mnuFile", does([](mdiParent &frame) { frame.FilePrint(); })),
+        item("mnuFilePrinterSetup", "Printer &Setup...", "mnuFile",
+             does([](mdiParent &frame) { frame.PrinterSetup(); })),
         separator("mnuFileSep2", "mnuFile"),
-        item("mnuFileExit", "E&xit", "mnuFile", [](mdiParent &frame) { frame.close(); }),
+        item("mnuFileExit", "E&xit", "mnuFile", does([](mdiParent &frame) { frame.close(); })),
         item("mnuEdit", "&Edit", ""),
         item("mnuBudgetAccountCodes", "&Account Codes", "mnuEdit", modal("workerEditAccountCodes")),
         item("mnuReports", "&Reports", ""),
@@ -70,39 +90,43 @@ std::vector<MenuEntry> build()
         item("mnuChartsRevenue", "Revenue", "mnuReportCharts", report("Chart", "R")),
         item("mnuChartsExpenditure", "Expenditure", "mnuReportCharts", report("Chart", "E")),
         item("mnuMaintenance", "&Maintenance", ""),
-        // The worker's factory opens the system parameters first and gives
-        // nothing when they cannot be read.
+        // The organisation record is opened before its dialog; a file that
+        // cannot be opened is reported and no dialog runs.
         item("mnuMaintOrganization", "&Organization", "mnuMaintenance",
-             [](mdiParent &frame) {
-                 if (openSystemParameters())
-                     frame.RunModalWorker(QStringLiteral("workerSysParams"));
-             }),
+             runs(TaskKind::Modal, "workerSysParams",
+                  [](mdiParent &frame, const QString &name) {
+                      if (openSystemParameters())
+                          frame.RunModalWorker(name);
+                  })),
         item("mnuMaintProposal", "&Proposal", "mnuMaintenance", modal("workerProposal")),
         item("mnuMaintAccountCodes", "&Account Codes", "mnuMaintenance", child("workerAccountCodes")),
         item("mnuMaintTaxRate", "&Tax Rate", "mnuMaintenance"),
         item("mnuMaintFundBalances", "&Fund Balances", "mnuMaintenance", modal("workerFundBalances")),
         item("mnuMaintEqualDistricts", "&Equalization Districts", "mnuMaintenance", modal("workerEqualization")),
         item("mnuUtilities", "&Utilities", ""),
+        // Opened like a child task, by name, but run as a modal one.
         item("mnuInitializeBudget", "Initialize &Budget", "mnuUtilities",
-             [](mdiParent &frame) {
-                 const QString name = QStringLiteral("workerInitBudget");
-                 if (frame.IsFormLoaded(name))
-                     frame.ShowWorker(name);
-                 else
-                     frame.RunModalWorker(name);
-             }),
+             runs(TaskKind::Modal, "workerInitBudget",
+                  [](mdiParent &frame, const QString &name) {
+                      if (frame.IsFormLoaded(name))
+                          frame.ShowWorker(name);
+                      else
+                          frame.RunModalWorker(name);
+                  })),
         item("mnuChooseProposal", "&Change Active Proposal", "mnuUtilities", modal("workerSelectProposal")),
         item("mnuWindow", "&Window", ""),
         item("mnuRefresh", "&Refresh", "mnuWindow"),
         separator("mnuWindowSep1", "mnuWindow"),
         item("mnuWindowTileHorizontally", "Tile &Horizontally", "mnuWindow",
-             [](mdiParent &frame) { frame.TileHorizontally(); }),
+             does([](mdiParent &frame) { frame.TileHorizontally(); })),
         item("mnuWindowTileVertically", "Tile &Vertically", "mnuWindow",
-             [](mdiParent &frame) { frame.TileVertically(); }),
-        item("mnuWindowCascade", "&Cascade", "mnuWindow", [](mdiParent &frame) { frame.Area().cascadeSubWindows(); }),
-        item("mnuWindowArrangeIcons", "&Arrange Icons", "mnuWindow", [](mdiParent &frame) { frame.ArrangeIcons(); }),
+             does([](mdiParent &frame) { frame.TileVertically(); })),
+        item("mnuWindowCascade", "&Cascade", "mnuWindow",
+             does([](mdiParent &frame) { frame.Area().cascadeSubWindows(); })),
+        item("mnuWindowArrangeIcons", "&Arrange Icons", "mnuWindow",
+             does([](mdiParent &frame) { frame.ArrangeIcons(); })),
         item("mnuHelp", "&Help", ""),
-        item("mnuHelpAbout", "&About...", "mnuHelp", [](mdiParent &frame) { frame.ShowAbout(); }),
+        item("mnuHelpAbout", "&About...", "mnuHelp", does([](mdiParent &frame) { frame.ShowAbout(); })),
     };
 }
 

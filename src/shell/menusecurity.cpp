@@ -7,14 +7,12 @@
 #include <QHash>
 #include <QWidget>
 
-#include <vector>
-
 namespace {
 
-// Menu item → privilege key. Most items are their own key; the charts'
-// entries go with their submenu. Items not listed (the menus themselves,
-// printing, exit, the window list, help, and the items without an action)
-// need no privilege. docs/privileges.md carries the same table.
+// Menu item (by privilegeKeyIdentity) → privilege key. Most items are their
+// own key; the charts' entries go with their submenu. Items not listed (the
+// menus themselves, printing, exit, the window list, help, and the items
+// without an action) need no privilege. docs/privileges.md carries the same table.
 const QHash<QString, QString> &menuKeys()
 {
     static const QHash<QString, QString> keys = [] {
@@ -25,9 +23,9 @@ const QHash<QString, QString> &menuKeys()
               "mnuReportsGenerator", "mnuReportsPublicBudget", "mnuReportCharts", "mnuMaintOrganization",
               "mnuMaintProposal", "mnuMaintAccountCodes", "mnuMaintFundBalances", "mnuMaintEqualDistricts",
               "mnuInitializeBudget", "mnuChooseProposal"})
-            map.insert(QLatin1String(item), QLatin1String(item));
-        map.insert(QStringLiteral("mnuChartsRevenue"), QStringLiteral("mnuReportCharts"));
-        map.insert(QStringLiteral("mnuChartsExpenditure"), QStringLiteral("mnuReportCharts"));
+            map.insert(privilegeKeyIdentity(QLatin1String(item)), QLatin1String(item));
+        map.insert(privilegeKeyIdentity(QStringLiteral("mnuChartsRevenue")), QStringLiteral("mnuReportCharts"));
+        map.insert(privilegeKeyIdentity(QStringLiteral("mnuChartsExpenditure")), QStringLiteral("mnuReportCharts"));
         return map;
     }();
     return keys;
@@ -38,40 +36,23 @@ const QHash<QString, QString> &menuKeys()
 int BudgetPrivileges::Load(const QString &ddfPath, const QString &fundFolder, const QString &userId)
 {
     Reset();
-    classObjectAppPrivDef definitions;
-    std::vector<AppPrivDefFields> defined;
-    int status = definitions.Init(ddfPath, fundFolder);
-    if (status == 0)
-        status = definitions.GetListForApplication(QLatin1String(budgetApplicationId), defined);
     QSet<QString> held;
-    if (status == 0)
-        status = userPrivilegeKeys(ddfPath, fundFolder, userId, QLatin1String(budgetApplicationId), held);
-    if (status != 0) {
-        denyAll_ = true;
+    const int status = userPrivilegeKeys(ddfPath, fundFolder, userId, QLatin1String(budgetApplicationId), held);
+    if (status != 0)
         return status;
-    }
-    for (const AppPrivDefFields &definition : defined)
-        defined_.insert(definition.PrivilegeKey.toLower());
-    for (const QString &key : held)
-        held_.insert(key.toLower());
+    for (const QString &key : std::as_const(held))
+        held_.insert(privilegeKeyIdentity(key));
     return 0;
 }
 
 void BudgetPrivileges::Reset()
 {
-    defined_.clear();
     held_.clear();
-    denyAll_ = false;
 }
 
 bool BudgetPrivileges::Allows(const QString &key) const
 {
-    if (key.isEmpty())
-        return true;
-    if (denyAll_)
-        return false;
-    const QString lower = key.toLower();
-    return !defined_.contains(lower) || held_.contains(lower);
+    return key.isEmpty() || held_.contains(privilegeKeyIdentity(key));
 }
 
 BudgetPrivileges &userPrivileges()
@@ -82,7 +63,7 @@ BudgetPrivileges &userPrivileges()
 
 QString menuPrivilegeKey(const QString &menuItem)
 {
-    return menuKeys().value(menuItem);
+    return menuKeys().value(privilegeKeyIdentity(menuItem));
 }
 
 void LockMenus(QWidget &window, const QString &scope)
@@ -90,7 +71,7 @@ void LockMenus(QWidget &window, const QString &scope)
     for (QAction *action : window.findChildren<QAction *>()) {
         const QString name = action->objectName();
         const QString key = menuPrivilegeKey(name);
-        if (!key.isEmpty() && name.startsWith(scope))
+        if (!key.isEmpty() && name.startsWith(scope, Qt::CaseInsensitive))
             action->setEnabled(userPrivileges().Allows(key));
     }
 }

@@ -7,23 +7,21 @@ class QAction;
 class QWidget;
 class classToolbar;
 
-// What the logged-in user may do in the application "BUDGET". A privilege
-// key the installation defines is allowed only when the user holds it; a key
-// it does not define is left to everyone, so a new menu item is not locked
-// before the fund-accounting side knows of it.
+// What the logged-in user may do in the application "BUDGET", denied by
+// default: a keyed item is allowed only when the user holds its key, so a key
+// the installation does not define, a user without access, or privilege files
+// that cannot be read leave it locked. An empty key needs no privilege.
 class BudgetPrivileges {
 public:
-    // Reads the defined keys and the user's (record ID) keys from the fund
-    // folder. 0, or the Kora-Fund status; after a failure nothing keyed is allowed.
+    // Reads the keys the user (record ID) holds from the fund folder. 0, or
+    // the Kora-Fund status; after a failure the user holds nothing.
     int Load(const QString &ddfPath, const QString &fundFolder, const QString &userId);
-    // Every key allowed: the state before a user is known.
+    // Holds nothing: the state before a user is known.
     void Reset();
     bool Allows(const QString &key) const;
 
 private:
-    QSet<QString> defined_; // lower-case
-    QSet<QString> held_;
-    bool denyAll_ = false;
+    QSet<QString> held_; // by privilegeKeyIdentity
 };
 
 // The privileges start-up read for the user.
@@ -33,7 +31,7 @@ BudgetPrivileges &userPrivileges();
 QString menuPrivilegeKey(const QString &menuItem);
 
 // Enables or disables, by userPrivileges(), every menu item of the window
-// whose name begins with scope (an empty scope: all of them).
+// whose name begins with scope, in any case (an empty scope: all of them).
 void LockMenus(QWidget &window, const QString &scope);
 // Each button by its PrivKey.
 void LockToolbar(classToolbar &toolbar);

@@ -5,6 +5,7 @@
 #include "fundfiles.h"
 #include "messageservice.h"
 #include "objectparameters.h"
+#include "objectsysparams.h"
 #include "objectyear.h"
 #include "paths.h"
 #include "proposal.h"
@@ -53,6 +54,8 @@ bool OpenDatabase(const BudgetDbConfig &config)
     gadoConnection->configure(config);
     if (gadoConnection->OpenConnection())
         return true;
+    // The program stops here: the log keeps what the user was shown.
+    gadoConnection->Error().LogError();
     gadoConnection->Error().DisplayError();
     return false;
 }
@@ -93,7 +96,7 @@ long LoadUser(QString &userId, QString &userName)
         return fundFileNotOpened;
     }
     users.LoginUserID = userId;
-    if (users.RetrieveByLoginID() != 0)
+    if (users.RetrieveByLoginID() != 0 || !users.IsActive())
         return unknownUser;
     userName = users.DisplayName();
     userId = users.ID;
@@ -168,6 +171,23 @@ long ReadFundYear(QString &message)
     }
     gstrFirstFiscalMonth = QString::number(parameters.FirstFiscalMonth);
     return 0;
+}
+
+QString ReadDistrictName()
+{
+    classObjectSysParams organisation;
+    if (organisation.Init(gstrRootPath, gstrFundPath) != 0 || organisation.Retrieve() != 0)
+        return {};
+    const QString reportName = organisation.ReportName.trimmed();
+    return reportName.isEmpty() ? organisation.Name.trimmed() : reportName;
+}
+
+QString ProposalName(const QString &proposalId)
+{
+    clsProposal proposal;
+    proposal.setAdoConnection(gadoConnection->dbConnection());
+    proposal.ProposalItem().ID = proposalId;
+    return proposal.Retrieve() ? proposal.ProposalItem().Name.trimmed() : QString();
 }
 
 void Pause()

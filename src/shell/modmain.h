@@ -11,11 +11,12 @@
 // Result codes of the command-line and user checks.
 inline constexpr long invalidCommandLine = -6; // empty, or no blank between user and root
 inline constexpr long rootNotFound = -1;
-inline constexpr long unknownUser = -2;
+inline constexpr long unknownUser = -2;          // no such user, or one no longer active
 inline constexpr long fundFileNotOpened = -2001; // the users or the parameter file
 
 // Makes gadoConnection from the configuration (data source and server name
-// included) and opens it; on failure shows the connection's error and returns false.
+// included) and opens an existing budget database; on failure logs and shows
+// the connection's error (what was looked for and why) and returns false.
 bool OpenDatabase(const BudgetDbConfig &config);
 // Closes gadoConnection when there is one; false (after showing why) when closing failed.
 bool CloseDatabase();
@@ -29,7 +30,7 @@ long CheckRootPath(const QString &root);
 
 // Finds the user by log-in ID in the Kora-Fund users file: the ID becomes the
 // record ID, the display name "First M. Last", and gintPrintPreview the
-// user's setting. 0, -2 (no such user) or -2001 (users file not opened, after
+// user's setting. 0, -2 (no such user, or not active) or -2001 (users file not opened, after
 // saying so).
 long LoadUser(QString &userId, QString &userName);
 
@@ -41,6 +42,12 @@ void ReadBudgetYears();
 // gstrYear (the latest Kora-Fund year) and gstrFirstFiscalMonth; 0, or a
 // status with its explanation in message.
 long ReadFundYear(QString &message);
+
+// The organisation's report name (its name when that is blank); empty when
+// the organisation record cannot be read.
+QString ReadDistrictName();
+// The name of the proposal with that ID; empty when it cannot be read.
+QString ProposalName(const QString &proposalId);
 
 // Busy-waits two seconds.
 void Pause();

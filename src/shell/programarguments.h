@@ -12,6 +12,11 @@ struct ProgramArguments {
     // --startup-timing (or KORA_STARTUP_TIMING set): print the milliseconds from
     // process start to a shown main window, then quit.
     bool startupTiming = false;
+    bool help = false; // --help or -h
+    QString problem;   // an option used wrongly, said with the usage
 };
 
 ProgramArguments parseProgramArguments(const QStringList &arguments);
+
+// The text --help prints.
+QString programUsage();

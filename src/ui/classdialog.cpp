@@ -4,6 +4,7 @@
 #include "classgrid.h"
 #include "classstatusbar.h"
 #include "classtoolbar.h"
+#include "dialogframe.h"
 #include "twips.h"
 #include "wrappererror.h"
 
@@ -27,7 +28,7 @@ QString source(const char *member)
 
 classDialog::classDialog(DialogWorker &worker, QWidget *parent) : QDialog(parent), worker_(worker)
 {
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setDialogFrame(*this);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);

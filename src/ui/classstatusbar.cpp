@@ -5,6 +5,7 @@
 
 #include <QEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QProgressBar>
 #include <QStatusBar>
 
@@ -29,6 +30,32 @@ Qt::Alignment qtAlignment(PanelAlignment alignment)
     }
     return Qt::AlignLeft | Qt::AlignVCenter;
 }
+
+// A text panel. Every panel but the first draws one line at its left, so
+// neighbours are parted by a single divider.
+class PanelLabel : public QLabel {
+public:
+    using QLabel::QLabel;
+    void setDivider(bool on)
+    {
+        divider_ = on;
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QLabel::paintEvent(event);
+        if (!divider_)
+            return;
+        QPainter painter(this);
+        painter.setPen(palette().color(QPalette::Mid));
+        painter.drawLine(0, 0, 0, height() - 1);
+    }
+
+private:
+    bool divider_ = false;
+};
 
 } // namespace
 
@@ -63,6 +90,8 @@ void classStatusbar::ClearPanels()
     for (Panel &p : panels_)
         delete p.label.data(); // the bar owns the label; deleting removes it
     panels_.clear();
+    if (bar_)
+        keepPanelsWhole();
 }
 
 void classStatusbar::RemovePanel(const QString &key)
@@ -72,6 +101,7 @@ void classStatusbar::RemovePanel(const QString &key)
         throw WrapperError(invalidPropertyValueError, source("RemovePanel"), invalidKeyText());
     delete panels_[std::size_t(index - 1)].label.data();
     panels_.erase(panels_.begin() + index - 1);
+    rebuild();
 }
 
 bool classStatusbar::Visible() const
@@ -95,19 +125,16 @@ void classStatusbar::AddPanel(int index, const QString &key, const QString &tag,
         throw WrapperError(duplicateKeyError, source("AddPanel"), duplicateKeyText());
     if (index < 0 || index > Count() + 1)
         throw WrapperError(invalidArrayIndexError, source("AddPanel"), QStringLiteral("Invalid panel index value"));
-    auto *label = new QLabel(text, bar_);
+    auto *label = new PanelLabel(text, bar_);
     label->setObjectName(key);
     label->setAlignment(qtAlignment(alignment));
-    label->setMinimumWidth(twipsToPixels(minWidthTwips));
     label->setToolTip(toolTip);
-    label->setFrameShape(QFrame::StyledPanel);
-    label->setFrameShadow(QFrame::Sunken);
-    // Keeps a panel sized to its text from running the text into its frame.
+    // Keeps a panel sized to its text from running the text into its divider.
     label->setContentsMargins(4, 0, 4, 0);
     label->installEventFilter(this);
     const std::size_t at = index == 0 ? panels_.size() : std::size_t(index - 1);
     panels_.insert(panels_.begin() + std::ptrdiff_t(at),
-                   Panel{key, tag, label, autoSize == PanelAutoSize::Spring ? 1 : 0});
+                   Panel{key, tag, label, autoSize == PanelAutoSize::Spring ? 1 : 0, minWidthTwips});
     rebuild();
 }
 
@@ -118,9 +145,26 @@ void classStatusbar::rebuild()
     for (const Panel &p : panels_)
         bar_->removeWidget(p.label);
     for (const Panel &p : panels_) {
+        static_cast<PanelLabel *>(p.label.data())->setDivider(&p != &panels_.front());
+        fitText(p);
         bar_->addWidget(p.label, p.stretch);
         p.label->show();
     }
+    keepPanelsWhole();
+}
+
+// The window cannot be made narrower than the panels' texts.
+void classStatusbar::keepPanelsWhole()
+{
+    bar_->setMinimumWidth(0);
+    bar_->setMinimumWidth(bar_->minimumSizeHint().width());
+}
+
+// A panel is never narrower than its text, so the bar (and the window
+// holding it) cannot be shrunk until a text is cut.
+void classStatusbar::fitText(const Panel &p)
+{
+    p.label->setMinimumWidth(std::max(twipsToPixels(p.minTwips), p.label->minimumSizeHint().width()));
 }
 
 int classStatusbar::KeyToIndex(const QString &key) const
@@ -136,7 +180,10 @@ QString classStatusbar::PanelText(const QString &key) const
 
 void classStatusbar::setPanelText(const QString &key, const QString &text)
 {
-    panel(key, "PanelText.Let").label->setText(text);
+    const Panel &p = panel(key, "PanelText.Let");
+    p.label->setText(text);
+    fitText(p);
+    keepPanelsWhole();
 }
 
 QString classStatusbar::PanelTooltip(const QString &key) const

@@ -60,9 +60,12 @@ private:
         QString tag;
         QPointer<QLabel> label;
         int stretch = 0;
+        int minTwips = 0;
     };
     const Panel &panel(const QString &key, const char *member) const;
     void rebuild();
+    static void fitText(const Panel &p);
+    void keepPanelsWhole();
 
     QPointer<QStatusBar> bar_;
     QPointer<QProgressBar> progress_;

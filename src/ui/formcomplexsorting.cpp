@@ -1,5 +1,7 @@
 #include "formcomplexsorting.h"
 
+#include "dialogframe.h"
+
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -38,6 +40,7 @@ QPushButton *makeButton(const QString &name, const QString &caption, QWidget *pa
 
 formComplexSorting::formComplexSorting(QWidget *parent) : QDialog(parent)
 {
+    setDialogFrame(*this);
     setWindowTitle(QStringLiteral("Sort"));
     available_ = makeList(QStringLiteral("gridAvailable"), {QStringLiteral("Available columns")}, this);
     selected_ = makeList(QStringLiteral("gridSelected"), {QStringLiteral("Sort by"), QStringLiteral("Order")}, this);

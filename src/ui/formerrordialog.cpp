@@ -1,5 +1,6 @@
 #include "formerrordialog.h"
 
+#include "dialogframe.h"
 #include "formerrorlog.h"
 #include "twips.h"
 
@@ -41,7 +42,7 @@ QIcon iconForMode(int mode)
 
 formErrorDialog::formErrorDialog(QWidget *parent) : QDialog(parent)
 {
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setDialogFrame(*this);
     icon_ = new QLabel(this);
     icon_->setObjectName(QStringLiteral("imgIcon"));
     message_ = new QLabel(this);

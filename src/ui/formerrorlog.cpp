@@ -1,5 +1,6 @@
 #include "formerrorlog.h"
 
+#include "dialogframe.h"
 #include "errobject.h"
 #include "messageservice.h"
 
@@ -33,6 +34,7 @@ QPushButton *makeButton(const QString &name, const QString &caption, QWidget *pa
 
 formErrorLog::formErrorLog(QWidget *parent) : QDialog(parent)
 {
+    setDialogFrame(*this);
     setWindowTitle(QStringLiteral("Error Log"));
     grid_ = new QTableWidget(0, columnCount, this);
     grid_->setObjectName(QStringLiteral("gridLog"));

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QTemporaryDir>
 
@@ -50,23 +51,53 @@ TEST(BudgetDbConfigTest, ReadsEveryBackendsSettings)
     EXPECT_TRUE(again->LessConn);
 }
 
-TEST(BudgetDbConfigTest, MissingFileGivesDefaultsAndBadValuesAreRefused)
+TEST(BudgetDbConfigTest, OnlyTheDefaultFileMayBeMissingAndBadValuesAreRefused)
 {
     QTemporaryDir folder;
-    const auto defaults = BudgetDbConfig::load(folder.filePath("none.ini"));
+    const QByteArray configHome = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", folder.path().toUtf8());
+    const auto defaults = BudgetDbConfig::load(BudgetDbConfig::defaultConfigPath());
+    qputenv("XDG_CONFIG_HOME", configHome);
     ASSERT_TRUE(defaults);
     EXPECT_EQ(defaults->backend, BudgetDbConfig::Backend::SQLite);
     EXPECT_EQ(defaults->DSNname, "Korawin");
     EXPECT_FALSE(defaults->LessConn);
 
+    const QString mistyped = folder.filePath("budgetdb.ni");
+    QString error;
+    EXPECT_FALSE(BudgetDbConfig::load(mistyped, &error));
+    EXPECT_EQ(error, "The configuration file " + mistyped + " does not exist.");
+
     const QString path = folder.filePath("bad.ini");
     for (const QByteArray &text : {QByteArray("[Database]\nBackend=oracle\n"), QByteArray("[PostgreSQL]\nPort=http\n"),
                                    QByteArray("[ODBC]\nLessConn=maybe\n")}) {
         writeIni(path, text);
-        QString error;
         EXPECT_FALSE(BudgetDbConfig::load(path, &error)) << text.constData();
         EXPECT_TRUE(error.contains(path)) << error.toStdString();
     }
+}
+
+TEST(BudgetDbConfigTest, TargetsAreNamedInFullForMessagesAndShortForTitles)
+{
+    BudgetDbConfig config;
+    config.sqliteFile = "/srv/district/budget.sqlite";
+    EXPECT_EQ(config.describe(), "SQLite file /srv/district/budget.sqlite");
+    EXPECT_EQ(config.shortName(), "budget.sqlite");
+    config.backend = BudgetDbConfig::Backend::PostgreSQL;
+    config.pg.host = "budget-server";
+    config.pg.port = 6543;
+    config.pg.database = "northfield";
+    EXPECT_EQ(config.describe(), "PostgreSQL database \"northfield\" on budget-server:6543");
+    EXPECT_EQ(config.shortName(), "budget-server/northfield");
+    config.pg.host.clear();
+    EXPECT_EQ(config.shortName(), "localhost/northfield");
+    config.backend = BudgetDbConfig::Backend::Odbc;
+    EXPECT_EQ(config.describe(), "ODBC data source \"Korawin\"");
+    EXPECT_EQ(config.shortName(), "Korawin");
+    config.LessConn = true;
+    config.ServerName = "SERVER1";
+    EXPECT_EQ(config.describe(), "ODBC data source \"Korawin\" on server \"SERVER1\"");
+    EXPECT_EQ(config.shortName(), "SERVER1/Korawin");
 }
 
 TEST(BudgetDbConfigTest, ConfigFileIsChosenByOptionThenEnvironmentThenDefault)
@@ -108,7 +139,7 @@ TEST(AdoConnectionTest, OdbcConnectionStringFollowsLessConn)
     EXPECT_TRUE(connection.connectionString().endsWith(";ServerDSN=Other"));
 }
 
-TEST(AdoConnectionTest, FailuresToConnectSayWhereInTheErrorObject)
+TEST(AdoConnectionTest, FailuresToConnectSayWhereAndWhyInTheErrorObject)
 {
     QTemporaryDir folder;
     writeIni(folder.filePath("plainfile"), "x");
@@ -116,17 +147,56 @@ TEST(AdoConnectionTest, FailuresToConnectSayWhereInTheErrorObject)
     unreachable[0].sqliteFile = folder.filePath("plainfile/budget.sqlite"); // a folder that is a file
     unreachable[1].backend = BudgetDbConfig::Backend::PostgreSQL;
     unreachable[1].pg.host = folder.filePath("no-server-here");
+    unreachable[1].pg.port = 5499;
     unreachable[2].backend = BudgetDbConfig::Backend::Odbc;
     unreachable[2].DSNname = "NoSuchSource";
-    for (const BudgetDbConfig &config : unreachable) {
+    const QString where[] = {folder.filePath("plainfile/budget.sqlite"), folder.filePath("no-server-here") + ":5499",
+                             "\"NoSuchSource\""};
+    for (std::size_t i = 0; i < unreachable.size(); ++i) {
+        const BudgetDbConfig &config = unreachable[i];
         clsAdoConnection connection;
         connection.configure(config);
+        connection.setSchemaPolicy(clsAdoConnection::SchemaPolicy::CreateOrUpgrade);
         EXPECT_FALSE(connection.OpenConnection()) << backendName(config.backend).toStdString();
-        EXPECT_EQ(connection.Error().ErrorText(), "Error connecting to Database on PSQL2000 Server.");
+        const QString text = connection.Error().ErrorText();
+        EXPECT_TRUE(text.startsWith("Error connecting to Database on PSQL2000 Server. " + config.describe() + ": "))
+            << text.toStdString();
+        EXPECT_TRUE(text.contains(where[i])) << text.toStdString();
         EXPECT_FALSE(connection.driverMessage().isEmpty());
+        EXPECT_TRUE(text.endsWith(connection.driverMessage())) << text.toStdString();
         EXPECT_FALSE(connection.dbConnection()->isOpen());
         EXPECT_TRUE(connection.dbConnection()->connectionName().isEmpty());
     }
+    EXPECT_FALSE(QFileInfo::exists(folder.filePath("plainfile/budget.sqlite")));
+}
+
+TEST(AdoConnectionTest, TheProgramsOpeningCreatesNothing)
+{
+    QTemporaryDir folder;
+    BudgetDbConfig config;
+    config.sqliteFile = folder.filePath("mistyped/budget.sqlite");
+    clsAdoConnection program; // the default policy is the program's
+    program.configure(config);
+    EXPECT_FALSE(program.OpenConnection());
+    EXPECT_EQ(program.Error().ErrorText(), "Error connecting to Database on PSQL2000 Server. SQLite file " +
+                                               config.sqliteFile + ": the file does not exist.");
+    EXPECT_FALSE(QFileInfo::exists(folder.filePath("mistyped")));
+
+    // An existing file without a budget database is refused and left as it was.
+    config.sqliteFile = folder.filePath("empty.sqlite");
+    writeIni(config.sqliteFile, "");
+    program.configure(config);
+    EXPECT_FALSE(program.OpenConnection());
+    EXPECT_TRUE(program.Error().ErrorText().endsWith(": it holds no budget database (kora-budget-admin creates one)."))
+        << program.Error().ErrorText().toStdString();
+    EXPECT_EQ(QFileInfo(config.sqliteFile).size(), 0);
+
+    // Once made, the program opens it.
+    clsAdoConnection admin;
+    admin.configure(config);
+    admin.setSchemaPolicy(clsAdoConnection::SchemaPolicy::CreateOrUpgrade);
+    ASSERT_TRUE(admin.OpenConnection()) << admin.Error().ErrorText().toStdString();
+    EXPECT_TRUE(program.OpenConnection()) << program.Error().ErrorText().toStdString();
 }
 
 TEST(AdoConnectionTest, SqliteFileIsCreatedWithTheSchemaAndConnectionsAreSeparate)
@@ -138,6 +208,7 @@ TEST(AdoConnectionTest, SqliteFileIsCreatedWithTheSchemaAndConnectionsAreSeparat
     clsAdoConnection second;
     first.configure(config);
     second.configure(config);
+    first.setSchemaPolicy(clsAdoConnection::SchemaPolicy::CreateOrUpgrade);
     ASSERT_TRUE(first.OpenConnection()) << first.driverMessage().toStdString();
     ASSERT_TRUE(second.OpenConnection());
     const QString name = first.dbConnection()->connectionName();

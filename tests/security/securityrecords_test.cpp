@@ -66,3 +66,77 @@ TEST_F(SecurityTest, AccountCodeAccessEntriesAndModules)
     ASSERT_EQ(modules.GetListForApplication(QStringLiteral("budget"), list), 0);
     EXPECT_EQ(list.size(), 5u);
 }
+
+// Each case changes the security files of its own installation.
+class PrivilegeRulesTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        QString message;
+        ASSERT_EQ(createSampleInstallation(folder.path(), smallSampleDistrict(), {}, message), 0)
+            << message.toStdString();
+    }
+    QString root() const { return folder.path(); }
+    QString fund() const { return folder.path() + QStringLiteral("\\FUND"); }
+    QSet<QString> heldBy(const char *userId)
+    {
+        QSet<QString> keys;
+        EXPECT_EQ(userPrivilegeKeys(root(), fund(), QLatin1String(userId), QStringLiteral("BUDGET"), keys), 0);
+        return keys;
+    }
+    void grant(const char *key, const char *granted)
+    {
+        classObjectAppPriv grants;
+        ASSERT_EQ(grants.Init(root(), fund()), 0);
+        grants.UserID = QStringLiteral("U002");
+        grants.ApplicationID = QStringLiteral("budget");
+        grants.PrivilegeKey = QLatin1String(key);
+        grants.Granted = QLatin1String(granted);
+        ASSERT_EQ(grants.Add(), 0) << grants.Message().toStdString();
+    }
+    void undefine(const char *key)
+    {
+        classObjectAppPrivDef definitions;
+        ASSERT_EQ(definitions.Init(root(), fund()), 0);
+        definitions.ApplicationID = QStringLiteral("BUDGET");
+        definitions.PrivilegeKey = QLatin1String(key);
+        ASSERT_EQ(definitions.Delete(), 0) << definitions.Message().toStdString();
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(PrivilegeRulesTest, GrantsMatchDefinitionsWhateverTheCaseAndAreSpelledAsDefined)
+{
+    grant("MNUMAINTPROPOSAL", "y");
+    grant("mnureporttax", "N");          // taken away
+    grant("mnuNotDefinedAnywhere", "Y"); // granted but unknown to the installation
+    const QSet<QString> held = heldBy("U002");
+    EXPECT_TRUE(held.contains(QStringLiteral("mnuMaintProposal")));
+    EXPECT_FALSE(held.contains(QStringLiteral("MNUMAINTPROPOSAL")));
+    EXPECT_EQ(held.size(), 5);
+    EXPECT_EQ(privilegeKeyIdentity(QStringLiteral(" mnuReportTax ")),
+              privilegeKeyIdentity(QStringLiteral("MNUREPORTTAX")));
+}
+
+TEST_F(PrivilegeRulesTest, AKeyTheInstallationDropsIsHeldByNobody)
+{
+    undefine("mnuInitializeBudget");
+    undefine("mnuChooseProposal");
+    const QSet<QString> all = heldBy("U001"); // "All Privileges"
+    EXPECT_EQ(all.size(), 16);
+    EXPECT_FALSE(all.contains(QStringLiteral("mnuInitializeBudget")));
+    const QSet<QString> clerk = heldBy("U002");
+    EXPECT_EQ(clerk, (QSet<QString>{QStringLiteral("mnuFileProposedBudget"), QStringLiteral("mnuReportBudgetStatus"),
+                                    QStringLiteral("mnuReportRevenueStatus")}));
+}
+
+TEST(UserRecord, OnlyAUserMarkedYIsActive)
+{
+    classObjectUsers user;
+    for (const auto &[flag, active] : std::initializer_list<std::pair<const char *, bool>>{
+             {"Y", true}, {"y", true}, {"N", false}, {"", false}, {" ", false}}) {
+        user.Active = QLatin1String(flag);
+        EXPECT_EQ(user.IsActive(), active) << '"' << flag << '"';
+    }
+}

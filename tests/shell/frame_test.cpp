@@ -1,3 +1,9 @@
+#include "classdialog.h"
+#include "dialogworker.h"
+#include "formabout.h"
+#include "formcomplexsorting.h"
+#include "formerrordialog.h"
+#include "formerrorlog.h"
 #include "mdichild.h"
 #include "mdiparent.h"
 #include "menudefinition.h"
@@ -158,13 +164,29 @@ TEST_F(FrameTest, PrintWithoutAChildBeeps)
     EXPECT_EQ(shown->shown()[0].kind, RecordingMessages::Shown::Kind::Beep);
 }
 
-TEST_F(FrameTest, ItemsWithoutATaskDoNothing)
+TEST_F(FrameTest, ATaskNotAvailableSaysSoAndOnlyItemsWithoutATaskAreSilent)
 {
-    for (const char *name : {"mnuReportsCustomerState", "mnuMaintTaxRate", "mnuRefresh", "mnuMaintProposal",
-                             "mnuReportsGenerator", "mnuReportTax", "mnuWindowCascade", "mnuWindowTileVertically"})
+    for (const char *name :
+         {"mnuReportsCustomerState", "mnuMaintTaxRate", "mnuRefresh", "mnuWindowCascade", "mnuWindowTileVertically"})
         click(name);
     EXPECT_TRUE(shown->shown().empty());
+
+    frame.registerUnavailable(TaskKind::Modal, "WORKERPROPOSAL", "Proposal maintenance");
+    frame.registerUnavailable(TaskKind::Report, "TaxRevenue", "The tax revenue report");
+    frame.registerUnavailable(TaskKind::Child, "workerReportGenerator", "The report generator");
+    EXPECT_TRUE(frame.HasTask(TaskKind::Modal, "workerProposal"));
+    EXPECT_FALSE(frame.HasTask(TaskKind::Child, "workerProposal")) << "the kind is part of the name";
+    for (const char *name : {"mnuMaintProposal", "mnuReportTax", "mnuReportsGenerator", "mnuChooseProposal"})
+        click(name);
+    QStringList said;
+    for (const auto &item : shown->shown())
+        said << item.message.text;
+    EXPECT_EQ(said,
+              QStringList({"Proposal maintenance is not available yet.", "The tax revenue report is not available yet.",
+                           "The report generator is not available yet.",
+                           "No task named workerSelectProposal is registered."}));
     EXPECT_TRUE(frame.Area().subWindowList().isEmpty());
+    EXPECT_FALSE(frame.IsFormLoaded("workerReportGenerator"));
 }
 
 TEST_F(FrameTest, ModalTasksAndReportsGetWhatTheMenuPasses)
@@ -223,6 +245,35 @@ TEST_F(FrameTest, WindowsTileAndCascade)
         listed << a->text();
     EXPECT_TRUE(listed.contains("&1 One"));
     EXPECT_TRUE(listed.contains("&2 Two"));
+}
+
+} // namespace
+
+namespace {
+
+class NoControls : public DialogWorker {
+public:
+    void FormBuild(classDialog &) override {}
+};
+
+TEST(DialogFrame, DialogsHaveACloseBoxButNoMinimiseMaximiseOrHelp)
+{
+    guiApplication();
+    NoControls worker;
+    classDialog runtime(worker);
+    formAbout about;
+    formErrorLog log;
+    formErrorDialog error;
+    formComplexSorting sorting;
+    for (const QDialog *dialog : std::initializer_list<const QDialog *>{&runtime, &about, &log, &error, &sorting}) {
+        const Qt::WindowFlags flags = dialog->windowFlags();
+        const char *name = dialog->metaObject()->className();
+        EXPECT_EQ(flags & Qt::WindowType_Mask, Qt::Dialog) << name;
+        EXPECT_TRUE(flags.testFlag(Qt::CustomizeWindowHint)) << name;
+        EXPECT_TRUE(flags.testFlag(Qt::WindowCloseButtonHint)) << name;
+        EXPECT_FALSE(flags & (Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint)) << name;
+        EXPECT_FALSE(flags.testFlag(Qt::WindowContextHelpButtonHint)) << name;
+    }
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "formerrordialog.h"
 #include "modmain.h"
 #include "programarguments.h"
+#include "securityrecords.h"
 #include "sharedforms.h"
 #include "twips.h"
 
@@ -13,6 +14,7 @@
 #include <QDate>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QLayout>
 #include <QPointer>
@@ -78,7 +80,7 @@ TEST_F(StartupTest, FullUserStartsWithEveryGlobalAndPanelSetAndNoMessage)
     for (const auto &[key, minTwips] : layout) {
         const auto *panel = frame_->statusBar()->findChild<QLabel *>(QLatin1String(key));
         ASSERT_NE(panel, nullptr) << key;
-        EXPECT_EQ(panel->minimumWidth(), twipsToPixels(minTwips)) << key;
+        EXPECT_EQ(panel->minimumWidth(), std::max(twipsToPixels(minTwips), panel->minimumSizeHint().width())) << key;
         EXPECT_EQ(int(panel->alignment() & Qt::AlignHorizontal_Mask),
                   int(QLatin1String(key) == u"User" ? Qt::AlignLeft : Qt::AlignHCenter))
             << key;
@@ -86,6 +88,77 @@ TEST_F(StartupTest, FullUserStartsWithEveryGlobalAndPanelSetAndNoMessage)
             EXPECT_LE(panel->width(), panel->sizeHint().width() + 1) << key;
     }
     EXPECT_GT(frame_->statusBar()->findChild<QLabel *>(QStringLiteral("User"))->width(), 500);
+}
+
+TEST_F(StartupTest, TheTitleNamesDistrictDatabaseAndProposal)
+{
+    ASSERT_TRUE(startAs("BUSINESS"));
+    const SampleDistrict &fund = smallSampleDistrict();
+    const QString organisation = fund.reportName.isEmpty() ? fund.name : fund.reportName;
+    ASSERT_FALSE(organisation.isEmpty());
+    EXPECT_EQ(
+        frame_->windowTitle(),
+        QStringLiteral("Kora-Budget - %1 - budget.sqlite - %2").arg(organisation, district().activeProposal().name));
+
+    // What cannot be read is left out rather than guessed.
+    ASSERT_TRUE(QFile::remove(fundFile("Params.btr")));
+    exec(QStringLiteral("UPDATE Proposal SET Active = 'N'"));
+    newFrame();
+    ASSERT_TRUE(startAs("BUSINESS"));
+    EXPECT_EQ(frame_->windowTitle(), QStringLiteral("Kora-Budget - budget.sqlite - ") + district().proposals[0].name);
+    EXPECT_EQ(district().proposals[0].id, QStringLiteral("1"));
+}
+
+namespace {
+
+// The vertical lines drawn across the row y between x0 and x1 of an image of the bar.
+int linesBetween(const QImage &image, int x0, int x1, int y, const QColor &background)
+{
+    int lines = 0;
+    bool inLine = false;
+    for (int x = std::max(0, x0); x <= std::min(image.width() - 1, x1); ++x) {
+        const QColor c = image.pixelColor(x, y);
+        const bool line = std::abs(c.lightness() - background.lightness()) > 12;
+        if (line && !inLine)
+            ++lines;
+        inLine = line;
+    }
+    return lines;
+}
+
+} // namespace
+
+TEST_F(StartupTest, StatusPanelsHaveOneDividerAndRoomForTheirTextsAtTheMinimumWidth)
+{
+    ASSERT_TRUE(startAs("BUSINESS"));
+    frame_->show();
+    frame_->resize(1, frame_->height()); // as narrow as the window goes
+    QStatusBar *bar = frame_->statusBar();
+    bar->layout()->activate();
+    QList<QLabel *> panels;
+    for (const char *key : {"User", "Proposal", "Year", "Status", "Date"})
+        panels << bar->findChild<QLabel *>(QLatin1String(key));
+    for (QLabel *panel : panels) {
+        const int textWidth = panel->fontMetrics().horizontalAdvance(panel->text());
+        EXPECT_GE(panel->contentsRect().width(), textWidth) << panel->objectName().toStdString();
+        EXPECT_LE(panel->geometry().right(), bar->width()) << panel->objectName().toStdString();
+    }
+
+    frame_->resize(1000, 600);
+    bar->layout()->activate();
+    const QImage image = bar->grab().toImage();
+    const QColor background = bar->palette().color(QPalette::Window);
+    for (qsizetype i = 0; i + 1 < panels.size(); ++i) {
+        const QRect left = panels[i]->geometry();
+        const QRect right = panels[i + 1]->geometry();
+        // From the last text pixel of one panel to the first of the next.
+        const int from = left.left() + panels[i]->contentsMargins().left() +
+                         panels[i]->fontMetrics().horizontalAdvance(panels[i]->text()) + 2;
+        const int to = right.left() +
+                       (right.width() - panels[i + 1]->fontMetrics().horizontalAdvance(panels[i + 1]->text())) / 2 - 2;
+        EXPECT_EQ(linesBetween(image, std::max(from, left.right() - 6), to, left.center().y(), background), 1)
+            << panels[i]->objectName().toStdString() << " | " << panels[i + 1]->objectName().toStdString();
+    }
 }
 
 TEST_F(StartupTest, FatalFailuresEndStartUpWithTheirCode)
@@ -246,7 +319,32 @@ TEST(CommandLine, ProgramOptionsAreTakenOutAndTheRestJoinedByBlanks)
     EXPECT_FALSE(joined.startupTiming);
 }
 
-TEST(Privileges, UndefinedKeysStayOpenDefinedOnesNeedHolding)
+TEST_F(StartupTest, InactiveUserIsRefusedAsAnUnknownOne)
+{
+    classObjectUsers users;
+    ASSERT_EQ(users.Init(root(), root() + QStringLiteral("\\FUND")), 0);
+    users.ID = QStringLiteral("U001");
+    ASSERT_EQ(users.Retrieve(), 0);
+    users.Active = QStringLiteral("N");
+    ASSERT_EQ(users.Update(), 0);
+    EXPECT_FALSE(startAs("BUSINESS"));
+    EXPECT_EQ(dialogs(), QStringList{invalidCommandLineMessage(-2)});
+    EXPECT_EQ(frame_->Statusbar().Count(), 0);
+}
+
+TEST_F(StartupTest, AnItemWhoseKeyTheInstallationDoesNotDefineStaysLocked)
+{
+    classObjectAppPrivDef definitions;
+    ASSERT_EQ(definitions.Init(root(), root() + QStringLiteral("\\FUND")), 0);
+    definitions.ApplicationID = QStringLiteral("BUDGET");
+    definitions.PrivilegeKey = QStringLiteral("mnuInitializeBudget");
+    ASSERT_EQ(definitions.Delete(), 0);
+    ASSERT_TRUE(startAs("BUSINESS")); // holds "All Privileges"
+    EXPECT_FALSE(frame_->MenuItem(QStringLiteral("mnuInitializeBudget"))->isEnabled());
+    EXPECT_TRUE(frame_->MenuItem(QStringLiteral("mnuChooseProposal"))->isEnabled());
+}
+
+TEST(Privileges, DeniedUnlessHeldWhateverTheCase)
 {
     guiApplication();
     QTemporaryDir dir;
@@ -254,20 +352,40 @@ TEST(Privileges, UndefinedKeysStayOpenDefinedOnesNeedHolding)
     ASSERT_EQ(createSampleInstallation(dir.path(), smallSampleDistrict(), {}, message), 0);
     ASSERT_EQ(userPrivileges().Load(dir.path(), dir.path() + QStringLiteral("\\FUND"), QStringLiteral("U002")), 0);
     EXPECT_TRUE(userPrivileges().Allows(QStringLiteral("MNUCHOOSEPROPOSAL")));
-    EXPECT_TRUE(userPrivileges().Allows(QStringLiteral("mnuNotDefinedAnywhere")));
+    EXPECT_TRUE(userPrivileges().Allows(QString())); // an item without a key
+    EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuNotDefinedAnywhere")));
     // Defined for FUND only, where the clerk holds everything: nothing to do with BUDGET.
-    EXPECT_TRUE(userPrivileges().Allows(QStringLiteral("mnuPostJournal")));
+    EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuPostJournal")));
+    EXPECT_EQ(menuPrivilegeKey(QStringLiteral("MNUCHARTSREVENUE")), QStringLiteral("mnuReportCharts"));
 
     QToolBar bar;
     classToolbar toolbar;
     toolbar.Init(&bar);
     toolbar.AddButton(QStringLiteral("Save"), QStringLiteral("mnuMaintProposal"), QString(), QStringLiteral("Save"));
+    toolbar.AddButton(QStringLiteral("Choose"), QStringLiteral("mnuchooseproposal"), QString(),
+                      QStringLiteral("Choose"));
     toolbar.AddButton(QStringLiteral("Print"), QString(), QString(), QStringLiteral("Print"));
     QWidget control;
     LockToolbar(toolbar);
     LockControl(control, QStringLiteral("mnuMaintFundBalances"));
     EXPECT_FALSE(toolbar.ButtonEnabled(QStringLiteral("Save")));
+    EXPECT_TRUE(toolbar.ButtonEnabled(QStringLiteral("Choose")));
     EXPECT_TRUE(toolbar.ButtonEnabled(QStringLiteral("Print")));
     EXPECT_FALSE(control.isEnabled());
+
+    // A scope locks only the items whose names begin with it.
+    QWidget window;
+    auto *proposal = new QAction(&window);
+    proposal->setObjectName(QStringLiteral("mnuMaintProposal"));
+    auto *tax = new QAction(&window);
+    tax->setObjectName(QStringLiteral("mnuReportTax"));
+    LockMenus(window, QStringLiteral("MNUMAINT"));
+    EXPECT_FALSE(proposal->isEnabled());
+    EXPECT_TRUE(tax->isEnabled());
+
+    // Before a user is known, and after the files could not be read, nothing keyed is open.
     userPrivileges().Reset();
+    EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuChooseProposal")));
+    EXPECT_NE(userPrivileges().Load(dir.path() + QStringLiteral("/none"), dir.path(), QStringLiteral("U002")), 0);
+    EXPECT_FALSE(userPrivileges().Allows(QStringLiteral("mnuChooseProposal")));
 }

@@ -4,6 +4,7 @@
 #include "appglobals.h"
 #include "budgetdatabase.h"
 #include "district.h"
+#include "errobject.h"
 #include "guiapplication.h"
 #include "mainwindowload.h"
 #include "mdiparent.h"
@@ -34,6 +35,7 @@ protected:
             << message.toStdString();
         clsAdoConnection connection;
         connection.configure(configFor(pristine_->path()));
+        connection.setSchemaPolicy(clsAdoConnection::SchemaPolicy::CreateOrUpgrade);
         ASSERT_TRUE(connection.OpenConnection());
         ASSERT_TRUE(demo::populateBudgetDatabase(*connection.dbConnection(), district()));
     }
@@ -45,7 +47,9 @@ protected:
                               std::filesystem::copy_options::recursive);
         resetAppGlobals();
         userPrivileges().Reset();
+        clsErrObject::setLogFilePath(copy_.filePath(QStringLiteral("Err.txt")));
     }
+    void TearDown() override { clsErrObject::setLogFilePath(QString()); }
 
     static const demo::District &district()
     {

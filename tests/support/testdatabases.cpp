@@ -156,6 +156,7 @@ TestDatabase::TestDatabase(Backend backend)
     if (!ready)
         return;
     connection_->configure(config_);
+    connection_->setSchemaPolicy(clsAdoConnection::SchemaPolicy::CreateOrUpgrade);
     if (!connection_->OpenConnection())
         unavailable_ = connection_->Error().ErrorText() + QStringLiteral(" (") + connection_->driverMessage() +
                        QStringLiteral(")");

@@ -38,14 +38,14 @@ bool createPostgresDatabase(const BudgetDbConfig &config, QTextStream &err)
     clsAdoConnection server;
     openAsFound(maintenance, server);
     if (!server.dbConnection()->isOpen()) {
-        err << "Cannot reach the PostgreSQL server for the " << describeDatabase(config) << ": "
+        err << "Cannot reach the PostgreSQL server for the " << config.describe() << ": "
             << server.driverMessage() << '\n';
         return false;
     }
     DbError error;
     if (!server.dbConnection()->execute(QStringLiteral("CREATE DATABASE \"%1\"").arg(config.pg.database), nullptr,
                                         &error)) {
-        err << "Cannot create the " << describeDatabase(config) << ": " << error.text << '\n';
+        err << "Cannot create the " << config.describe() << ": " << error.text << '\n';
         return false;
     }
     return true;
@@ -53,26 +53,11 @@ bool createPostgresDatabase(const BudgetDbConfig &config, QTextStream &err)
 
 } // namespace
 
-QString describeDatabase(const BudgetDbConfig &config)
-{
-    switch (config.backend) {
-    case BudgetDbConfig::Backend::SQLite:
-        return QStringLiteral("SQLite file %1").arg(config.sqliteFile);
-    case BudgetDbConfig::Backend::PostgreSQL:
-        return QStringLiteral("PostgreSQL database \"%1\" on %2:%3")
-            .arg(config.pg.database, config.pg.host.isEmpty() ? QStringLiteral("localhost") : config.pg.host)
-            .arg(config.pg.port);
-    case BudgetDbConfig::Backend::Odbc:
-        return QStringLiteral("ODBC data source \"%1\"").arg(config.DSNname);
-    }
-    return {};
-}
-
 bool openDatabase(const BudgetDbConfig &config, bool createMissing, QTextStream &err, clsAdoConnection &connection)
 {
     const bool sqlite = config.backend == BudgetDbConfig::Backend::SQLite;
     if (sqlite && !createMissing && !QFileInfo::exists(config.sqliteFile)) {
-        err << "The " << describeDatabase(config) << " does not exist.\n";
+        err << "The " << config.describe() << " does not exist.\n";
         return false;
     }
     openAsFound(config, connection);
@@ -84,7 +69,7 @@ bool openDatabase(const BudgetDbConfig &config, bool createMissing, QTextStream 
     }
     if (connection.dbConnection()->isOpen())
         return true;
-    err << "Cannot reach the " << describeDatabase(config) << ": " << connection.driverMessage() << '\n';
+    err << "Cannot reach the " << config.describe() << ": " << connection.driverMessage() << '\n';
     return false;
 }
 
@@ -161,6 +146,6 @@ int runAdmin(const QStringList &arguments, QTextStream &out, QTextStream &err)
         }
         target = *loaded;
     }
-    AdminContext context{target, describeDatabase(target), rest.mid(1), out, err};
+    AdminContext context{target, target.describe(), rest.mid(1), out, err};
     return command->run(context);
 }

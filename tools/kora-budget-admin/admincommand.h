@@ -43,9 +43,6 @@ struct AdminCommandRegistration {
 
 const std::vector<AdminCommand> &adminCommands();
 
-// How messages name a database: "SQLite file ...", "PostgreSQL database "x" on host:port".
-QString describeDatabase(const BudgetDbConfig &config);
-
 // Opens a database as found, leaving its schema alone. With `createMissing`
 // a PostgreSQL database that does not exist yet is created on its server
 // (and an SQLite file is made by opening it); without it a missing SQLite file

@@ -36,7 +36,7 @@ int copy(AdminContext &context)
         context.err << problem << '\n';
         return AdminExit::Usage;
     }
-    const QString targetName = describeDatabase(*target);
+    const QString targetName = target->describe();
     clsAdoConnection from;
     clsAdoConnection to;
     if (!openDatabase(context.target, false, context.err, from) || !openDatabase(*target, true, context.err, to))

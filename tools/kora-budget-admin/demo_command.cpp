@@ -53,6 +53,7 @@ std::optional<DemoArguments> parse(AdminContext &context)
 bool openCreating(AdminContext &context, clsAdoConnection &connection)
 {
     connection.configure(context.target);
+    connection.setSchemaPolicy(clsAdoConnection::SchemaPolicy::CreateOrUpgrade);
     if (connection.OpenConnection())
         return true;
     if (context.target.backend == BudgetDbConfig::Backend::PostgreSQL) {
@@ -62,8 +63,7 @@ bool openCreating(AdminContext &context, clsAdoConnection &connection)
                 return true;
         }
     }
-    context.err << "Cannot open the " << context.targetDescription << ": " << connection.Error().ErrorText() << ' '
-                << connection.driverMessage() << '\n';
+    context.err << connection.Error().ErrorText() << '\n';
     return false;
 }
 
