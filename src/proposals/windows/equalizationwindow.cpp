@@ -83,29 +83,29 @@ void workerEqualization::DoModalForm()
 
 void workerEqualization::FormBuild(classDialog &dialog)
 {
-    dialog.SetSize(12400, 5400);
+    dialog.SetSize(13400, 5400);
     dialog.SetCaption(title);
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdAdd"), QStringLiteral("&Add"))
-        .Move(50, 200, 1200, 400);
+        .Move(100, 200, 1200, 400);
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdErase"), QStringLiteral("&Erase"))
-        .Move(1350, 200, 1200, 400);
+        .Move(1400, 200, 1200, 400);
     classGrid &grid = dialog.AddControl(DialogControlKind::Grid, gridName).Grid();
-    dialog.Control(gridName).Move(50, 800, 12300, 4400);
+    dialog.Control(gridName).Move(50, 800, 13300, 4400);
     GridColumnOptions hidden;
     hidden.hidden = true;
     grid.AddColumn(idKey, QStringLiteral("Id"), hidden);
     GridColumnOptions name;
-    name.widthTwips = 2400;
+    name.widthTwips = 2300;
     name.maxLength = districtMaxLength;
     addColumnWithTwin(grid, districtKey, QStringLiteral("District"), name);
 
     const QString current = budgetYearLabel(gstrBudgetYearID, gbCalendarYear);
     const QString previous = budgetYearLabel(previousBudgetYearId(gstrBudgetYearID), gbCalendarYear);
     GridColumnOptions rate;
-    rate.widthTwips = 1000;
+    rate.widthTwips = 1250;
     GridColumnOptions amount;
     amount.type = GridColumnType::Amount;
-    amount.widthTwips = 1900;
+    amount.widthTwips = 2050;
     for (const auto &[year, rateKey, totalKey, taxableKey] :
          {std::array{current, currentRateKey, currentTotalKey, currentTaxableKey},
           std::array{previous, previousRateKey, previousTotalKey, previousTaxableKey}}) {

@@ -57,11 +57,11 @@ void workerFundBalances::FormBuild(classDialog &dialog)
     classGrid &grid = dialog.AddControl(DialogControlKind::Grid, gridName).Grid();
     dialog.Control(gridName).Move(50, 800, 6000, 4400);
     GridColumnOptions fund;
-    fund.widthTwips = 1100;
+    fund.widthTwips = 1000;
     grid.AddColumn(fundKey, QStringLiteral("Fund"), fund);
     GridColumnOptions amount;
     amount.type = GridColumnType::Amount;
-    amount.widthTwips = 2200;
+    amount.widthTwips = 2400;
     amount.caption2 = budgetYearLabel(gstrBudgetYearID, gbCalendarYear);
     addColumnWithTwin(grid, currentKey, QStringLiteral("Current Balance"), amount);
     amount.caption2 = budgetYearLabel(previousBudgetYearId(gstrBudgetYearID), gbCalendarYear);

@@ -107,7 +107,7 @@ void workerSysParams::DoModalForm()
 
 void workerSysParams::FormBuild(classDialog &dialog)
 {
-    dialog.SetSize(6400, 4700);
+    dialog.SetSize(6400, 4600);
     dialog.SetCaption(title);
     dialog.ShowStandardButtons(false);
     DialogControl &heading = dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblHeading"),
@@ -122,21 +122,21 @@ void workerSysParams::FormBuild(classDialog &dialog)
 
     field(dialog, QStringLiteral("txtAddress1"), QStringLiteral("Address"), 200, 1200, 6000, 40);
     field(dialog, QStringLiteral("txtAddress2"), {}, 200, 1900, 6000, 40);
-    field(dialog, QStringLiteral("txtCity"), QStringLiteral("City"), 200, 2350, 3300, 30);
+    field(dialog, QStringLiteral("txtCity"), QStringLiteral("City"), 200, 2350, 3200, 30);
     DialogControl &state = dialog.AddControl(DialogControlKind::ComboBox, QStringLiteral("cboStates"),
                                              QStringLiteral("State"));
-    state.Move(3650, 2350, 1000);
+    state.Move(3550, 2350, 900);
     for (const QString &code : states)
         state.AddItem(code, code);
-    field(dialog, QStringLiteral("txtZip"), QStringLiteral("Zip"), 4800, 2350, 1400, 10).setMask(zipMask);
+    field(dialog, QStringLiteral("txtZip"), QStringLiteral("Zip"), 4600, 2350, 1600, 10).setMask(zipMask);
     field(dialog, QStringLiteral("txtSED"), QStringLiteral("SED Code"), 200, 3050, 1900, 12);
     field(dialog, QStringLiteral("txtTel"), QStringLiteral("Telephone"), 2250, 3050, 1900, 12).setMask(telephoneMask);
     field(dialog, QStringLiteral("txtFax"), QStringLiteral("Fax"), 4300, 3050, 1900, 12);
 
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdOK"), QStringLiteral("OK"))
-        .Move(3800, 4100, 1150, 400);
+        .Move(3800, 3950, 1150, 400);
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"))
-        .Move(5050, 4100, 1150, 400);
+        .Move(5050, 3950, 1150, 400);
 }
 
 void workerSysParams::LoadData(classDialog &dialog)
