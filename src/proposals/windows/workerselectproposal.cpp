@@ -1,0 +1,103 @@
+#include "workerselectproposal.h"
+
+#include "appglobals.h"
+#include "classdialog.h"
+#include "classdropdown.h"
+#include "messageservice.h"
+
+#include <QFontDatabase>
+
+namespace {
+
+const QString listName = QStringLiteral("lstProposals");
+const QString okName = QStringLiteral("cmdOK");
+// The heading sets the columns: the description starts under "Description"
+// and the marker's word under "Status".
+const QString heading = QStringLiteral("Proposal    Description                                Status");
+constexpr int idWidth = 12;
+constexpr int nameWidth = 36;
+
+QString selectedKey(classDialog &dialog)
+{
+    return dialog.Control(listName).DropDown().GetSelectedByKey(listName);
+}
+
+} // namespace
+
+QString proposalListEntry(const clsProposalItem &proposal)
+{
+    QString entry = proposal.ID.leftJustified(idWidth) + proposal.Name.leftJustified(nameWidth);
+    if (proposal.Active)
+        entry += QStringLiteral("       Active");
+    return entry;
+}
+
+workerSelectProposal::workerSelectProposal(std::shared_ptr<DbConnection> connection, ProposalPanel panel,
+                                           QWidget *parent)
+    : panel_(std::move(panel)), parent_(parent)
+{
+    store_.setAdoConnection(std::move(connection));
+}
+
+void workerSelectProposal::DoModalForm()
+{
+    classDialog dialog(*this, parent_);
+    dialog.setObjectName(QStringLiteral("mclsDialog"));
+    dialog.Run(1);
+}
+
+void workerSelectProposal::FormBuild(classDialog &dialog)
+{
+    dialog.SetSize(6400, 2900);
+    dialog.SetCaption(QStringLiteral("Select A Proposal"));
+    dialog.ShowStandardButtons(false);
+    DialogControl &list = dialog.AddControl(DialogControlKind::ListBox, listName, heading);
+    list.widget()->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    list.Move(200, 150, 6000, 2000);
+    dialog.AddControl(DialogControlKind::CommandButton, okName, QStringLiteral("OK")).Move(3600, 2350, 1200);
+    dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdClose"), QStringLiteral("Close"))
+        .Move(5000, 2350, 1200);
+}
+
+void workerSelectProposal::LoadData(classDialog &dialog)
+{
+    DialogControl &list = dialog.Control(listName);
+    list.DropDown().Clear(listName);
+    std::vector<clsProposalItem> proposals;
+    if (!store_.GetOpenList(proposals)) {
+        messages().errorDialog({1, QStringLiteral("Select Proposal"),
+                                QStringLiteral("Error reading Proposal list. ") + store_.Error().ErrorText(), false});
+        return;
+    }
+    for (const clsProposalItem &proposal : proposals)
+        list.AddItem(proposalListEntry(proposal), proposal.ID);
+    list.setListIndex(list.DropDown().KeyToIndex(listName, gstrProposalID));
+}
+
+void workerSelectProposal::LockControls(classDialog &dialog)
+{
+    enableChoice(dialog);
+}
+
+void workerSelectProposal::enableChoice(classDialog &dialog)
+{
+    const QString key = selectedKey(dialog);
+    dialog.Control(okName).setEnabled(!key.isEmpty() && key != gstrProposalID);
+}
+
+void workerSelectProposal::UserAction(classDialog &dialog, const QString &name)
+{
+    if (name == listName) {
+        enableChoice(dialog);
+    } else if (name == okName) {
+        const QString key = selectedKey(dialog);
+        if (key.isEmpty())
+            return;
+        gstrProposalID = key;
+        if (panel_)
+            panel_(chosenProposalText(gstrProposalID));
+        dialog.CloseDialog();
+    } else if (name == u"cmdClose") {
+        dialog.CloseDialog();
+    }
+}
