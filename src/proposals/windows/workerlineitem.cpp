@@ -76,10 +76,10 @@ void workerLineItem::FormBuild(classDialog &dialog)
     hidden.hidden = true;
     grid.AddColumn(QStringLiteral("ID"), QString(), hidden);
     GridColumnOptions number;
-    number.widthTwips = 1200;
+    number.widthTwips = 1400;
     grid.AddColumn(numberKey, QStringLiteral("Line Number"), number);
     GridColumnOptions text;
-    text.widthTwips = 4200;
+    text.widthTwips = 4000;
     text.editable = true;
     text.maxLength = lineTextLength;
     grid.AddColumn(textKey, QStringLiteral("Line Item Text"), text);

@@ -80,7 +80,9 @@ void workerProposal::FormBuild(classDialog &dialog)
     DialogControl &control = dialog.AddControl(DialogControlKind::Grid, gridName);
     control.Move(50, 50, 8000, 2500);
     classGrid &grid = control.Grid();
-    grid.AddColumn(QStringLiteral("ID"), QStringLiteral("Proposal"));
+    GridColumnOptions id;
+    id.widthTwips = 1100;
+    grid.AddColumn(QStringLiteral("ID"), QStringLiteral("Proposal"), id);
     GridColumnOptions name;
     name.widthTwips = 3200;
     name.editable = true;
@@ -94,7 +96,7 @@ void workerProposal::FormBuild(classDialog &dialog)
     setListColumn(grid, QStringLiteral("Status"), {openText, closeText});
     addTwinColumn(grid, QStringLiteral("Status"));
     GridColumnOptions active;
-    active.widthTwips = 1500;
+    active.widthTwips = 1800;
     active.editable = true;
     active.type = GridColumnType::Check;
     grid.AddColumn(QStringLiteral("Active"), QStringLiteral("Active Proposal"), active);

@@ -5,7 +5,12 @@
 #include "classdropdown.h"
 #include "messageservice.h"
 
+#include "twips.h"
+
 #include <QFontDatabase>
+#include <QFontMetrics>
+#include <QListWidget>
+#include <QStyle>
 
 namespace {
 
@@ -48,15 +53,24 @@ void workerSelectProposal::DoModalForm()
 
 void workerSelectProposal::FormBuild(classDialog &dialog)
 {
-    dialog.SetSize(6400, 2900);
+    // The columns line up only in a fixed-pitch font, and the list is as wide
+    // as its heading (with room for the scroll bar) whatever the font's size.
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    const int listWidth = pixelsToTwips(QFontMetrics(fixed).horizontalAdvance(heading + QStringLiteral("    "))) + 400;
+    dialog.SetSize(listWidth + 400, 2900);
     dialog.SetCaption(QStringLiteral("Select A Proposal"));
     dialog.ShowStandardButtons(false);
     DialogControl &list = dialog.AddControl(DialogControlKind::ListBox, listName, heading);
-    list.widget()->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    list.Move(200, 150, 6000, 2000);
-    dialog.AddControl(DialogControlKind::CommandButton, okName, QStringLiteral("OK")).Move(3600, 2350, 1200);
+    list.widget()->setFont(fixed);
+    list.Move(200, 150, listWidth, 2000);
+    // The heading starts where the entries' text does.
+    auto *entries = qobject_cast<QListWidget *>(list.field());
+    list.DropDown().captionLabel(listName)->setIndent(
+        entries->frameWidth() + entries->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, entries) + 1);
+    const int right = 200 + listWidth;
+    dialog.AddControl(DialogControlKind::CommandButton, okName, QStringLiteral("OK")).Move(right - 2600, 2350, 1200);
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdClose"), QStringLiteral("Close"))
-        .Move(5000, 2350, 1200);
+        .Move(right - 1200, 2350, 1200);
 }
 
 void workerSelectProposal::LoadData(classDialog &dialog)
