@@ -5,6 +5,7 @@
 #include "classdialog.h"
 #include "classgrid.h"
 #include "guiapplication.h"
+#include "proposalpanel.h"
 #include "recordingmessages.h"
 
 #include <QAbstractButton>
@@ -13,6 +14,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 // A budget database per backend, the widgets' application and a message
 // service that answers from a script, for the proposal and line-item windows.
@@ -22,6 +24,30 @@ protected:
     {
         guiApplication();
         StoreTest::SetUp();
+    }
+    void TearDown() override
+    {
+        dialog.reset(); // the window goes before its worker and the database
+        worker.reset();
+        StoreTest::TearDown();
+    }
+
+    // Builds the worker's window on the test database, as shown to the user.
+    template <typename Worker, typename... Args> Worker &openWindow(Args &&...args)
+    {
+        dialog.reset();
+        auto made = std::make_unique<Worker>(db(), std::forward<Args>(args)...);
+        Worker &opened = *made;
+        worker = std::move(made);
+        dialog = std::make_unique<classDialog>(opened);
+        dialog->Build();
+        return opened;
+    }
+    classGrid &grid() const { return dialog->Control("AcctGrid").Grid(); }
+    // What the main window's proposal panel was told.
+    ProposalPanel panelRecorder()
+    {
+        return [this](const QString &text) { panel << text; };
     }
 
     // The messages and error dialogs shown, as "title|text".
@@ -73,6 +99,9 @@ protected:
     }
 
     ScopedMessages recorder;
+    QStringList panel;
+    std::unique_ptr<DialogWorker> worker;
+    std::unique_ptr<classDialog> dialog;
     QString opened; // the object name of the modal dialog whenDialogOpens met
 };
 

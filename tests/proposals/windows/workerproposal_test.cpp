@@ -20,16 +20,8 @@ protected:
         acct = account("A-100", "A", "E", "A", "100");
         exec(QString("Insert into ProposalBudget values (%1,'1',250,250,0,0)").arg(acct));
         gstrProposalID = "1";
-        worker = std::make_unique<workerProposal>(db(), [this](const QString &text) { panel << text; });
-        dialog = std::make_unique<classDialog>(*worker);
-        dialog->Build();
+        openWindow<workerProposal>(panelRecorder());
     }
-    void TearDown() override
-    {
-        dialog.reset();
-        WindowTest::TearDown();
-    }
-    classGrid &grid() { return dialog->Control("AcctGrid").Grid(); }
     QString storedSlots() { return rows("select ID, Name, Status, Active from Proposal order by ID"); }
     QString row(int r)
     {
@@ -66,9 +58,6 @@ protected:
     }
 
     qint64 acct = 0;
-    QStringList panel;
-    std::unique_ptr<workerProposal> worker;
-    std::unique_ptr<classDialog> dialog;
 };
 
 TEST_P(ProposalWindowTest, ShowsEverySlotAndLocksTheFreeOne)
