@@ -6,6 +6,7 @@
 #include "dialogstatus.h"
 #include "messageservice.h"
 #include "proposal.h"
+#include "proposallist.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ void ProposalCreation::FormBuild(classDialog &dialog)
     source.AddItem(QStringLiteral("Current Budget"), QStringLiteral("C"));
     std::vector<clsProposalItem> open;
     if (store_.GetOpenList(open)) {
+        sortBySlot(open);
         for (const clsProposalItem &proposal : open)
             source.AddItem(QStringLiteral("Proposal:") + proposal.ID, proposal.ID);
     } else {

@@ -9,6 +9,7 @@
 #include "gridrows.h"
 #include "messageservice.h"
 #include "proposalcreation.h"
+#include "proposallist.h"
 
 namespace {
 
@@ -118,6 +119,7 @@ void workerProposal::LoadData(classDialog &dialog)
                                 QStringLiteral("Error reading Proposal list. ") + store_.Error().ErrorText(), false});
         return;
     }
+    sortBySlot(proposals);
     setStatusText(dialog, QStringLiteral("Loading Grid Data"));
     for (const clsProposalItem &proposal : proposals) {
         const int row = grid.AddRow();

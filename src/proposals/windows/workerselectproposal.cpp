@@ -4,6 +4,7 @@
 #include "classdialog.h"
 #include "classdropdown.h"
 #include "messageservice.h"
+#include "proposallist.h"
 
 #include "twips.h"
 
@@ -83,6 +84,7 @@ void workerSelectProposal::LoadData(classDialog &dialog)
                                 QStringLiteral("Error reading Proposal list. ") + store_.Error().ErrorText(), false});
         return;
     }
+    sortBySlot(proposals);
     for (const clsProposalItem &proposal : proposals)
         list.AddItem(proposalListEntry(proposal), proposal.ID);
     list.setListIndex(list.DropDown().KeyToIndex(listName, gstrProposalID));

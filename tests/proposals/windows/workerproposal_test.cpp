@@ -176,6 +176,7 @@ TEST_P(ProposalWindowTest, OnlyAClosedOrFreeProposalIsErased)
                                          "Proposal Maintenance|Are you sure you want to erase Proposal # 2?",
                                          "Proposal Maintenance|Proposal has been erased !"}));
     EXPECT_EQ(storedSlots(), "1,Default Proposal,O,Y|2,Last year,,N|3,,,N") << "the name stays with the slot";
+    EXPECT_EQ(row(2), "2,Last year,,0") << "shown by slot, though the update may have moved the row";
     EXPECT_EQ(locks(2), "LLLL");
     EXPECT_EQ(row(1), "1,Default Proposal,Open,1") << "the reload dropped the unsaved edits";
 }
