@@ -114,6 +114,9 @@ void workerLineItem::LoadData(classDialog &dialog)
         messages().errorDialog({1, caption(), QStringLiteral("Line Item error: ") + lines_.Error().ErrorText(), false});
         return;
     }
+    // By number, though the database may return a line it just rewrote last.
+    std::sort(items.begin(), items.end(),
+              [](const clsLineItem &a, const clsLineItem &b) { return a.LineItemNumber < b.LineItemNumber; });
     setStatusText(dialog, QStringLiteral("Loading Grid Data"));
     for (const clsLineItem &line : items) {
         const int row = grid.AddRow();

@@ -95,6 +95,7 @@ TEST_P(LineItemTest, SaveUpdatesChangedLinesAddsNewOnesAndLeavesTheRest)
     EXPECT_TRUE(shownTexts().isEmpty()) << shownTexts().join('\n').toStdString();
     // Line 2 was not rewritten: its trailing blanks would have been trimmed.
     EXPECT_EQ(storedLines(), "1,Teacher,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5");
+    EXPECT_EQ(shownLines(), "1,Teacher,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5") << "reloaded by number";
     EXPECT_FALSE(rowDiffers(grid(), 4, {"LineItemText", "Amount"})) << "the saved values are the loaded ones now";
 }
 
