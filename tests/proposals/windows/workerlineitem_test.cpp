@@ -84,6 +84,7 @@ TEST_P(LineItemTest, SaveUpdatesChangedLinesAddsNewOnesAndLeavesTheRest)
 {
     open();
     ASSERT_TRUE(userEdits(grid(), 3, "Amount", "120"));
+    ASSERT_TRUE(userEdits(grid(), 1, "LineItemText", "Teachers"));
     press(*dialog, "tlbAdd");
     ASSERT_EQ(grid().CountRows(), 4);
     EXPECT_EQ(grid().GetItemValue(4, "LineItemNumber"), "4");
@@ -94,8 +95,8 @@ TEST_P(LineItemTest, SaveUpdatesChangedLinesAddsNewOnesAndLeavesTheRest)
     press(*dialog, "cmdSave");
     EXPECT_TRUE(shownTexts().isEmpty()) << shownTexts().join('\n').toStdString();
     // Line 2 was not rewritten: its trailing blanks would have been trimmed.
-    EXPECT_EQ(storedLines(), "1,Teacher,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5");
-    EXPECT_EQ(shownLines(), "1,Teacher,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5") << "reloaded by number";
+    EXPECT_EQ(storedLines(), "1,Teachers,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5");
+    EXPECT_EQ(shownLines(), "1,Teachers,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5") << "reloaded by number";
     EXPECT_FALSE(rowDiffers(grid(), 4, {"LineItemText", "Amount"})) << "the saved values are the loaded ones now";
 }
 
