@@ -192,7 +192,7 @@ formTransactionQueryPopUp::formTransactionQueryPopUp(QWidget *parent)
     connect(cancel_, &QPushButton::clicked, this, &QDialog::reject);
 
     setMode(mode_);
-    FormSize(10800, 6600);
+    FormSize(12600, 7200);
 }
 
 formTransactionQueryPopUp::~formTransactionQueryPopUp() = default;
@@ -238,7 +238,8 @@ void formTransactionQueryPopUp::LoadList(QueryItems items)
             positions[i - loaded] = int(i);
         availableModel_.add(positions);
         loaded = to;
-        setStatus(QStringLiteral("Loaded ") + QString::number(loaded) + QStringLiteral(" records..."));
+        loadedStatus_ = QStringLiteral("Loaded ") + QString::number(loaded) + QStringLiteral(" records...");
+        setStatus(loadedStatus_);
         if (loaded < count)
             QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     } while (loaded < count);
@@ -342,7 +343,7 @@ bool formTransactionQueryPopUp::FindInList(const QString &text)
             available_->selectionModel()->setCurrentIndex(found, QItemSelectionModel::ClearAndSelect |
                                                                      QItemSelectionModel::Rows);
             available_->scrollTo(found);
-            setStatus({});
+            setStatus(loadedStatus_);
             return true;
         }
     }

@@ -84,6 +84,7 @@ private:
 
     TransactionQuery mode_ = TransactionQuery::AccountCodes;
     QString ledger_;
+    QString loadedStatus_; // "Loaded N records...", back in the status once a find succeeds
     int closeAction_ = Cancelled;
     std::shared_ptr<const QueryItems> items_;
     QueryListModel availableModel_;

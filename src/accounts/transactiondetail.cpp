@@ -11,27 +11,27 @@ using T = TransactionFields;
 
 const DetailColumn expenditureColumns[] = {
     {"Date", "Date", "", 1000, &T::TransDate},
-    {"EncumbNumber", "Encumb", "Number", 900, &T::EncumbranceNumber},
-    {"InvoiceNumber", "Invoice", "Number", 1000, &T::InvoiceNumber},
+    {"EncumbNumber", "Encumb", "Number", 1000, &T::EncumbranceNumber},
+    {"InvoiceNumber", "Invoice", "Number", 1200, &T::InvoiceNumber},
     {"CheckNumber", "Check", "Number", 850, &T::CheckNumber},
-    {"Reference", "Reference", "", 1700, &T::ReferenceText},
-    {"VendorNumber", "Vender", "Number", 900, &T::VendorID},
-    {"Ref", "Ref", "", 850, &T::ReferenceNumber},
-    {"AppropAmount", "Approp", "Amount", 1250, nullptr, +1},
-    {"EncumbPlaced", "Encumb", "Placed", 1250, nullptr, -1},
-    {"EncumbLiquid", "Encumb", "Liquid", 1250, nullptr, +1},
-    {"PaymentExpense", "Payment", "Expense", 1250, nullptr, -1},
-    {"UnencumberedBalance", "Unencumb.", "Balance", 1350},
+    {"Reference", "Reference", "", 1600, &T::ReferenceText},
+    {"VendorNumber", "Vender", "Number", 950, &T::VendorID},
+    {"Ref", "Ref", "", 1150, &T::ReferenceNumber},
+    {"AppropAmount", "Approp", "Amount", 1550, nullptr, +1},
+    {"EncumbPlaced", "Encumb", "Placed", 1450, nullptr, -1},
+    {"EncumbLiquid", "Encumb", "Liquid", 1450, nullptr, +1},
+    {"PaymentExpense", "Payment", "Expense", 1450, nullptr, -1},
+    {"UnencumberedBalance", "Unencumb.", "Balance", 1600},
 };
 
 const DetailColumn revenueColumns[] = {
     {"Date", "Date", "", 1000, &T::TransDate},
     {"ReceiptNumber", "Receipt", "Number", 1100, &T::ReceiptNumber},
-    {"Reference", "Reference", "", 2600, &T::ReferenceText},
-    {"Ref", "Ref", "", 1100, &T::ReferenceNumber},
-    {"EstimatedRevenue", "Estimated", "Revenue", 1500, nullptr, +1},
-    {"RevenueReceived", "Revenue", "Received", 1500, nullptr, -1},
-    {"UnearnedBalance", "Unearned", "Balance", 1600},
+    {"Reference", "Reference", "", 3200, &T::ReferenceText},
+    {"Ref", "Ref", "", 1300, &T::ReferenceNumber},
+    {"EstimatedRevenue", "Estimated", "Revenue", 1800, nullptr, +1},
+    {"RevenueReceived", "Revenue", "Received", 1800, nullptr, -1},
+    {"UnearnedBalance", "Unearned", "Balance", 1900},
 };
 
 // What an amount cell of a transaction's row holds.

@@ -80,7 +80,7 @@ void workerEditAccountCodes::RefreshData()
 
 void workerEditAccountCodes::FormBuild(classDialog &dialog)
 {
-    dialog.SetSize(13400, 7600);
+    dialog.SetSize(15700, 8000);
     dialog.SetCaption(windowCaption);
     dialog.ShowStandardButtons(false);
     dialog.SetCloseAction(QStringLiteral("cmdClose"));
@@ -91,7 +91,7 @@ void workerEditAccountCodes::FormBuild(classDialog &dialog)
     toolbar.AddButton(QStringLiteral("tlbNext"), {}, {}, QStringLiteral("Next"), ToolbarButtonStyle::Default,
                       QStringLiteral("Next"));
     toolbar.AddSeparator();
-    toolbar.AddButton(QStringLiteral("tlbFind"), {}, QStringLiteral("Find"), QStringLiteral("Find Account Code"),
+    toolbar.AddButton(QStringLiteral("tlbFind"), {}, {}, QStringLiteral("Find Account Code"),
                       ToolbarButtonStyle::Default, QStringLiteral("Find"));
 
     dialog.AddControl(DialogControlKind::ComboBox, QStringLiteral("cboFunds"), QStringLiteral("Fund"))
@@ -99,23 +99,23 @@ void workerEditAccountCodes::FormBuild(classDialog &dialog)
     dialog.AddControl(DialogControlKind::ComboBox, QStringLiteral("cboLedgers"), QStringLiteral("Ledger"))
         .Move(4560, 120, 2600);
     dialog.AddControl(DialogControlKind::TextBox, QStringLiteral("txtAcctCode"), QStringLiteral("Account Code"))
-        .Move(120, 600, 2400);
+        .Move(120, 840, 2400);
     dialog.AddControl(DialogControlKind::TextBox, QStringLiteral("txtDescription"), QStringLiteral("Description"))
-        .Move(2640, 600, 5400);
+        .Move(2640, 840, 6700);
     dialog.AddControl(DialogControlKind::TextBox, QStringLiteral("txtCurrentBudget"), QStringLiteral("Current Budget"))
-        .Move(8160, 600, 2500);
+        .Move(9480, 840, 3000);
     dialog
         .AddControl(DialogControlKind::TextBox, QStringLiteral("txtProposedBudget"), QStringLiteral("Proposed Budget"))
-        .Move(10780, 600, 2500);
+        .Move(12600, 840, 3000);
 
     DialogControl &acctGrid = dialog.AddControl(DialogControlKind::Grid, QStringLiteral("AcctGrid"));
-    acctGrid.Move(120, 1200, 13160, 5760);
+    acctGrid.Move(120, 1620, 15480, 5760);
     classGrid &transactions = acctGrid.Grid();
     transactions.setSingleSelection(true);
     transactions.setHeaderHeight(480);
 
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdClose"), QStringLiteral("Close"))
-        .Move(12080, 7080, 1200, 400);
+        .Move(14400, 7500, 1200, 400);
     dialog.AddControl(DialogControlKind::StatusBar, QStringLiteral("sbrStatus"))
         .Statusbar()
         .AddPanel(0, statusPanel, {}, {}, PanelAlignment::Left, PanelAutoSize::Spring);

@@ -146,6 +146,8 @@ TEST_F(QueryPopUpTest, FindGoesToTheNextMatchAndWrapsAround)
     EXPECT_FALSE(popUp.FindInList("0099"));
     EXPECT_EQ(popUp.statusText(), "\"0099\" is not in the list.");
     EXPECT_EQ(current(), 6);
+    EXPECT_TRUE(popUp.FindInList("A0002"));
+    EXPECT_EQ(popUp.statusText(), "Loaded 12 records...");
 }
 
 TEST_F(QueryPopUpTest, LoadingReportsItsProgressAndFreezesTheLists)
