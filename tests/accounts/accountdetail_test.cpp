@@ -205,6 +205,9 @@ TEST_F(AccountDetailTest, PreviousNextAndFindStayWithinTheFundAndLedgerAndSayWhe
     EXPECT_EQ(status(), "Already at the last account code of the fund and ledger.");
     click("tlbPrevious");
     EXPECT_EQ(text("txtAcctCode"), codes.at(codes.size() - 2));
+    find(codes.front());
+    EXPECT_EQ(text("txtAcctCode"), codes.front()) << "the search starts at the first code";
+    find(codes.at(codes.size() - 2));
 
     messages->clear();
     find(liveCodes(*district_, "A", u'R').front()); // another ledger's code is not found here
