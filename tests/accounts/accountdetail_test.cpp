@@ -17,7 +17,6 @@
 
 #include <QApplication>
 #include <QLineEdit>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -168,22 +167,6 @@ TEST_F(AccountDetailTest, OpensOnTheFirstCodeOfTheFirstFundsExpenditureWithItsFi
     }
 }
 
-TEST_F(AccountDetailTest, AmountsAreGroupedWithTwoDecimals)
-{
-    open();
-    for (std::size_t i = 0; i < worker_->Accounts().size(); ++i) {
-        const Currency budget = worker_->Accounts()[i].CurrentBudget;
-        if (budget < Currency::fromUnits(1000000))
-            continue;
-        find(worker_->Accounts()[i].AccountCode);
-        EXPECT_EQ(text("txtCurrentBudget"), budget.toDisplayText());
-        EXPECT_TRUE(text("txtCurrentBudget").contains(QRegularExpression("^\\d{1,3},\\d{3},\\d{3}\\.\\d\\d$")))
-            << text("txtCurrentBudget").toStdString();
-        return;
-    }
-    GTEST_SKIP() << "no account of a million or more";
-}
-
 TEST_F(AccountDetailTest, PreviousNextAndFindStayWithinTheFundAndLedgerAndSayWhenAtAnEnd)
 {
     open("a", "e");
@@ -228,6 +211,11 @@ TEST_F(AccountDetailTest, TransactionRowsFillTheColumnsTheirCodeNamesWithARunnin
     find(QLatin1String(markedAccount));
     ASSERT_EQ(text("txtAcctCode"), markedAccount);
     classGrid &g = grid();
+    QStringList keys;
+    for (int c = 1; c <= g.CountColumns(); ++c)
+        keys << g.ColumnKey(c);
+    EXPECT_EQ(keys.join(u' '), "Date EncumbNumber InvoiceNumber CheckNumber Reference VendorNumber Ref AppropAmount "
+                               "EncumbPlaced EncumbLiquid PaymentExpense UnencumberedBalance");
     EXPECT_EQ(g.ColumnName("VendorNumber"), "Vender");
     EXPECT_EQ(g.Column("VendorNumber").Caption2(), "Number");
     EXPECT_EQ(g.ColumnName("UnencumberedBalance"), "Unencumb.");
@@ -351,8 +339,6 @@ TEST_F(AccountDetailEmptyTest, FilesThatCannotBeOpenedAreNamedAndNoWindowOpens)
     ASSERT_EQ(messages->shown().size(), 1u);
     EXPECT_TRUE(messages->shown().front().message.text.startsWith("Cannot initialize Detail Transactions. error:"))
         << messages->shown().front().message.text.toStdString();
-    EXPECT_GT(messages->shown().front().message.text.size(),
-              QString("Cannot initialize Detail Transactions. error:").size());
     EXPECT_EQ(messages->shown().front().message.title, "Kora-Budget");
 }
 

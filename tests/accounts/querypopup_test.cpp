@@ -95,11 +95,6 @@ TEST_F(QueryPopUpTest, SeveralRowsMoveEitherWayAndComeBackToTheirPlaces)
     EXPECT_EQ(shown(popUp.availableList()), QStringList({"A0001", "A0002", "A0004", "A0006"}));
     EXPECT_EQ(popUp.SearchValues(), QStringList({"A0003", "A0005"}));
 
-    popUp.MoveRowLeft(); // nothing selected on the right any more but the row that moved up
-    select(popUp.chosenList(), {});
-    popUp.MoveRowLeft();
-    EXPECT_EQ(popUp.availableList()->model()->rowCount() + popUp.chosenList()->model()->rowCount(), 6);
-
     // A new list starts with nothing chosen.
     popUp.LoadList(numbered(2));
     EXPECT_TRUE(popUp.SearchValues().isEmpty());
@@ -192,7 +187,7 @@ protected:
     FundDataPlace place() const { return {root(), fund()}; }
 };
 
-TEST_F(QueryPopUpFileTest, AccountCodesComeFromTheLedgersSummaryWithTheirNames)
+TEST_F(QueryPopUpFileTest, AccountCodesComeFromTheSummariesOtherKindsFromTheTransactions)
 {
     classObjectELSummary summary;
     ASSERT_EQ(summary.Init(root(), fund()), 0);
@@ -212,10 +207,7 @@ TEST_F(QueryPopUpFileTest, AccountCodesComeFromTheLedgersSummaryWithTheirNames)
     const QStringList all = shown(popUp.availableList());
     EXPECT_GT(all.size(), int(expected.size())) << "every ledger's codes";
     EXPECT_TRUE(std::is_sorted(all.begin(), all.end()));
-}
 
-TEST_F(QueryPopUpFileTest, OtherKindsComeFromTheTransactionsAndAFailureIsNamed)
-{
     classObjectTransactions transactions;
     ASSERT_EQ(transactions.Init(root(), fund()), 0);
     QStringList vendors;

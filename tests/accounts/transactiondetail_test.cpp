@@ -67,27 +67,6 @@ TEST(DetailColumnMapping, EveryColumnCodeFillsItsCellsWhateverItsCase)
     EXPECT_EQ(cells(u'E', QString()), QStringLiteral("- - - -"));
 }
 
-TEST(DetailColumnMapping, GridColumnsAndTheirTwoLineCaptions)
-{
-    QStringList expenditure;
-    for (const DetailColumn &c : detailColumns(u'E'))
-        expenditure << QString::fromLatin1(c.key) + u':' + QLatin1String(c.caption) + u'/' + QLatin1String(c.caption2);
-    EXPECT_EQ(expenditure.join(u' '),
-              "Date:Date/ EncumbNumber:Encumb/Number InvoiceNumber:Invoice/Number CheckNumber:Check/Number "
-              "Reference:Reference/ VendorNumber:Vender/Number Ref:Ref/ AppropAmount:Approp/Amount "
-              "EncumbPlaced:Encumb/Placed EncumbLiquid:Encumb/Liquid PaymentExpense:Payment/Expense "
-              "UnencumberedBalance:Unencumb./Balance");
-    QStringList revenue;
-    for (const DetailColumn &c : detailColumns(u'R'))
-        revenue << QString::fromLatin1(c.key) + u':' + QLatin1String(c.caption) + u'/' + QLatin1String(c.caption2);
-    EXPECT_EQ(revenue.join(u' '), "Date:Date/ ReceiptNumber:Receipt/Number Reference:Reference/ Ref:Ref/ "
-                                  "EstimatedRevenue:Estimated/Revenue RevenueReceived:Revenue/Received "
-                                  "UnearnedBalance:Unearned/Balance");
-    EXPECT_EQ(detailBalanceKey(u'E'), "UnencumberedBalance");
-    EXPECT_EQ(detailBalanceKey(u'r'), "UnearnedBalance");
-    EXPECT_TRUE(detailColumns(u'G').empty());
-}
-
 TEST(DetailRunningBalance, LastBalanceIsAppropriationsLessPlacedPlusLiquidatedLessPayments)
 {
     // Amounts with four decimals that binary floating point cannot hold exactly.
@@ -148,15 +127,12 @@ TEST(DetailRows, TextsDateAndAnAmountThatIsNoNumber)
     QString failure;
     const auto rows = detailRows(u'E', {t}, failure);
     ASSERT_TRUE(rows);
-    const auto &texts = rows->front().texts;
-    EXPECT_EQ(texts.at("Date"), "08-15-24");
-    EXPECT_EQ(texts.at("EncumbNumber"), "000012");
-    EXPECT_EQ(texts.at("InvoiceNumber"), "INV-7");
-    EXPECT_EQ(texts.at("CheckNumber"), "5512");
-    EXPECT_EQ(texts.at("Reference"), "Paper");
-    EXPECT_EQ(texts.at("VendorNumber"), "V100");
-    EXPECT_EQ(texts.at("Ref"), "CD5512");
-    EXPECT_FALSE(texts.contains("ReceiptNumber")) << "an expenditure row has no receipt column";
+    QStringList texts;
+    for (const auto &[key, text] : rows->front().texts)
+        texts << key + u'=' + text;
+    EXPECT_EQ(texts.join(u' '), "CheckNumber=5512 Date=08-15-24 EncumbNumber=000012 InvoiceNumber=INV-7 "
+                                "Ref=CD5512 Reference=Paper VendorNumber=V100")
+        << "an expenditure row has no receipt";
     EXPECT_EQ(detailRows(u'R', {t}, failure)->front().texts.at("ReceiptNumber"), "R9");
 
     const auto bad = detailRows(u'E', {transaction(1, "OE", "10"), transaction(77, "PE", "1O.00")}, failure);
