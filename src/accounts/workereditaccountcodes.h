@@ -36,7 +36,6 @@ public:
     // (otherwise the first fund and the expenditure ledger).
     QString FundID;
     QString LedgerID;
-    QString DisplayType;
 
     // Opens the stores and the Kora-Fund files; says why and runs nothing when
     // one fails. Then runs the dialog.
