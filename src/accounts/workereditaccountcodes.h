@@ -1,5 +1,6 @@
 #pragma once
 
+#include "classdialog.h"
 #include "dialogworker.h"
 #include "funddataplace.h"
 #include "objectfunds.h"
@@ -12,7 +13,6 @@
 #include <memory>
 #include <vector>
 
-class classDialog;
 class DbConnection;
 class QWidget;
 
@@ -76,6 +76,6 @@ private:
     std::vector<FundFields> fundList_;
     std::vector<clsProposedBudgetItem> accounts_;
     int current_ = -1;
-    QString columnsLedger_;         // the ledger whose columns the grid has
-    classDialog *dialog_ = nullptr; // while DoModalForm runs, for RefreshData
+    QString columnsLedger_;        // the ledger whose columns the grid has
+    QPointer<classDialog> dialog_; // while DoModalForm runs, for RefreshData
 };

@@ -328,6 +328,16 @@ TEST_F(AccountDetailEmptyTest, NoAccountsSaysNoRecordFoundAndNoTransactionsShows
         EXPECT_TRUE(grid().GetColumnTotal(key).isZero()) << key;
 }
 
+TEST_F(AccountDetailEmptyTest, ABudgetDatabaseThatCannotBeReadIsReportedUnderTheWindowsCaption)
+{
+    open("A", "E", std::make_shared<DbConnection>()); // never opened
+    ASSERT_EQ(messages->shown().size(), 1u);
+    EXPECT_EQ(messages->shown().front().kind, RecordingMessages::Shown::Kind::ErrorDialog);
+    EXPECT_EQ(messages->shown().front().error.title, "Account Code Detail");
+    EXPECT_FALSE(messages->shown().front().error.text.isEmpty());
+    EXPECT_EQ(text("txtDescription"), "No Record found!");
+}
+
 TEST_F(AccountDetailEmptyTest, FilesThatCannotBeOpenedAreNamedAndNoWindowOpens)
 {
     workerEditAccountCodes worker(database->db(), "1", {place().ddfPath, place().dataFolder + "\\NOWHERE"});
