@@ -317,5 +317,9 @@ void workerEditAccountCodes::UserAction(classDialog &dialog, const QString &name
 
 void workerEditAccountCodes::status(classDialog &dialog, const QString &text)
 {
-    dialog.Control(QStringLiteral("sbrStatus")).Statusbar().setPanelText(statusPanel, text);
+    DialogControl &bar = dialog.Control(QStringLiteral("sbrStatus"));
+    bar.Statusbar().setPanelText(statusPanel, text);
+    // Loading runs without returning to the event loop: show the text now.
+    if (bar.field()->isVisible())
+        bar.field()->repaint();
 }
