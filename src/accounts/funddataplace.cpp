@@ -1,0 +1,9 @@
+#include "funddataplace.h"
+
+#include "appglobals.h"
+#include "fundfiles.h"
+
+FundDataPlace currentFundDataPlace()
+{
+    return {gstrRootPath, GetFundDataLocation(gstrFundYear.toInt())};
+}
