@@ -6,6 +6,7 @@
 
 #include "guiapplication.h"
 #include "recordingmessages.h"
+#include "sampleinstallationfixture.h"
 
 #include "appglobals.h"
 #include "classdialog.h"
@@ -392,5 +393,33 @@ TEST_P(EditGridServerTest, AStoppedServerLosesNoEdit)
 }
 
 KORA_ALL_BACKENDS(EditGridServerTest);
+
+// The fund list comes from the fund-accounting installation; an unreadable one stops the window before it opens.
+class EditGridFundsTest : public SampleInstallationTest {};
+
+TEST_F(EditGridFundsTest, FundsComeFromTheInstallationOrTheWindowDoesNotOpen)
+{
+    resetAppGlobals();
+    gstrRootPath = root();
+    gstrFundPath = fund();
+    std::vector<FundEntry> funds;
+    QString why;
+    ASSERT_TRUE(readInstallationFunds(funds, why)) << why.toStdString();
+    ASSERT_EQ(funds.size(), 3u);
+    EXPECT_EQ(funds[0].id, "A");
+    EXPECT_EQ(funds[0].name, "General Fund");
+    EXPECT_EQ(funds[2].id, "F");
+
+    ScopedMessages shown;
+    gstrFundPath = root() + "\\NOWHERE";
+    workerEditGrid worker(std::make_shared<DbConnection>(), readInstallationFunds);
+    worker.setDisplayType("PB");
+    EXPECT_FALSE(worker.Initialise());
+    ASSERT_EQ(shown->shown().size(), 1u);
+    EXPECT_EQ(shown->shown()[0].error.mode, 1);
+    EXPECT_EQ(shown->shown()[0].error.title, "Proposed Budget");
+    EXPECT_TRUE(shown->shown()[0].error.text.contains("NOWHERE")) << shown->shown()[0].error.text.toStdString();
+    resetAppGlobals();
+}
 
 } // namespace
