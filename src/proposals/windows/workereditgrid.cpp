@@ -133,7 +133,7 @@ QString workerEditGrid::selectedKey(const QString &list) const
 void workerEditGrid::FormBuild(classDialog &dialog)
 {
     dialog_ = &dialog;
-    dialog.SetSize(13900, 7400);
+    dialog.SetSize(14400, 7400);
     dialog.SetCaption(proposedBudget() ? QStringLiteral("Proposed Budget (Proposal ") + gstrProposalID + u')'
                                        : QStringLiteral("Account Codes"));
     if (proposedBudget()) {
@@ -150,7 +150,7 @@ void workerEditGrid::FormBuild(classDialog &dialog)
     ledgers.AddItem(QStringLiteral("Revenue         "), QStringLiteral("R"));
     ledgers.AddItem(QStringLiteral("Expenditure     "), QStringLiteral("E"));
     dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblLedger")).Move(200, 700, 6000);
-    dialog.AddControl(DialogControlKind::Grid, gridName).Move(100, 1000, 13700, proposedBudget() ? 5550 : 6300);
+    dialog.AddControl(DialogControlKind::Grid, gridName).Move(100, 1000, 14200, proposedBudget() ? 5550 : 6300);
     if (proposedBudget()) {
         dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblComponents")).Move(200, 6650, 13500);
         dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblNoComponent")).Move(200, 6980, 13500);
@@ -169,7 +169,7 @@ void workerEditGrid::FormBuild(classDialog &dialog)
 void workerEditGrid::buildColumns()
 {
     classGrid &grid = Grid();
-    const auto amount = [](QString caption2, bool editable, bool total, int width = 1650) {
+    const auto amount = [](QString caption2, bool editable, bool total, int width = 1700) {
         GridColumnOptions options;
         options.caption2 = std::move(caption2);
         options.type = GridColumnType::Amount;
@@ -195,12 +195,12 @@ void workerEditGrid::buildColumns()
     grid.AddColumn(QStringLiteral("ID"), {}, hidden(GridColumnType::Text));
     if (proposedBudget()) {
         grid.AddColumn(QStringLiteral("AcctCode"), QStringLiteral("Account "), text(QStringLiteral("Code"), 1900));
-        grid.AddColumn(QStringLiteral("Description"), {}, text({}, 3300));
+        grid.AddColumn(QStringLiteral("Description"), {}, text({}, 3000));
         grid.AddColumn(QStringLiteral("CurrentBudget"), QStringLiteral("Current Budget"),
                        amount(yearLabel(gstrBudgetYearID), false, true));
         grid.AddColumn(QStringLiteral("OrigCurrentBudget"), {}, hidden(GridColumnType::Amount));
         grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Proposed Budget "),
-                       amount(yearLabel(gstrProposedYearID), true, true));
+                       amount(yearLabel(gstrProposedYearID), true, true, 1900));
         grid.AddColumn(QStringLiteral("CatA"), QStringLiteral("Category"), amount(QStringLiteral("Admin"), true, true));
         grid.AddColumn(QStringLiteral("CatP"), QStringLiteral("Category"), amount(QStringLiteral("Program"), true, true));
         grid.AddColumn(QStringLiteral("CatC"), QStringLiteral("Category"), amount(QStringLiteral("Capital"), true, true));
@@ -208,14 +208,14 @@ void workerEditGrid::buildColumns()
             grid.AddColumn(twin(key), {}, hidden(GridColumnType::Amount));
         grid.AddColumn(QStringLiteral("OrigAmount"), {}, hidden(GridColumnType::Amount));
     } else {
-        grid.AddColumn(QStringLiteral("Description"), {}, text({}, 3300));
+        grid.AddColumn(QStringLiteral("Description"), {}, text({}, 3000));
         grid.AddColumn(QStringLiteral("AcctCode"), QStringLiteral("Account Code"), text({}, 1900));
         for (const QString &key : components) {
             GridColumnOptions check;
             check.type = GridColumnType::Check;
             check.caption2 = key.right(1);
             check.editable = true;
-            check.widthTwips = 900;
+            check.widthTwips = 1100;
             grid.AddColumn(key, QStringLiteral("Category"), check);
         }
         for (const QString &key : components)
@@ -224,7 +224,7 @@ void workerEditGrid::buildColumns()
         grid.AddColumn(QStringLiteral("OrigStateCode"), {}, hidden(GridColumnType::Text));
         grid.AddColumn(QStringLiteral("HistCode"), QStringLiteral("Historical"), text(QStringLiteral("Code"), 1100, true, 1));
         grid.AddColumn(QStringLiteral("OrigHistCode"), {}, hidden(GridColumnType::Text));
-        grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Projected Amount"), amount({}, true, true, 1800));
+        grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Projected Amount"), amount({}, true, true, 2000));
         grid.AddColumn(QStringLiteral("OrigAmount"), {}, hidden(GridColumnType::Amount));
     }
     grid.setGreenbar(true);
@@ -260,6 +260,8 @@ void workerEditGrid::applyLedgerLayout()
     for (const QString &key : components)
         grid.setColumnHidden(key, !split);
     grid.setColumnDataEdit(QStringLiteral("Amount"), !split);
+    // Without the three components the names get their room.
+    grid.ColumnWidth(QStringLiteral("Description"), split ? 3000 : 6400);
     dialog_->Control(QStringLiteral("lblComponents")).setVisible(split);
     dialog_->Control(QStringLiteral("lblNoComponent")).setVisible(split);
 }
