@@ -11,6 +11,7 @@
 #include "classtoolbar.h"
 
 #include <QApplication>
+#include <QHash>
 
 #include <algorithm>
 
@@ -507,22 +508,20 @@ void workerEditGrid::openLineItems()
         lineItem_(request);
     // The line-item window may have forwarded its total into the proposal.
     Figures stored;
-    if (storedFigures(row, stored) == Lookup::Found) {
+    if (storedFigures(row, stored)) {
         showStored(row, stored);
         showComponentSummary();
     }
 }
 
-workerEditGrid::Lookup workerEditGrid::storedFigures(int row, Figures &figures)
+bool workerEditGrid::storedFigures(int row, Figures &figures)
 {
     budget_.ProposedBudgetItem() = proposalItem(Grid().GetItemValue(row, QStringLiteral("ID")).toInt());
-    if (!budget_.Retrieve()) {
-        figures = {};
-        return budget_.Error().ErrorNumber() == 999 ? Lookup::Missing : Lookup::Failed;
-    }
+    if (!budget_.Retrieve())
+        return false;
     const clsProposedBudgetItem &item = budget_.ProposedBudgetItem();
     figures = {item.ProposedBudget, item.ProposedCatA, item.ProposedCatP, item.ProposedCatC};
-    return Lookup::Found;
+    return true;
 }
 
 void workerEditGrid::showStored(int row, const Figures &figures)
@@ -546,15 +545,23 @@ void workerEditGrid::showStored(int row, const Figures &figures)
 bool workerEditGrid::resolveConflicts(std::vector<int> &rows, bool &reloaded)
 {
     const classGrid &grid = Grid();
+    // One read of the whole ledger as stored now; an account without a row stands at zero, as when loaded.
+    budget_.ProposedBudgetItem() = proposalItem(0);
+    std::vector<clsProposedBudgetItem> items;
+    if (!budget_.GetListNew(items)) {
+        message(QStringLiteral("Cannot check what is stored for fund %1, ledger %2. (%3)")
+                    .arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
+                MsgIcon::Critical);
+        return false;
+    }
+    QHash<std::int32_t, const clsProposedBudgetItem *> byAccount;
+    for (const clsProposedBudgetItem &item : items)
+        byAccount.insert(item.ID, &item);
     std::vector<std::pair<int, Figures>> conflicts;
     for (const int row : rows) {
         Figures stored;
-        if (storedFigures(row, stored) == Lookup::Failed) {
-            message(QStringLiteral("Cannot read Account Code: ") + grid.GetItemValue(row, QStringLiteral("AcctCode")) +
-                        QStringLiteral(". (") + budget_.Error().ErrorText() + u')',
-                    MsgIcon::Critical);
-            return false;
-        }
+        if (const clsProposedBudgetItem *item = byAccount.value(grid.GetItemValue(row, QStringLiteral("ID")).toInt()))
+            stored = {item->ProposedBudget, item->ProposedCatA, item->ProposedCatP, item->ProposedCatC};
         const bool moved = componentLedger() ? stored.catA != grid.GetAmount(row, QStringLiteral("OrigCatA")) ||
                                                    stored.catP != grid.GetAmount(row, QStringLiteral("OrigCatP")) ||
                                                    stored.catC != grid.GetAmount(row, QStringLiteral("OrigCatC"))

@@ -82,7 +82,6 @@ private:
         Currency catP;
         Currency catC;
     };
-    enum class Lookup { Found, Missing, Failed };
 
     bool proposedBudget() const;
     bool componentLedger() const;
@@ -101,7 +100,8 @@ private:
     // The store's item for an account of the loaded fund and ledger in the current proposal, amounts zero.
     clsProposedBudgetItem proposalItem(std::int32_t accountId) const;
     void acceptRow(int row);
-    Lookup storedFigures(int row, Figures &figures);
+    // The row's figures as the proposal holds them now; false when it has no row (or cannot be read).
+    bool storedFigures(int row, Figures &figures);
     void showStored(int row, const Figures &figures);
     // Drops from `rows` those whose stored figures changed since loading and
     // the user chose to reload; false when the user cancelled the save or the
