@@ -3,7 +3,7 @@
 // the bare store call it wraps:
 //   OpenGrid5000       build the dialog, load the ledger, paint it   | StoreGetListNew5000
 //   EditComponent      type one component cell: amount, summary and totals repainted
-//   SaveGrid5000       save 5,000 changed rows (conflict check included) | StoreUpdateBatch5000
+//   SaveGrid5000       save 5,000 changed rows (conflict check included) | StoreUpdateBatch5000, StoreRetrieve5000
 //   pbgrid_benchmarks             SQLite (and PostgreSQL when $KORA_BENCH_PG is set)
 #include "benchdatabase.h"
 
@@ -165,6 +165,29 @@ void storeUpdateBatch(benchmark::State &state, BenchDatabase *(*open)())
     }
 }
 
+// The other store call a grid save makes per row: 5,000 Retrieve.
+void storeRetrieve(benchmark::State &state, BenchDatabase *(*open)())
+{
+    BenchDatabase *database = open();
+    clsProposedBudget store;
+    store.setAdoConnection(database->db());
+    store.ProposedBudgetItem().ProposalID = QStringLiteral("1");
+    store.ProposedBudgetItem().FundID = generalFund;
+    store.ProposedBudgetItem().LedgerID = expenditure;
+    std::vector<clsProposedBudgetItem> items;
+    store.GetListNew(items);
+    for (auto _ : state) {
+        for (const clsProposedBudgetItem &item : items) {
+            store.ProposedBudgetItem().ID = item.ID;
+            store.ProposedBudgetItem().ProposalID = QStringLiteral("1");
+            if (!store.Retrieve()) {
+                state.SkipWithError(store.Error().ErrorText().toStdString().c_str());
+                break;
+            }
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -175,7 +198,7 @@ int main(int argc, char **argv)
     const std::pair<const char *, void (*)(benchmark::State &, BenchDatabase *(*)())> cases[] = {
         {"OpenGrid5000", openGrid},           {"StoreGetListNew5000", storeGetListNew},
         {"EditComponent", editComponent},     {"SaveGrid5000", saveGrid},
-        {"StoreUpdateBatch5000", storeUpdateBatch},
+        {"StoreUpdateBatch5000", storeUpdateBatch}, {"StoreRetrieve5000", storeRetrieve},
     };
     for (const auto &[name, run] : cases) {
         benchmark::RegisterBenchmark((std::string(name) + "/SQLite").c_str(), run, &BenchDatabase::sqlite)
