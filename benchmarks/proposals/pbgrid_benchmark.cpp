@@ -195,10 +195,9 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    const std::pair<const char *, void (*)(benchmark::State &, BenchDatabase *(*)())> cases[] = {
-        {"OpenGrid5000", openGrid},           {"StoreGetListNew5000", storeGetListNew},
-        {"EditComponent", editComponent},     {"SaveGrid5000", saveGrid},
-        {"StoreUpdateBatch5000", storeUpdateBatch}, {"StoreRetrieve5000", storeRetrieve},
+    const std::pair<const char *, void (*)(benchmark::State &, BenchDatabase * (*)())> cases[] = {
+        {"OpenGrid5000", openGrid}, {"StoreGetListNew5000", storeGetListNew},   {"EditComponent", editComponent},
+        {"SaveGrid5000", saveGrid}, {"StoreUpdateBatch5000", storeUpdateBatch}, {"StoreRetrieve5000", storeRetrieve},
     };
     for (const auto &[name, run] : cases) {
         benchmark::RegisterBenchmark((std::string(name) + "/SQLite").c_str(), run, &BenchDatabase::sqlite)

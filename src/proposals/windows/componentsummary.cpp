@@ -17,7 +17,10 @@ QString shareText(Currency part, Currency total)
     const __int128 tenths = scaled >= 0 ? (scaled + 1) / 2 : (scaled - 1) / 2;
     const long long value = static_cast<long long>(tenths);
     const long long magnitude = value < 0 ? -value : value;
-    return QStringLiteral("%1%2.%3%").arg(value < 0 ? QStringLiteral("-") : QString()).arg(magnitude / 10).arg(magnitude % 10);
+    return QStringLiteral("%1%2.%3%")
+        .arg(value < 0 ? QStringLiteral("-") : QString())
+        .arg(magnitude / 10)
+        .arg(magnitude % 10);
 }
 
 QString ComponentSummary::text() const

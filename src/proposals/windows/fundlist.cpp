@@ -11,7 +11,10 @@ bool readInstallationFunds(std::vector<FundEntry> &funds, QString &why)
     if (status == 0)
         status = file.GetList(records);
     if (status != 0) {
-        why = QStringLiteral("Cannot read the funds in %1 (status %2: %3)").arg(gstrFundPath).arg(status).arg(file.Message());
+        why = QStringLiteral("Cannot read the funds in %1 (status %2: %3)")
+                  .arg(gstrFundPath)
+                  .arg(status)
+                  .arg(file.Message());
         return false;
     }
     for (const FundFields &record : records)

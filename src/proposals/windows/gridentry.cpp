@@ -52,7 +52,8 @@ QSize GridEntry::sizeHint(const QStyleOptionViewItem &option, const QModelIndex 
 
 QWidget *GridEntry::createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
-    return base_ ? base_->createEditor(parent, option, index) : QStyledItemDelegate::createEditor(parent, option, index);
+    return base_ ? base_->createEditor(parent, option, index)
+                 : QStyledItemDelegate::createEditor(parent, option, index);
 }
 
 QString GridEntry::refusal(const QString &key, const QString &text) const
@@ -74,10 +75,10 @@ bool GridEntry::refuseTyped(QWidget *editor, const QModelIndex &at) const
     if (problem.isEmpty())
         return false;
     messages().messageBox({title_,
-                            grid_.Column(key).HeadingOneLine() + QStringLiteral(": ") + problem +
-                                QStringLiteral(". The cell keeps ") + grid_.GetCellValue(at.row() + 1, key) +
-                                QLatin1Char('.'),
-                            MsgButtons::OK, MsgIcon::Exclamation, MsgAnswer::OK});
+                           grid_.Column(key).HeadingOneLine() + QStringLiteral(": ") + problem +
+                               QStringLiteral(". The cell keeps ") + grid_.GetCellValue(at.row() + 1, key) +
+                               QLatin1Char('.'),
+                           MsgButtons::OK, MsgIcon::Exclamation, MsgAnswer::OK});
     return true;
 }
 
@@ -173,7 +174,8 @@ bool GridEntry::PasteBlock(int row, const QString &key, const QString &text)
             const QString where = label + QStringLiteral(", ") + grid_.Column(k).HeadingOneLine();
             if (!grid_.ColumnDataEdit(k) || grid_.CellLocked(target, k)) {
                 // A block copied back over itself may repeat what a closed cell holds.
-                if (!value.isEmpty() && value != grid_.GetCellValue(target, k) && value != grid_.GetItemValue(target, k))
+                if (!value.isEmpty() && value != grid_.GetCellValue(target, k) &&
+                    value != grid_.GetItemValue(target, k))
                     refuse(where, QStringLiteral("cannot go into a cell that is closed"));
                 continue;
             }

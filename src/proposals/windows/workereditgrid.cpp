@@ -79,7 +79,8 @@ bool workerEditGrid::proposedBudget() const
 
 bool workerEditGrid::componentLedger() const
 {
-    return proposedBudget() && sameText(loadedFund_, QStringLiteral("A")) && sameText(loadedLedger_, QStringLiteral("E"));
+    return proposedBudget() && sameText(loadedFund_, QStringLiteral("A")) &&
+           sameText(loadedLedger_, QStringLiteral("E"));
 }
 
 QString workerEditGrid::title() const
@@ -145,8 +146,8 @@ void workerEditGrid::FormBuild(classDialog &dialog)
     }
     dialog.AddControl(DialogControlKind::ComboBox, fundsList, QStringLiteral("           Fund                   "))
         .Move(200, 0, 4000);
-    DialogControl &ledgers =
-        dialog.AddControl(DialogControlKind::ComboBox, ledgersList, QStringLiteral("           Ledger                 "));
+    DialogControl &ledgers = dialog.AddControl(DialogControlKind::ComboBox, ledgersList,
+                                               QStringLiteral("           Ledger                 "));
     ledgers.Move(5200, 0, 4000);
     ledgers.AddItem(QStringLiteral("Revenue         "), QStringLiteral("R"));
     ledgers.AddItem(QStringLiteral("Expenditure     "), QStringLiteral("E"));
@@ -163,7 +164,8 @@ void workerEditGrid::FormBuild(classDialog &dialog)
 
     classGrid &grid = Grid();
     auto *entry = new GridEntry(grid, QStringLiteral("AcctCode"), title());
-    QObject::connect(&grid, &classGrid::cellChanged, entry, [this](int row, const QString &key) { CellEdited(row, key); });
+    QObject::connect(&grid, &classGrid::cellChanged, entry,
+                     [this](int row, const QString &key) { CellEdited(row, key); });
     QObject::connect(entry, &GridEntry::edited, entry, [this](int row, const QString &key) { CellEdited(row, key); });
 }
 
@@ -203,8 +205,10 @@ void workerEditGrid::buildColumns()
         grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Proposed Budget "),
                        amount(yearLabel(gstrProposedYearID), true, true, 1900));
         grid.AddColumn(QStringLiteral("CatA"), QStringLiteral("Category"), amount(QStringLiteral("Admin"), true, true));
-        grid.AddColumn(QStringLiteral("CatP"), QStringLiteral("Category"), amount(QStringLiteral("Program"), true, true));
-        grid.AddColumn(QStringLiteral("CatC"), QStringLiteral("Category"), amount(QStringLiteral("Capital"), true, true));
+        grid.AddColumn(QStringLiteral("CatP"), QStringLiteral("Category"),
+                       amount(QStringLiteral("Program"), true, true));
+        grid.AddColumn(QStringLiteral("CatC"), QStringLiteral("Category"),
+                       amount(QStringLiteral("Capital"), true, true));
         for (const QString &key : components)
             grid.AddColumn(twin(key), {}, hidden(GridColumnType::Amount));
         grid.AddColumn(QStringLiteral("OrigAmount"), {}, hidden(GridColumnType::Amount));
@@ -223,7 +227,8 @@ void workerEditGrid::buildColumns()
             grid.AddColumn(twin(key), {}, hidden(GridColumnType::Check));
         grid.AddColumn(QStringLiteral("StateCode"), QStringLiteral("State Code"), text({}, 1700, true, 20));
         grid.AddColumn(QStringLiteral("OrigStateCode"), {}, hidden(GridColumnType::Text));
-        grid.AddColumn(QStringLiteral("HistCode"), QStringLiteral("Historical"), text(QStringLiteral("Code"), 1100, true, 1));
+        grid.AddColumn(QStringLiteral("HistCode"), QStringLiteral("Historical"),
+                       text(QStringLiteral("Code"), 1100, true, 1));
         grid.AddColumn(QStringLiteral("OrigHistCode"), {}, hidden(GridColumnType::Text));
         grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Projected Amount"), amount({}, true, true, 2000));
         grid.AddColumn(QStringLiteral("OrigAmount"), {}, hidden(GridColumnType::Amount));
@@ -346,7 +351,8 @@ void workerEditGrid::AddGridRow(const clsProposedBudgetItem &item)
     grid.SetCell(row, QStringLiteral("Description"), item.AccountName);
     for (const QString &key : {QStringLiteral("CurrentBudget"), QStringLiteral("OrigCurrentBudget")})
         grid.SetCell(row, key, item.CurrentBudget);
-    for (const QString &key : {QStringLiteral("AcctCode"), QStringLiteral("Description"), QStringLiteral("CurrentBudget")})
+    for (const QString &key :
+         {QStringLiteral("AcctCode"), QStringLiteral("Description"), QStringLiteral("CurrentBudget")})
         grid.setCellLocked(row, key, true);
     const Currency parts[] = {item.ProposedCatA, item.ProposedCatP, item.ProposedCatC};
     const bool takesPart[] = {item.CatA, item.CatP, item.CatC};
@@ -420,8 +426,8 @@ bool workerEditGrid::RowChanged(int row) const
     if (differs(row, QStringLiteral("Amount")))
         return true;
     if (proposedBudget()) {
-        return componentLedger() &&
-               std::any_of(std::begin(components), std::end(components), [&](const QString &k) { return differs(row, k); });
+        return componentLedger() && std::any_of(std::begin(components), std::end(components),
+                                                [&](const QString &k) { return differs(row, k); });
     }
     // The flags count too: this is where an account's components are set.
     return differs(row, QStringLiteral("StateCode")) || differs(row, QStringLiteral("HistCode")) ||
@@ -576,7 +582,8 @@ bool workerEditGrid::resolveConflicts(std::vector<int> &rows, bool &reloaded)
         codes << grid.GetItemValue(row, QStringLiteral("AcctCode"));
     const MsgAnswer answer = messages().messageBox(
         {title(),
-         QStringLiteral("Someone else has saved these accounts since you loaded them:\n") + codes.join(QStringLiteral(", ")) +
+         QStringLiteral("Someone else has saved these accounts since you loaded them:\n") +
+             codes.join(QStringLiteral(", ")) +
              QStringLiteral("\n\nYes: save your figures over theirs.\nNo: show their figures for these accounts "
                             "(your changes to them are dropped) and save your other changes.\nCancel: save nothing."),
          MsgButtons::YesNoCancel, MsgIcon::Exclamation, MsgAnswer::Cancel});
@@ -677,8 +684,8 @@ bool workerEditGrid::UpdateAccount(int row)
     account.setCatCFlag(flagText(account.CatCFlag(), ticked(QStringLiteral("CatC")), QStringLiteral("C")));
     if (accounts_.UpdateBatch())
         return true;
-    message(QStringLiteral("Cannot Update Account Code: ") + code + QStringLiteral(". (") + accounts_.Error().ErrorText() +
-                u')',
+    message(QStringLiteral("Cannot Update Account Code: ") + code + QStringLiteral(". (") +
+                accounts_.Error().ErrorText() + u')',
             MsgIcon::Critical);
     return false;
 }

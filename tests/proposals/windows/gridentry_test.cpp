@@ -20,10 +20,16 @@ namespace {
 TEST(AmountEntry, TakesWhatUsersTypeAndNamesWhatItRefuses)
 {
     const std::pair<const char *, const char *> accepted[] = {
-        {"1,234.50", "1234.5"}, {"1234.5", "1234.5"},   {"(200.00)", "-200"},
-        {"-0.0001", "-0.0001"}, {" 12 ", "12"},         {"", "0"},
-        {".5", "0.5"},          {"99,999,999,999.9999", "99999999999.9999"},
-        {"-99999999999.9999", "-99999999999.9999"},     {"00000000000012", "12"},
+        {"1,234.50", "1234.5"},
+        {"1234.5", "1234.5"},
+        {"(200.00)", "-200"},
+        {"-0.0001", "-0.0001"},
+        {" 12 ", "12"},
+        {"", "0"},
+        {".5", "0.5"},
+        {"99,999,999,999.9999", "99999999999.9999"},
+        {"-99999999999.9999", "-99999999999.9999"},
+        {"00000000000012", "12"},
     };
     for (const auto &[typed, value] : accepted) {
         const AmountEntry entry = parseAmountEntry(typed);
@@ -89,9 +95,8 @@ protected:
         }
         grid.setCellLocked(2, "CatA", true);
         entry = new GridEntry(grid, "Code", "Entry");
-        QObject::connect(entry, &GridEntry::edited, [this](int row, const QString &key) {
-            edits << QString("%1:%2").arg(row).arg(key);
-        });
+        QObject::connect(entry, &GridEntry::edited,
+                         [this](int row, const QString &key) { edits << QString("%1:%2").arg(row).arg(key); });
         view.resize(600, 300);
         view.show();
     }
@@ -189,12 +194,11 @@ TEST_F(GridEntryTest, ARefusedValueStopsThePasteAndEveryRefusalIsNamedOnce)
 {
     EXPECT_FALSE(entry->PasteBlock(1, "Amount", "5\t6\n7\t8\tlonger than five\nx\n9\n"));
     ASSERT_EQ(shown->shown().size(), 1u);
-    EXPECT_EQ(shown->shown()[0].message.text,
-              "Nothing was pasted. These values cannot go where they would land:\n"
-              "A2, Category Admin: \"8\" cannot go into a cell that is closed\n"
-              "A2, Note: \"longer than five\" is longer than 5 characters\n"
-              "A3, Amount: \"x\" is not an amount\n"
-              "row 4: \"9\" falls below the last row");
+    EXPECT_EQ(shown->shown()[0].message.text, "Nothing was pasted. These values cannot go where they would land:\n"
+                                              "A2, Category Admin: \"8\" cannot go into a cell that is closed\n"
+                                              "A2, Note: \"longer than five\" is longer than 5 characters\n"
+                                              "A3, Amount: \"x\" is not an amount\n"
+                                              "row 4: \"9\" falls below the last row");
     EXPECT_EQ(grid.GetItemValue(1, "Amount"), "1234.5");
     EXPECT_EQ(grid.GetItemValue(1, "CatA"), "");
     EXPECT_TRUE(edits.isEmpty());
