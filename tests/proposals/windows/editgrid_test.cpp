@@ -375,21 +375,36 @@ TEST_P(EditGridTest, AccountEditingSetsFlagsCodesAndProjectedAmount)
 
 KORA_ALL_BACKENDS(EditGridTest);
 
-// The server goes away with edits on screen: nothing is written and the edits stay.
+// The server goes away in the middle of a save: the session ends as the second
+// row is written, no row is left written and the edits stay on screen.
 class EditGridServerTest : public EditGridTest {};
 
-TEST_P(EditGridServerTest, AStoppedServerLosesNoEdit)
+TEST_P(EditGridServerTest, AServerStoppedMidSaveLosesNoEdit)
 {
     if (GetParam() != testdb::Backend::PostgreSQL)
         GTEST_SKIP() << "a server to stop";
+    exec(QString("CREATE FUNCTION end_session() RETURNS trigger AS $$ BEGIN IF OLD.acctid = %1 THEN PERFORM "
+                 "pg_terminate_backend(pg_backend_pid()); END IF; RETURN NEW; END $$ LANGUAGE plpgsql")
+             .arg(programOnly));
+    exec("CREATE TRIGGER end_session BEFORE UPDATE ON ProposalBudget FOR EACH ROW EXECUTE FUNCTION end_session()");
     open("A", "E");
+    ASSERT_TRUE(type("A100.1", "CatA", "11"));
     ASSERT_TRUE(type("A100.2", "CatP", "75"));
-    ASSERT_TRUE(database().terminateServerSession());
     EXPECT_FALSE(dialog->Save());
     ASSERT_FALSE(shown->shown().empty());
     EXPECT_EQ(shown->shown()[0].message.icon, MsgIcon::Critical);
+    EXPECT_TRUE(shown->shown()[0].message.text.startsWith("Cannot Update Account Code: A100.2. ("));
+    EXPECT_EQ(amount("A100.1", "CatA"), "11");
     EXPECT_EQ(amount("A100.2", "CatP"), "75");
-    EXPECT_TRUE(worker->RowChanged(row("A100.2")));
+    EXPECT_TRUE(worker->RowChanged(row("A100.1")));
+
+    clsAdoConnection after;
+    after.configure(database().config());
+    ASSERT_TRUE(after.OpenConnection());
+    Recordset stored;
+    ASSERT_TRUE(after.dbConnection()->open(
+        QString("select CatAProposal from ProposalBudget where AcctId = %1 and ProposalID = '1'").arg(both), stored));
+    EXPECT_EQ(stored.amount("CatAProposal").toSqlText(), "10") << "the first row's update went with the session";
 }
 
 KORA_ALL_BACKENDS(EditGridServerTest);
