@@ -9,6 +9,7 @@
 
 #include "classgrid.h"
 
+#include <QClipboard>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QTableView>
@@ -187,6 +188,14 @@ TEST_F(GridEntryTest, PastesABlockIntoEditableCellsFromTheCurrentOne)
     EXPECT_EQ(grid.GetItemValue(2, "Note"), "cd");
     EXPECT_EQ(grid.GetItemValue(1, "OrigAmount"), "") << "hidden twins are never pasted into";
     EXPECT_EQ(edits, QStringList({"1:Amount", "1:CatA", "1:Note", "2:Amount", "2:Note"}));
+
+    // Ctrl+V takes the clipboard's block from the current cell.
+    QApplication::clipboard()->setText("30\t3\n");
+    current(3, 2);
+    QKeyEvent paste(QEvent::KeyPress, Qt::Key_V, Qt::ControlModifier);
+    QApplication::sendEvent(&view, &paste);
+    EXPECT_EQ(grid.GetItemValue(3, "Amount"), "30");
+    EXPECT_EQ(grid.GetItemValue(3, "CatA"), "3");
     EXPECT_TRUE(shown->shown().empty());
 }
 
