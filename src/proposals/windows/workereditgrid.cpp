@@ -141,8 +141,9 @@ void workerEditGrid::FormBuild(classDialog &dialog)
     if (proposedBudget()) {
         dialog.AddControl(DialogControlKind::Toolbar, QStringLiteral("tbrGrid"))
             .Toolbar()
-            .AddButton(QStringLiteral("tlbLnItem"), QStringLiteral("tlbLnItem"), {}, QStringLiteral("Line Item"),
-                       ToolbarButtonStyle::Default, QStringLiteral("List"));
+            // No privilege key: whoever may open the grid may open an account's line items.
+            .AddButton(QStringLiteral("tlbLnItem"), {}, {}, QStringLiteral("Line Item"), ToolbarButtonStyle::Default,
+                       QStringLiteral("List"));
     }
     dialog.AddControl(DialogControlKind::ComboBox, fundsList, QStringLiteral("           Fund                   "))
         .Move(200, 0, 4000);
