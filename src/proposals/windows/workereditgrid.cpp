@@ -1,0 +1,692 @@
+#include "workereditgrid.h"
+
+#include "componentsummary.h"
+#include "gridentry.h"
+
+#include "appglobals.h"
+#include "classdialog.h"
+#include "classdropdown.h"
+#include "classgrid.h"
+#include "classstatusbar.h"
+#include "classtoolbar.h"
+
+#include <QApplication>
+#include <QHash>
+
+#include <algorithm>
+
+namespace {
+
+const QString fundsList = QStringLiteral("cboFunds");
+const QString ledgersList = QStringLiteral("cboLedgers");
+const QString gridName = QStringLiteral("AcctGrid");
+const QString statusPanel = QStringLiteral("Status");
+const QString components[] = {QStringLiteral("CatA"), QStringLiteral("CatP"), QStringLiteral("CatC")};
+
+QString twin(const QString &key)
+{
+    return QStringLiteral("Orig") + key;
+}
+
+bool sameText(const QString &a, const QString &b)
+{
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+// A fiscal year is named by the year it ends in; a calendar-year district's label is the year itself.
+QString yearLabel(const QString &yearId)
+{
+    bool numeric = false;
+    const int year = yearId.trimmed().toInt(&numeric);
+    if (gbCalendarYear || !numeric)
+        return yearId;
+    return QStringLiteral("%1-%2").arg(year - 1).arg(year);
+}
+
+// A flag column keeps the text it holds while ticked; a newly ticked one gets its letter.
+QString flagText(const QString &stored, bool ticked, const QString &letter)
+{
+    if (!ticked)
+        return {};
+    return stored.trimmed().isEmpty() ? letter : stored;
+}
+
+} // namespace
+
+workerEditGrid::workerEditGrid(std::shared_ptr<DbConnection> connection, FundListReader funds)
+    : connection_(std::move(connection)), readFunds_(std::move(funds))
+{
+    budget_.setAdoConnection(connection_);
+    accounts_.setAdoConnection(connection_);
+}
+
+workerEditGrid::~workerEditGrid() = default;
+
+QString workerEditGrid::FundID() const
+{
+    return loadedFund_.isEmpty() ? fundId_ : loadedFund_;
+}
+
+QString workerEditGrid::LedgerID() const
+{
+    return loadedLedger_.isEmpty() ? ledgerId_ : loadedLedger_;
+}
+
+bool workerEditGrid::proposedBudget() const
+{
+    return displayType_ == QLatin1String("PB");
+}
+
+bool workerEditGrid::componentLedger() const
+{
+    return proposedBudget() && sameText(loadedFund_, QStringLiteral("A")) &&
+           sameText(loadedLedger_, QStringLiteral("E"));
+}
+
+QString workerEditGrid::title() const
+{
+    return proposedBudget() ? QStringLiteral("Proposed Budget") : QStringLiteral("Account Codes");
+}
+
+void workerEditGrid::message(const QString &text, MsgIcon icon) const
+{
+    messages().messageBox({title(), text, MsgButtons::OK, icon, MsgAnswer::OK});
+}
+
+bool workerEditGrid::Initialise()
+{
+    funds_.clear();
+    QString why;
+    if (readFunds_(funds_, why))
+        return true;
+    messages().errorDialog({1, title(), why, false});
+    return false;
+}
+
+void workerEditGrid::DoModalForm()
+{
+    if (!Initialise())
+        return;
+    classDialog dialog(*this, QApplication::activeWindow());
+    dialog.Run(1);
+}
+
+void workerEditGrid::RefreshData()
+{
+    if (dialog_)
+        dialog_->Reload();
+}
+
+classGrid &workerEditGrid::Grid() const
+{
+    return dialog_->Control(gridName).Grid();
+}
+
+void workerEditGrid::status(const QString &text) const
+{
+    dialog_->Control(QStringLiteral("sbrStatus")).Statusbar().setPanelText(statusPanel, text);
+}
+
+QString workerEditGrid::selectedKey(const QString &list) const
+{
+    return dialog_->Control(list).DropDown().GetSelectedByKey(list);
+}
+
+void workerEditGrid::FormBuild(classDialog &dialog)
+{
+    dialog_ = &dialog;
+    dialog.SetSize(14400, 7400);
+    dialog.SetCaption(proposedBudget() ? QStringLiteral("Proposed Budget (Proposal ") + gstrProposalID + u')'
+                                       : QStringLiteral("Account Codes"));
+    if (proposedBudget()) {
+        dialog.AddControl(DialogControlKind::Toolbar, QStringLiteral("tbrGrid"))
+            .Toolbar()
+            // No privilege key: whoever may open the grid may open an account's line items.
+            .AddButton(QStringLiteral("tlbLnItem"), {}, {}, QStringLiteral("Line Item"), ToolbarButtonStyle::Default,
+                       QStringLiteral("List"));
+    }
+    dialog.AddControl(DialogControlKind::ComboBox, fundsList, QStringLiteral("           Fund                   "))
+        .Move(200, 0, 4000);
+    DialogControl &ledgers = dialog.AddControl(DialogControlKind::ComboBox, ledgersList,
+                                               QStringLiteral("           Ledger                 "));
+    ledgers.Move(5200, 0, 4000);
+    ledgers.AddItem(QStringLiteral("Revenue         "), QStringLiteral("R"));
+    ledgers.AddItem(QStringLiteral("Expenditure     "), QStringLiteral("E"));
+    dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblLedger")).Move(200, 700, 6000);
+    dialog.AddControl(DialogControlKind::Grid, gridName).Move(100, 1000, 14200, proposedBudget() ? 5550 : 6300);
+    if (proposedBudget()) {
+        dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblComponents")).Move(200, 6650, 13500);
+        dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblNoComponent")).Move(200, 6980, 13500);
+    }
+    dialog.AddControl(DialogControlKind::StatusBar, QStringLiteral("sbrStatus"))
+        .Statusbar()
+        .AddPanel(0, statusPanel, {}, {}, PanelAlignment::Left, PanelAutoSize::Spring);
+    buildColumns();
+
+    classGrid &grid = Grid();
+    auto *entry = new GridEntry(grid, QStringLiteral("AcctCode"), title());
+    QObject::connect(&grid, &classGrid::cellChanged, entry,
+                     [this](int row, const QString &key) { CellEdited(row, key); });
+    QObject::connect(entry, &GridEntry::edited, entry, [this](int row, const QString &key) { CellEdited(row, key); });
+}
+
+void workerEditGrid::buildColumns()
+{
+    classGrid &grid = Grid();
+    const auto amount = [](QString caption2, bool editable, bool total, int width = 1700) {
+        GridColumnOptions options;
+        options.caption2 = std::move(caption2);
+        options.type = GridColumnType::Amount;
+        options.editable = editable;
+        options.total = total;
+        options.widthTwips = width;
+        return options;
+    };
+    const auto hidden = [](GridColumnType type) {
+        GridColumnOptions options;
+        options.type = type;
+        options.hidden = true;
+        return options;
+    };
+    const auto text = [](QString caption2, int width, bool editable = false, int maxLength = 0) {
+        GridColumnOptions options;
+        options.caption2 = std::move(caption2);
+        options.widthTwips = width;
+        options.editable = editable;
+        options.maxLength = maxLength;
+        return options;
+    };
+    grid.AddColumn(QStringLiteral("ID"), {}, hidden(GridColumnType::Text));
+    if (proposedBudget()) {
+        grid.AddColumn(QStringLiteral("AcctCode"), QStringLiteral("Account "), text(QStringLiteral("Code"), 1900));
+        grid.AddColumn(QStringLiteral("Description"), {}, text({}, 3000));
+        grid.AddColumn(QStringLiteral("CurrentBudget"), QStringLiteral("Current Budget"),
+                       amount(yearLabel(gstrBudgetYearID), false, true));
+        grid.AddColumn(QStringLiteral("OrigCurrentBudget"), {}, hidden(GridColumnType::Amount));
+        grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Proposed Budget "),
+                       amount(yearLabel(gstrProposedYearID), true, true, 1900));
+        grid.AddColumn(QStringLiteral("CatA"), QStringLiteral("Category"), amount(QStringLiteral("Admin"), true, true));
+        grid.AddColumn(QStringLiteral("CatP"), QStringLiteral("Category"),
+                       amount(QStringLiteral("Program"), true, true));
+        grid.AddColumn(QStringLiteral("CatC"), QStringLiteral("Category"),
+                       amount(QStringLiteral("Capital"), true, true));
+        for (const QString &key : components)
+            grid.AddColumn(twin(key), {}, hidden(GridColumnType::Amount));
+        grid.AddColumn(QStringLiteral("OrigAmount"), {}, hidden(GridColumnType::Amount));
+    } else {
+        grid.AddColumn(QStringLiteral("Description"), {}, text({}, 3000));
+        grid.AddColumn(QStringLiteral("AcctCode"), QStringLiteral("Account Code"), text({}, 1900));
+        for (const QString &key : components) {
+            GridColumnOptions check;
+            check.type = GridColumnType::Check;
+            check.caption2 = key.right(1);
+            check.editable = true;
+            check.widthTwips = 1100;
+            grid.AddColumn(key, QStringLiteral("Category"), check);
+        }
+        for (const QString &key : components)
+            grid.AddColumn(twin(key), {}, hidden(GridColumnType::Check));
+        grid.AddColumn(QStringLiteral("StateCode"), QStringLiteral("State Code"), text({}, 1700, true, 20));
+        grid.AddColumn(QStringLiteral("OrigStateCode"), {}, hidden(GridColumnType::Text));
+        grid.AddColumn(QStringLiteral("HistCode"), QStringLiteral("Historical"),
+                       text(QStringLiteral("Code"), 1100, true, 1));
+        grid.AddColumn(QStringLiteral("OrigHistCode"), {}, hidden(GridColumnType::Text));
+        grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Projected Amount"), amount({}, true, true, 2000));
+        grid.AddColumn(QStringLiteral("OrigAmount"), {}, hidden(GridColumnType::Amount));
+    }
+    grid.setGreenbar(true);
+    grid.ShowTotals(true);
+}
+
+void workerEditGrid::LoadData(classDialog &dialog)
+{
+    classDropDown &funds = dialog.Control(fundsList).DropDown();
+    if (funds.ListCount(fundsList) == 0) {
+        for (const FundEntry &fund : funds_)
+            funds.AddItem(fundsList, fund.id, fund.name);
+    }
+    const auto select = [&dialog](const QString &list, const QString &wanted) {
+        classDropDown &drop = dialog.Control(list).DropDown();
+        const int at = wanted.isEmpty() ? -1 : drop.KeyToIndex(list, wanted.trimmed().toUpper());
+        if (drop.ListCount(list) > 0)
+            drop.setListIndex(list, std::max(at, 0));
+    };
+    select(fundsList, FundID());
+    select(ledgersList, LedgerID());
+    loadLedger();
+}
+
+void workerEditGrid::applyLedgerLayout()
+{
+    classGrid &grid = Grid();
+    dialog_->Control(QStringLiteral("lblLedger"))
+        .setCaption(loadedLedger_ == u"R" ? QStringLiteral("Revenue Ledger ") : QStringLiteral("Expenditure Leger "));
+    if (!proposedBudget())
+        return;
+    const bool split = componentLedger();
+    for (const QString &key : components)
+        grid.setColumnHidden(key, !split);
+    grid.setColumnDataEdit(QStringLiteral("Amount"), !split);
+    // Without the three components the names get their room.
+    grid.ColumnWidth(QStringLiteral("Description"), split ? 3000 : 6400);
+    dialog_->Control(QStringLiteral("lblComponents")).setVisible(split);
+    dialog_->Control(QStringLiteral("lblNoComponent")).setVisible(split);
+}
+
+void workerEditGrid::loadLedger()
+{
+    classGrid &grid = Grid();
+    status(QStringLiteral("Loading Records"));
+    loadedFund_ = selectedKey(fundsList);
+    loadedLedger_ = selectedKey(ledgersList);
+    grid.ResetRows(0);
+    applyLedgerLayout();
+    status(QStringLiteral("Loading Data ..."));
+    const auto rowStatus = [this](qint64 id) { status(QStringLiteral("Loading Record  Key:") + QString::number(id)); };
+    if (proposedBudget()) {
+        budget_.ProposedBudgetItem() = proposalItem(0);
+        std::vector<clsProposedBudgetItem> items;
+        if (!budget_.GetListNew(items)) {
+            message(QStringLiteral("Cannot read the proposed budget of fund %1, ledger %2. (%3)")
+                        .arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
+                    MsgIcon::Critical);
+            return;
+        }
+        status(QStringLiteral("Loading Grid Data"));
+        for (const clsProposedBudgetItem &item : items) {
+            rowStatus(item.ID);
+            AddGridRow(item);
+        }
+    } else {
+        accounts_.AccountCode().setFundID(loadedFund_);
+        accounts_.AccountCode().setLedgerID(loadedLedger_);
+        std::vector<clsAccountCode> codes;
+        if (!accounts_.GetChildren(QString(), codes)) {
+            message(QStringLiteral("Cannot read the account codes of fund %1, ledger %2. (%3)")
+                        .arg(loadedFund_, loadedLedger_, accounts_.Error().ErrorText()),
+                    MsgIcon::Critical);
+            return;
+        }
+        std::sort(codes.begin(), codes.end(),
+                  [](const clsAccountCode &a, const clsAccountCode &b) { return a.AccountCode() < b.AccountCode(); });
+        status(QStringLiteral("Loading Grid Data"));
+        for (const clsAccountCode &code : codes) {
+            rowStatus(code.ID());
+            AddGridRow(code);
+        }
+    }
+    grid.Refresh();
+    showComponentSummary();
+    status(QStringLiteral("Finished Loading Data"));
+}
+
+clsProposedBudgetItem workerEditGrid::proposalItem(std::int32_t accountId) const
+{
+    clsProposedBudgetItem item;
+    item.ID = accountId;
+    item.ProposalID = gstrProposalID;
+    item.FundID = loadedFund_;
+    item.LedgerID = loadedLedger_;
+    return item;
+}
+
+Currency workerEditGrid::openComponents(int row) const
+{
+    const classGrid &grid = Grid();
+    Currency sum;
+    for (const QString &key : components) {
+        if (!grid.CellLocked(row, key))
+            sum += grid.GetAmount(row, key);
+    }
+    return sum;
+}
+
+void workerEditGrid::AddGridRow(const clsProposedBudgetItem &item)
+{
+    if (item.AccountCode.isEmpty())
+        return;
+    classGrid &grid = Grid();
+    const int row = grid.AddRow();
+    grid.SetCell(row, QStringLiteral("ID"), QString::number(item.ID));
+    grid.SetCell(row, QStringLiteral("AcctCode"), item.AccountCode);
+    grid.SetCell(row, QStringLiteral("Description"), item.AccountName);
+    for (const QString &key : {QStringLiteral("CurrentBudget"), QStringLiteral("OrigCurrentBudget")})
+        grid.SetCell(row, key, item.CurrentBudget);
+    for (const QString &key :
+         {QStringLiteral("AcctCode"), QStringLiteral("Description"), QStringLiteral("CurrentBudget")})
+        grid.setCellLocked(row, key, true);
+    const Currency parts[] = {item.ProposedCatA, item.ProposedCatP, item.ProposedCatC};
+    const bool takesPart[] = {item.CatA, item.CatP, item.CatC};
+    for (int i = 0; i < 3; ++i) {
+        grid.SetCell(row, components[i], parts[i]);
+        grid.SetCell(row, twin(components[i]), parts[i]);
+    }
+    Currency amount = item.ProposedBudget;
+    if (componentLedger()) {
+        grid.setCellLocked(row, QStringLiteral("Amount"), true);
+        for (int i = 0; i < 3; ++i)
+            grid.setCellLocked(row, components[i], !takesPart[i]);
+        amount = openComponents(row);
+    }
+    grid.SetCell(row, QStringLiteral("Amount"), amount);
+    grid.SetCell(row, QStringLiteral("OrigAmount"), amount);
+}
+
+void workerEditGrid::AddGridRow(const clsAccountCode &code)
+{
+    if (code.AccountCode().isEmpty())
+        return;
+    classGrid &grid = Grid();
+    const int row = grid.AddRow();
+    grid.SetCell(row, QStringLiteral("ID"), QString::number(code.ID()));
+    grid.SetCell(row, QStringLiteral("Description"), code.AccountName());
+    grid.SetCell(row, QStringLiteral("AcctCode"), code.AccountCode());
+    grid.setCellLocked(row, QStringLiteral("Description"), true);
+    grid.setCellLocked(row, QStringLiteral("AcctCode"), true);
+    const QString flags[] = {code.CatAFlag(), code.CatPFlag(), code.CatCFlag()};
+    for (int i = 0; i < 3; ++i) {
+        const bool ticked = !flags[i].trimmed().isEmpty();
+        grid.SetCell(row, components[i], ticked);
+        grid.SetCell(row, twin(components[i]), ticked);
+    }
+    for (const QString &key : {QStringLiteral("StateCode"), QStringLiteral("OrigStateCode")})
+        grid.SetCell(row, key, code.StateCode());
+    for (const QString &key : {QStringLiteral("HistCode"), QStringLiteral("OrigHistCode")})
+        grid.SetCell(row, key, code.HistoricalCode());
+    for (const QString &key : {QStringLiteral("Amount"), QStringLiteral("OrigAmount")})
+        grid.SetCell(row, key, code.ProjectedAmount());
+}
+
+void workerEditGrid::CellEdited(int row, const QString &key)
+{
+    if (!componentLedger() || std::find(std::begin(components), std::end(components), key) == std::end(components))
+        return;
+    Grid().SetCell(row, QStringLiteral("Amount"), openComponents(row));
+    showComponentSummary();
+}
+
+void workerEditGrid::showComponentSummary()
+{
+    if (!componentLedger())
+        return;
+    const ComponentSummary summary = summariseComponents(Grid(), QStringLiteral("AcctCode"));
+    dialog_->Control(QStringLiteral("lblComponents")).setCaption(summary.text());
+    dialog_->Control(QStringLiteral("lblNoComponent")).setCaption(summary.warning());
+}
+
+bool workerEditGrid::differs(int row, const QString &key) const
+{
+    const classGrid &grid = Grid();
+    if (grid.Column(key).Type() == GridColumnType::Amount)
+        return grid.GetAmount(row, key) != grid.GetAmount(row, twin(key));
+    return !sameText(grid.GetItemValue(row, key).trimmed(), grid.GetItemValue(row, twin(key)).trimmed());
+}
+
+bool workerEditGrid::RowChanged(int row) const
+{
+    if (differs(row, QStringLiteral("Amount")))
+        return true;
+    if (proposedBudget()) {
+        return componentLedger() && std::any_of(std::begin(components), std::end(components),
+                                                [&](const QString &k) { return differs(row, k); });
+    }
+    // The flags count too: this is where an account's components are set.
+    return differs(row, QStringLiteral("StateCode")) || differs(row, QStringLiteral("HistCode")) ||
+           std::any_of(std::begin(components), std::end(components), [&](const QString &k) { return differs(row, k); });
+}
+
+std::vector<int> workerEditGrid::changedRows() const
+{
+    std::vector<int> rows;
+    for (int row = 1; row <= Grid().CountRows(); ++row) {
+        if (RowChanged(row))
+            rows.push_back(row);
+    }
+    return rows;
+}
+
+bool workerEditGrid::anyChanged() const
+{
+    for (int row = 1; row <= Grid().CountRows(); ++row) {
+        status(QStringLiteral("Checking data changes ") + QString(1 + (row - 1) % 3, u'.'));
+        if (RowChanged(row))
+            return true;
+    }
+    return false;
+}
+
+void workerEditGrid::acceptRow(int row)
+{
+    classGrid &grid = Grid();
+    for (int c = 1; c <= grid.CountColumns(); ++c) {
+        const QString key = grid.ColumnKey(c);
+        if (!key.startsWith(QLatin1String("Orig")) && grid.ColumnVerify(twin(key)))
+            grid.SetCell(row, twin(key), grid.GetItemValue(row, key));
+    }
+}
+
+void workerEditGrid::UserAction(classDialog &, const QString &name)
+{
+    if (name == fundsList || name == ledgersList)
+        switchLedger();
+    else if (name == QLatin1String("tlbLnItem"))
+        openLineItems();
+}
+
+void workerEditGrid::switchLedger()
+{
+    if (selectedKey(fundsList) == loadedFund_ && selectedKey(ledgersList) == loadedLedger_)
+        return;
+    if (anyChanged()) {
+        const MsgAnswer answer = messages().messageBox(
+            {QStringLiteral("Discard Changes"),
+             QStringLiteral("Changing your ledger will discard any changes you made to your current ledger?") +
+                 QLatin1Char('\r') + QStringLiteral("Do you want to continue?"),
+             MsgButtons::YesNo, MsgIcon::Question, MsgAnswer::No});
+        if (answer != MsgAnswer::Yes) {
+            for (const auto &[list, key] : {std::pair{fundsList, loadedFund_}, std::pair{ledgersList, loadedLedger_}}) {
+                classDropDown &drop = dialog_->Control(list).DropDown();
+                drop.setListIndex(list, drop.KeyToIndex(list, key));
+            }
+            status({});
+            return;
+        }
+    }
+    loadLedger();
+}
+
+void workerEditGrid::openLineItems()
+{
+    classGrid &grid = Grid();
+    const int row = grid.CurrentRow();
+    if (row == 0) {
+        message(QStringLiteral("Please select an Line Item to edit!"), MsgIcon::Exclamation);
+        return;
+    }
+    LineItemRequest request;
+    request.acctId = grid.GetItemValue(row, QStringLiteral("ID")).toInt();
+    request.acctCode = grid.GetItemValue(row, QStringLiteral("AcctCode"));
+    if (componentLedger()) {
+        request.catA = !grid.CellLocked(row, QStringLiteral("CatA"));
+        request.catP = !grid.CellLocked(row, QStringLiteral("CatP"));
+        request.catC = !grid.CellLocked(row, QStringLiteral("CatC"));
+    }
+    if (lineItem_)
+        lineItem_(request);
+    // The line-item window may have forwarded its total into the proposal.
+    Figures stored;
+    if (storedFigures(row, stored)) {
+        showStored(row, stored);
+        showComponentSummary();
+    }
+}
+
+bool workerEditGrid::storedFigures(int row, Figures &figures)
+{
+    budget_.ProposedBudgetItem() = proposalItem(Grid().GetItemValue(row, QStringLiteral("ID")).toInt());
+    if (!budget_.Retrieve())
+        return false;
+    const clsProposedBudgetItem &item = budget_.ProposedBudgetItem();
+    figures = {item.ProposedBudget, item.ProposedCatA, item.ProposedCatP, item.ProposedCatC};
+    return true;
+}
+
+void workerEditGrid::showStored(int row, const Figures &figures)
+{
+    classGrid &grid = Grid();
+    if (componentLedger()) {
+        const Currency parts[] = {figures.catA, figures.catP, figures.catC};
+        for (int i = 0; i < 3; ++i) {
+            grid.SetCell(row, components[i], parts[i]);
+            grid.SetCell(row, twin(components[i]), parts[i]);
+        }
+        const Currency amount = openComponents(row);
+        grid.SetCell(row, QStringLiteral("Amount"), amount);
+        grid.SetCell(row, QStringLiteral("OrigAmount"), amount);
+        return;
+    }
+    grid.SetCell(row, QStringLiteral("Amount"), figures.total);
+    grid.SetCell(row, QStringLiteral("OrigAmount"), figures.total);
+}
+
+bool workerEditGrid::resolveConflicts(std::vector<int> &rows, bool &reloaded)
+{
+    const classGrid &grid = Grid();
+    // One read of the whole ledger as stored now; an account without a row stands at zero, as when loaded.
+    budget_.ProposedBudgetItem() = proposalItem(0);
+    std::vector<clsProposedBudgetItem> items;
+    if (!budget_.GetListNew(items)) {
+        message(QStringLiteral("Cannot check what is stored for fund %1, ledger %2. (%3)")
+                    .arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
+                MsgIcon::Critical);
+        return false;
+    }
+    QHash<std::int32_t, const clsProposedBudgetItem *> byAccount;
+    for (const clsProposedBudgetItem &item : items)
+        byAccount.insert(item.ID, &item);
+    std::vector<std::pair<int, Figures>> conflicts;
+    for (const int row : rows) {
+        Figures stored;
+        if (const clsProposedBudgetItem *item = byAccount.value(grid.GetItemValue(row, QStringLiteral("ID")).toInt()))
+            stored = {item->ProposedBudget, item->ProposedCatA, item->ProposedCatP, item->ProposedCatC};
+        const bool moved = componentLedger() ? stored.catA != grid.GetAmount(row, QStringLiteral("OrigCatA")) ||
+                                                   stored.catP != grid.GetAmount(row, QStringLiteral("OrigCatP")) ||
+                                                   stored.catC != grid.GetAmount(row, QStringLiteral("OrigCatC"))
+                                             : stored.total != grid.GetAmount(row, QStringLiteral("OrigAmount"));
+        if (moved)
+            conflicts.emplace_back(row, stored);
+    }
+    if (conflicts.empty())
+        return true;
+    QStringList codes;
+    for (const auto &[row, stored] : conflicts)
+        codes << grid.GetItemValue(row, QStringLiteral("AcctCode"));
+    const MsgAnswer answer = messages().messageBox(
+        {title(),
+         QStringLiteral("Someone else has saved these accounts since you loaded them:\n") +
+             codes.join(QStringLiteral(", ")) +
+             QStringLiteral("\n\nYes: save your figures over theirs.\nNo: show their figures for these accounts "
+                            "(your changes to them are dropped) and save your other changes.\nCancel: save nothing."),
+         MsgButtons::YesNoCancel, MsgIcon::Exclamation, MsgAnswer::Cancel});
+    if (answer == MsgAnswer::Cancel)
+        return false;
+    if (answer == MsgAnswer::No) {
+        for (const auto &[row, stored] : conflicts) {
+            showStored(row, stored);
+            rows.erase(std::find(rows.begin(), rows.end(), row));
+        }
+        showComponentSummary();
+        reloaded = true;
+    }
+    return true;
+}
+
+bool workerEditGrid::SaveData(classDialog &)
+{
+    status(QStringLiteral("Updating Records. Please wait..."));
+    std::vector<int> rows = changedRows();
+    bool reloaded = false;
+    if (proposedBudget() && !resolveConflicts(rows, reloaded)) {
+        status({});
+        return false;
+    }
+    if (!budget_.BeginTransaction()) {
+        message(QStringLiteral("Cannot save: ") + budget_.Error().ErrorText(), MsgIcon::Critical);
+        status({});
+        return false;
+    }
+    bool written = true;
+    for (const int row : rows) {
+        written = proposedBudget() ? UpdateBudget(row) : UpdateAccount(row);
+        if (!written)
+            break;
+    }
+    if (written && !budget_.Endtransaction()) {
+        message(QStringLiteral("Cannot save: ") + budget_.Error().ErrorText(), MsgIcon::Critical);
+        written = false;
+    }
+    if (!written) {
+        budget_.AbortTransaction();
+        status({});
+        return false;
+    }
+    for (const int row : rows)
+        acceptRow(row);
+    status({});
+    return !reloaded;
+}
+
+bool workerEditGrid::UpdateBudget(int row)
+{
+    const classGrid &grid = Grid();
+    if (grid.GetItemValue(row, QStringLiteral("ID")).trimmed().isEmpty())
+        return true;
+    // A fresh item: a missing row must not be inserted with the previous row's figures.
+    budget_.ProposedBudgetItem() = proposalItem(grid.GetItemValue(row, QStringLiteral("ID")).toInt());
+    const bool exists = budget_.Retrieve();
+    clsProposedBudgetItem &item = budget_.ProposedBudgetItem();
+    if (componentLedger()) {
+        // The total is left as stored: for these accounts the grid writes only the components.
+        item.ProposedCatA = grid.GetAmount(row, QStringLiteral("CatA"));
+        item.ProposedCatP = grid.GetAmount(row, QStringLiteral("CatP"));
+        item.ProposedCatC = grid.GetAmount(row, QStringLiteral("CatC"));
+    } else {
+        item.ProposedBudget = grid.GetAmount(row, QStringLiteral("Amount"));
+    }
+    if (exists ? budget_.UpdateBatch() : budget_.AddBatch())
+        return true;
+    message(QStringLiteral("Cannot Update Account Code: ") + grid.GetItemValue(row, QStringLiteral("AcctCode")) +
+                QStringLiteral(". (") + budget_.Error().ErrorText() + u')',
+            MsgIcon::Critical);
+    return false;
+}
+
+bool workerEditGrid::UpdateAccount(int row)
+{
+    const classGrid &grid = Grid();
+    const QString code = grid.GetItemValue(row, QStringLiteral("AcctCode"));
+    accounts_.AccountCode().setID(grid.GetItemValue(row, QStringLiteral("ID")).toLongLong());
+    if (!accounts_.Retrieve()) {
+        message(QStringLiteral("Cannot Retrieve Account Code: ") + code + QStringLiteral(". error:") +
+                    accounts_.Error().ErrorText(),
+                MsgIcon::Critical);
+        return false;
+    }
+    clsAccountCode &account = accounts_.AccountCode();
+    account.setStateCode(grid.GetItemValue(row, QStringLiteral("StateCode")));
+    account.setHistoricalCode(grid.GetItemValue(row, QStringLiteral("HistCode")));
+    account.setProjectedAmount(grid.GetAmount(row, QStringLiteral("Amount")));
+    const auto ticked = [&](const QString &key) {
+        const QString value = grid.GetItemValue(row, key).trimmed();
+        return !value.isEmpty() && value != u"0";
+    };
+    account.setCatAFlag(flagText(account.CatAFlag(), ticked(QStringLiteral("CatA")), QStringLiteral("A")));
+    account.setCatPFlag(flagText(account.CatPFlag(), ticked(QStringLiteral("CatP")), QStringLiteral("P")));
+    account.setCatCFlag(flagText(account.CatCFlag(), ticked(QStringLiteral("CatC")), QStringLiteral("C")));
+    if (accounts_.UpdateBatch())
+        return true;
+    message(QStringLiteral("Cannot Update Account Code: ") + code + QStringLiteral(". (") +
+                accounts_.Error().ErrorText() + u')',
+            MsgIcon::Critical);
+    return false;
+}
