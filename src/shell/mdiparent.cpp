@@ -282,8 +282,15 @@ void mdiParent::ShowAbout()
 
 void mdiParent::ShowWhere(const QString &district, const QString &database, const QString &proposal)
 {
+    district_ = district;
+    database_ = database;
+    ShowProposal(proposal);
+}
+
+void mdiParent::ShowProposal(const QString &proposal)
+{
     QStringList parts{QLatin1String(applicationTitle)};
-    for (const QString &part : {district, database, proposal}) {
+    for (const QString &part : {district_, database_, proposal}) {
         if (!part.trimmed().isEmpty())
             parts << part.trimmed();
     }

@@ -68,6 +68,8 @@ public:
     // The title names where the user works: the district, the budget
     // database and the proposal; an empty part is left out.
     void ShowWhere(const QString &district, const QString &database, const QString &proposal);
+    // After another proposal became the current one.
+    void ShowProposal(const QString &proposal);
 
 private:
     void buildMenu();
@@ -76,6 +78,8 @@ private:
     void notAvailable(TaskKind kind, const QString &name);
 
     QMdiArea *area_;
+    QString district_;
+    QString database_;
     classStatusbar statusbar_;
     std::unique_ptr<QPrinter> printer_;
     QMenu *windowMenu_ = nullptr;

@@ -1,6 +1,18 @@
 #include "programtasks.h"
 
+#include "adoconnection.h"
+#include "appglobals.h"
+#include "equalizationwindow.h"
+#include "fundbalanceswindow.h"
+#include "fundlist.h"
 #include "mdiparent.h"
+#include "modmain.h"
+#include "organizationwindow.h"
+#include "systemparameters.h"
+#include "workereditaccountcodes.h"
+#include "workereditgrid.h"
+#include "workerproposal.h"
+#include "workerselectproposal.h"
 
 // The one place where the program's tasks are plugged in. Each row is a task
 // whose window is not written yet: its menu item tells the user so. A task
@@ -10,8 +22,6 @@
 const std::vector<ProgramTask> &programTasks()
 {
     static const std::vector<ProgramTask> tasks{
-        {TaskKind::Modal, "workerEditGrid", "Proposed budget entry"},
-        {TaskKind::Modal, "workerEditAccountCodes", "Account code editing"},
         {TaskKind::Report, "StatusReport", "The status report"},
         {TaskKind::Report, "HistoricalComparison", "The historical comparison report"},
         {TaskKind::Report, "VersusBudget", "The versus-budget report"},
@@ -19,19 +29,63 @@ const std::vector<ProgramTask> &programTasks()
         {TaskKind::Child, "workerReportGenerator", "The report generator"},
         {TaskKind::Report, "PublicBudget", "The public budget report"},
         {TaskKind::Report, "Chart", "Charts"},
-        {TaskKind::Modal, "workerSysParams", "Organization maintenance"},
-        {TaskKind::Modal, "workerProposal", "Proposal maintenance"},
         {TaskKind::Child, "workerAccountCodes", "Account code maintenance"},
-        {TaskKind::Modal, "workerFundBalances", "Fund balance maintenance"},
-        {TaskKind::Modal, "workerEqualization", "Equalization district maintenance"},
         {TaskKind::Modal, "workerInitBudget", "Budget year initialization"},
-        {TaskKind::Modal, "workerSelectProposal", "Changing the active proposal"},
     };
     return tasks;
 }
+
+namespace {
+
+std::shared_ptr<DbConnection> budgetDatabase()
+{
+    return gadoConnection->dbConnection();
+}
+
+// What the proposal windows say when another proposal becomes the current
+// one: the status-bar panel's text, and the title's proposal name.
+ProposalPanel proposalPanel(mdiParent &frame)
+{
+    return [&frame](const QString &text) {
+        frame.Statusbar().setPanelText(QStringLiteral("Proposal"), text);
+        frame.ShowProposal(ProposalName(gstrProposalID));
+    };
+}
+} // namespace
 
 void registerProgramTasks(mdiParent &frame)
 {
     for (const ProgramTask &task : programTasks())
         frame.registerUnavailable(task.kind, QLatin1String(task.name), QLatin1String(task.title));
+
+    QWidget *const parent = &frame;
+    frame.registerModalWorker(QStringLiteral("workerEditGrid"), [](const mdiParent::EntryProperties &entry) {
+        auto worker = std::make_unique<workerEditGrid>(budgetDatabase(), readInstallationFunds);
+        worker->setDisplayType(entry.value(QStringLiteral("DisplayType")));
+        worker->setFundID(entry.value(QStringLiteral("FundID")));
+        worker->setLedgerID(entry.value(QStringLiteral("LedgerID")));
+        return std::unique_ptr<ModalWorker>(std::move(worker));
+    });
+    frame.registerModalWorker(QStringLiteral("workerEditAccountCodes"), [](const mdiParent::EntryProperties &entry) {
+        auto worker = workerEditAccountCodes::fromAppContext();
+        worker->FundID = entry.value(QStringLiteral("FundID"));
+        worker->LedgerID = entry.value(QStringLiteral("LedgerID"));
+        return std::unique_ptr<ModalWorker>(std::move(worker));
+    });
+    frame.registerModalWorker(QStringLiteral("workerProposal"), [&frame](const mdiParent::EntryProperties &) {
+        return std::make_unique<workerProposal>(budgetDatabase(), proposalPanel(frame), &frame);
+    });
+    frame.registerModalWorker(QStringLiteral("workerSelectProposal"), [&frame](const mdiParent::EntryProperties &) {
+        return std::make_unique<workerSelectProposal>(budgetDatabase(), proposalPanel(frame), &frame);
+    });
+    frame.registerModalWorker(QStringLiteral("workerFundBalances"), [parent](const mdiParent::EntryProperties &) {
+        return std::make_unique<workerFundBalances>(budgetDatabase(), gstrRootPath, gstrFundPath, parent);
+    });
+    frame.registerModalWorker(QStringLiteral("workerEqualization"), [parent](const mdiParent::EntryProperties &) {
+        return std::make_unique<workerEqualization>(budgetDatabase(), parent);
+    });
+    // The menu opens the organisation record before it asks for this task.
+    frame.registerModalWorker(QStringLiteral("workerSysParams"), [parent](const mdiParent::EntryProperties &) {
+        return std::make_unique<workerSysParams>(*systemParameters, parent);
+    });
 }
