@@ -1,0 +1,496 @@
+#include "workeraccountcodes.h"
+
+#include "appglobals.h"
+#include "classdialog.h"
+#include "explorerrules.h"
+#include "folderqueries.h"
+#include "mdichild.h"
+#include "messageservice.h"
+#include "objectfunds.h"
+
+#include <QCoreApplication>
+#include <QMenu>
+#include <QShortcut>
+#include <QTreeWidget>
+
+#include <algorithm>
+
+namespace {
+
+const QString fundList = QStringLiteral("Fund");
+const QString ledgerList = QStringLiteral("Ledger");
+const QString viewList = QStringLiteral("View");
+const QString statusPanel = QStringLiteral("Status");
+
+struct CommandInfo {
+    const char *key;
+    const char *caption;
+    const char *image;
+};
+
+// The toolbar, in the order it shows them; the captions are also the tool tips.
+const CommandInfo toolbarCommands[] = {
+    {"Folder_Create", "Create Folder", "New"},       {"Folder_Edit", "Edit Folder", "Edit"},
+    {"Folder_Delete", "Delete Folder", "Delete"},    {"Folder_Up", "Move Folder Up", "Up"},
+    {"Folder_Down", "Move Folder Down", "Down"},     {"Folder_Adjust", "Folder Adjustment", ""},
+    {"", "", ""},
+    {"Account_Create", "Create Account Code", ""},   {"Account_Edit", "Edit Account Code", ""},
+    {"Account_Delete", "Delete Account Code", ""},   {"", "", ""},
+    {"DirectEdit", "Direct Edit", ""},               {"Expand", "Expand All", ""},
+    {"Contract", "Contract All", ""},                {"Find", "Find (Ctrl+F)", "Find"},
+    {"", "", ""},
+    {"_Refresh", "Refresh Window", "Refresh"},       {"_Print", "Print", "Print"},
+};
+
+QString captionOf(const QString &key)
+{
+    for (const CommandInfo &info : toolbarCommands) {
+        if (key == QLatin1String(info.key))
+            return QLatin1String(info.caption);
+    }
+    return key;
+}
+
+GridColumnOptions widthOf(int twips)
+{
+    GridColumnOptions options;
+    options.widthTwips = twips;
+    return options;
+}
+
+QString ledgerCaption(const QString &ledger)
+{
+    return ledger == u"R" ? QStringLiteral("Revenue") : QStringLiteral("Expenditure");
+}
+
+} // namespace
+
+bool listInstallationFunds(std::vector<FundChoice> &funds, QString &error)
+{
+    classObjectFunds file;
+    std::vector<FundFields> records;
+    int status = file.Init(gstrRootPath, gstrFundPath);
+    if (status == 0)
+        status = file.GetList(records);
+    if (status != 0) {
+        error = file.Message();
+        return false;
+    }
+    for (const FundFields &record : records)
+        funds.push_back({record.ID.trimmed(), record.Name.trimmed()});
+    return true;
+}
+
+workerAccountCodes::workerAccountCodes(AccountCodesContext context, QObject *parent)
+    : ChildWorker(parent), context_(std::move(context))
+{
+    accounts_.setAdoConnection(context_.connection);
+    tree_.setAdoConnection(context_.connection);
+}
+
+workerAccountCodes::~workerAccountCodes()
+{
+    delete child_.data();
+}
+
+void workerAccountCodes::DoMDIChild(QMdiArea &area)
+{
+    child_ = new mdiChild;
+    child_->setWindowTitle(explorerTitle());
+    connect(child_, &mdiChild::Command, this, &workerAccountCodes::mwfrmChild_Command);
+    child_->InitForm();
+    buildWindow();
+    child_->ShowForm(area);
+    loadFunds();
+    loadTree();
+}
+
+void workerAccountCodes::ShowChild()
+{
+    if (child_)
+        child_->BringToFront();
+}
+
+void workerAccountCodes::buildWindow()
+{
+    child_->setLoading(true);
+    classToolbar &toolbar = child_->Toolbar();
+    for (const CommandInfo &info : toolbarCommands) {
+        if (*info.key == '\0')
+            toolbar.AddSeparator();
+        else
+            toolbar.AddButton(QLatin1String(info.key), {}, QLatin1String(info.image), QLatin1String(info.caption),
+                              ToolbarButtonStyle::Default, QLatin1String(info.caption));
+    }
+
+    classDropDown &lists = child_->DropDown();
+    lists.AddDropDown(fundList, QStringLiteral("Fund:"), QStringLiteral("Select a fund to view"), 3600);
+    lists.AddDropDown(ledgerList, QStringLiteral("Ledger:"), QStringLiteral("Select a ledger to view"), 2000);
+    lists.AddDropDown(viewList, QStringLiteral("View:"), QStringLiteral("Select how to view account codes"), 2000);
+    lists.AddItem(ledgerList, QStringLiteral("R"), QStringLiteral("Revenue"));
+    lists.AddItem(ledgerList, QStringLiteral("E"), QStringLiteral("Expenditure"));
+    lists.setListIndex(ledgerList, lists.KeyToIndex(ledgerList, ledger_));
+    for (const ExplorerView &view : explorerViews())
+        lists.AddItem(viewList, view.nodeType, view.caption);
+    lists.setListIndex(viewList, lists.KeyToIndex(viewList, view_));
+
+    child_->Statusbar().AddPanel(0, statusPanel, {}, {}, PanelAlignment::Left, PanelAutoSize::Spring);
+    child_->Explorer().setEnableDragDrop(true);
+
+    QTreeWidget *tree = child_->Explorer().view();
+    connect(tree, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem *item) {
+        if (!renaming_.isEmpty() && item == child_->Explorer().view()->currentItem()) {
+            const QString key = std::exchange(renaming_, {});
+            item->setFlags(item->flags() & ~Qt::ItemIsEditable);
+            finishRename(key, item->text(0));
+        }
+    });
+    auto *findKey = new QShortcut(QKeySequence::Find, child_);
+    findKey->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(findKey, &QShortcut::activated, this, [this] { mwfrmChild_Command(QStringLiteral("Find")); });
+    child_->resize(900, 560);
+    child_->setLoading(false);
+}
+
+void workerAccountCodes::loadFunds()
+{
+    funds_.clear();
+    QString error;
+    if (!context_.listFunds || !context_.listFunds(funds_, error)) {
+        showMessage(QStringLiteral("Cannot initialize funds. error:") + error);
+        funds_.clear();
+    }
+    classDropDown &lists = child_->DropDown();
+    lists.Clear(fundList);
+    for (const FundChoice &fund : funds_)
+        lists.AddItem(fundList, fund.id, fund.id + QStringLiteral(" - ") + fund.name);
+    if (!funds_.empty()) {
+        lists.setListIndex(fundList, 0);
+        fund_ = funds_.front().id;
+    }
+}
+
+void workerAccountCodes::readChoices()
+{
+    const classDropDown &lists = child_->DropDown();
+    fund_ = lists.GetSelectedByKey(fundList);
+    ledger_ = lists.GetSelectedByKey(ledgerList);
+    view_ = explorerView(lists.GetSelectedByKey(viewList)).nodeType;
+}
+
+void workerAccountCodes::mwfrmChild_Command(const QString &command)
+{
+    if (!child_)
+        return;
+    if (command == u"_Unload") {
+        child_->deleteLater();
+        child_ = nullptr;
+        emit unloaded();
+        return;
+    }
+    using Handler = void (workerAccountCodes::*)();
+    static const QHash<QString, Handler> handlers{
+        {QStringLiteral("Folder_Create"), &workerAccountCodes::createFolder},
+        {QStringLiteral("Folder_Edit"), &workerAccountCodes::editFolder},
+        {QStringLiteral("Folder_Delete"), &workerAccountCodes::deleteFolder},
+        {QStringLiteral("Folder_Adjust"), &workerAccountCodes::adjustFolder},
+        {QStringLiteral("Account_Create"), &workerAccountCodes::createAccount},
+        {QStringLiteral("Account_Edit"), &workerAccountCodes::editAccount},
+        {QStringLiteral("Account_Delete"), &workerAccountCodes::deleteAccount},
+        {QStringLiteral("DirectEdit"), &workerAccountCodes::startRename},
+        {QStringLiteral("Rename"), &workerAccountCodes::startRename},
+        {QStringLiteral("_explorerNodeDrag"), &workerAccountCodes::nodeDropped},
+        {QStringLiteral("_explorerNodeRightClick"), &workerAccountCodes::contextMenu},
+        {QStringLiteral("_explorerNodeClick"), &workerAccountCodes::showContent},
+        {QStringLiteral("Find"), &workerAccountCodes::find},
+    };
+    if (const auto handler = handlers.constFind(command); handler != handlers.cend()) {
+        (this->**handler)();
+    } else if (command == u"Folder_Up" || command == u"Folder_Down") {
+        moveFolder(command == u"Folder_Up");
+    } else if (command == u"Expand" || command == u"Contract") {
+        child_->Explorer().ExpandNodes(command == u"Expand");
+    } else if (command == fundList || command == ledgerList || command == viewList) {
+        readChoices();
+        loadTree();
+    } else if (command == u"_Refresh") {
+        loadTree(child_->Explorer().SelectedNode());
+    } else if (command == u"_Print") {
+        showMessage(QStringLiteral("The account code listing report is not available yet."), QStringLiteral("Print"));
+    }
+    if (child_)
+        enableCommands();
+}
+
+void workerAccountCodes::loadTree(const QString &reselect)
+{
+    classExplorer &explorer = child_->Explorer();
+    classStatusbar &status = child_->Statusbar();
+    child_->setLoading(true);
+    const QSignalBlocker quiet(explorer.view());
+    explorer.RemoveNodes();
+    folders_.clear();
+    codes_.clear();
+    codesByFolder_.clear();
+    renaming_.clear();
+    explorer.view()->setUpdatesEnabled(false);
+
+    status.setPanelText(statusPanel, QStringLiteral("Loading account codes..."));
+    if (!fund_.isEmpty()) {
+        std::vector<clsAccountCode> all;
+        accounts_.ClearAccountCode();
+        accounts_.AccountCode().setFundID(fund_);
+        accounts_.AccountCode().setLedgerID(ledger_);
+        // Every code of the fund and ledger at once; each folder takes its own below.
+        if (!accounts_.GetChildren(QStringLiteral("*"), all))
+            showMessage(QStringLiteral("Error reading summary file: ") + accounts_.Error().ErrorText());
+        std::sort(all.begin(), all.end(),
+                  [](const clsAccountCode &a, const clsAccountCode &b) { return a.AccountCode() < b.AccountCode(); });
+        for (clsAccountCode &code : all) {
+            if (code.HistoricalCode().trimmed() == u"H")
+                continue;
+            codes_.insert(code.ID(), code);
+            codesByFolder_[hangingFolder(code, view_)].push_back(std::move(code));
+        }
+
+        const QString fundName = [this] {
+            for (const FundChoice &fund : funds_) {
+                if (fund.id == fund_)
+                    return fund.name;
+            }
+            return fund_;
+        }();
+        explorer.AddRootFolder(rootKey(), fundName + QStringLiteral(" - ") + ledgerCaption(ledger_));
+        addFolders(rootKey(), 0, 1, true);
+        // Codes whose folder is not in this tree stay reachable under the root.
+        for (auto folder = codesByFolder_.cbegin(); folder != codesByFolder_.cend(); ++folder) {
+            if (folder.key() != 0 && !folders_.contains(folder.key()))
+                addCodes(rootKey(), folder.key());
+        }
+        addCodes(rootKey(), 0);
+        explorer.view()->topLevelItem(0)->setExpanded(true);
+    }
+    explorer.view()->setUpdatesEnabled(true);
+    status.HideProgress();
+    status.setPanelText(statusPanel, QStringLiteral("%1 folders, %2 account codes").arg(folders_.size()).arg(codes_.size()));
+    child_->setLoading(false);
+    if (explorer.NodeCount() > 0)
+        explorer.setSelectedNode(knownNode(reselect) ? reselect : rootKey());
+    showContent();
+    enableCommands();
+}
+
+bool workerAccountCodes::knownNode(const QString &key) const
+{
+    switch (kindOf(key)) {
+    case NodeKind::Root:
+        return true;
+    case NodeKind::Folder:
+        return folders_.contains(idOf(key));
+    case NodeKind::Code:
+        return codes_.contains(idOf(key));
+    case NodeKind::None:
+        break;
+    }
+    return false;
+}
+
+workerAccountCodes::NodeKind workerAccountCodes::kindOf(const QString &key)
+{
+    if (key == rootKey())
+        return NodeKind::Root;
+    if (key.startsWith(u'F'))
+        return NodeKind::Folder;
+    if (key.startsWith(u'A'))
+        return NodeKind::Code;
+    return NodeKind::None;
+}
+
+qint64 workerAccountCodes::idOf(const QString &key)
+{
+    return key.mid(1).toLongLong();
+}
+
+void workerAccountCodes::addFolders(const QString &parentKey, qint64 parentId, int depth, bool top)
+{
+    std::vector<clsTreeItem> below;
+    FolderQueries queries(tree_, view_, fund_, ledger_);
+    if (!queries.children(parentId, below)) {
+        showMessage(QStringLiteral("Error reading tree file."));
+        return;
+    }
+    classStatusbar &status = child_->Statusbar();
+    if (top)
+        status.ShowProgress(int(below.size()));
+    int done = 0;
+    for (const clsTreeItem &folder : below) {
+        if (folders_.contains(folder.ID))
+            continue; // a loop in the stored tree: show each folder once
+        if (top) {
+            status.setPanelText(statusPanel, QStringLiteral("Loading ") + folder.Name);
+            status.SetProgress(++done);
+            // Let the status bar paint; the user's input waits until the tree is whole.
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        }
+        folders_.insert(folder.ID, folder);
+        const QString key = folderKey(folder.ID);
+        child_->Explorer().AddFolder(parentKey, key, folder.Name);
+        addFolders(key, folder.ID, depth + 1, false);
+        addCodes(key, folder.ID);
+    }
+}
+
+void workerAccountCodes::addCodes(const QString &parentKey, qint64 folderId)
+{
+    const auto found = codesByFolder_.constFind(folderId);
+    if (found == codesByFolder_.cend())
+        return;
+    for (const clsAccountCode &code : *found)
+        child_->Explorer().AddObject(parentKey, codeKey(code.ID()), codeCaption(code));
+}
+
+int workerAccountCodes::folderDepth(const QString &key) const
+{
+    // The explorer counts its root as the first level; folders count from below it.
+    return child_->Explorer().Node(key).depth - 1;
+}
+
+void workerAccountCodes::showContent()
+{
+    if (!child_ || child_->Loading())
+        return;
+    classGrid &grid = *child_->Grid(1);
+    grid.Reset();
+    grid.AddColumn(QStringLiteral("AccountCode"), QStringLiteral("Account Code"), widthOf(2000));
+    grid.AddColumn(QStringLiteral("Description"), QStringLiteral("Description"), widthOf(4200));
+    grid.AddColumn(QStringLiteral("StateCode"), QStringLiteral("State Code"), widthOf(1600));
+    if (view_ == u"T")
+        grid.AddColumn(QStringLiteral("ForceNewPage"), QStringLiteral("Force New Page"), widthOf(1500));
+    const QString selected = child_->Explorer().SelectedNode();
+    QStringList keys;
+    if (kindOf(selected) == NodeKind::Code)
+        keys << selected;
+    else if (!selected.isEmpty())
+        keys = child_->Explorer().ChildKeys(selected);
+    for (const QString &key : keys) {
+        const int row = grid.AddRow();
+        if (kindOf(key) == NodeKind::Folder) {
+            const clsTreeItem &folder = folders_[idOf(key)];
+            grid.SetCell(row, QStringLiteral("Description"), folder.Name);
+            if (view_ == u"T")
+                grid.SetCell(row, QStringLiteral("ForceNewPage"),
+                             folder.ForceNewPage ? QStringLiteral("Yes") : QStringLiteral("No"));
+        } else {
+            const clsAccountCode &code = codes_[idOf(key)];
+            grid.SetCell(row, QStringLiteral("AccountCode"), code.AccountCode());
+            grid.SetCell(row, QStringLiteral("Description"), code.AccountName());
+            grid.SetCell(row, QStringLiteral("StateCode"), code.StateCode());
+        }
+    }
+    grid.Refresh();
+}
+
+void workerAccountCodes::enableCommands()
+{
+    if (!child_)
+        return;
+    const QString selected = child_->Explorer().SelectedNode();
+    const NodeKind kind = kindOf(selected);
+    const bool folder = kind == NodeKind::Folder;
+    const bool container = folder || kind == NodeKind::Root;
+    classToolbar &toolbar = child_->Toolbar();
+    const bool roomBelow = container && folderDepth(selected) < explorerView(view_).maximumDepth;
+    toolbar.setButtonEnabled(QStringLiteral("Folder_Create"), roomBelow);
+    for (const char *key : {"Folder_Edit", "Folder_Delete", "Folder_Up", "Folder_Down", "Folder_Adjust", "DirectEdit"})
+        toolbar.setButtonEnabled(QLatin1String(key), folder);
+    toolbar.setButtonEnabled(QStringLiteral("Account_Create"), container);
+    toolbar.setButtonEnabled(QStringLiteral("Account_Edit"), kind == NodeKind::Code);
+    toolbar.setButtonEnabled(QStringLiteral("Account_Delete"), kind == NodeKind::Code);
+}
+
+std::vector<std::pair<QString, QString>> workerAccountCodes::nodeCommands(const QString &nodeKey)
+{
+    QStringList keys;
+    switch (kindOf(nodeKey)) {
+    case NodeKind::Root:
+        keys = {"Folder_Create", "Account_Create", "", "Expand", "Contract", "_Refresh"};
+        break;
+    case NodeKind::Folder:
+        keys = {"Folder_Create", "Folder_Edit", "DirectEdit", "Folder_Delete", "",        "Folder_Up",
+                "Folder_Down",   "Folder_Adjust", "",         "Account_Create", "",        "Expand", "Contract"};
+        break;
+    case NodeKind::Code:
+        keys = {"Account_Edit", "Account_Delete"};
+        break;
+    case NodeKind::None:
+        break;
+    }
+    std::vector<std::pair<QString, QString>> commands;
+    for (const QString &key : keys)
+        commands.emplace_back(key, key.isEmpty() ? QString() : captionOf(key));
+    return commands;
+}
+
+void workerAccountCodes::contextMenu()
+{
+    const QString selected = child_->Explorer().SelectedNode();
+    auto *menu = new QMenu(child_);
+    menu->setObjectName(QStringLiteral("mnuExplorerNode"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const auto &[key, caption] : nodeCommands(selected)) {
+        if (key.isEmpty()) {
+            menu->addSeparator();
+            continue;
+        }
+        QAction *action = menu->addAction(caption);
+        action->setEnabled(child_->Toolbar().ButtonEnabled(key));
+        connect(action, &QAction::triggered, this, [this, key] { mwfrmChild_Command(key); });
+    }
+    // Not modal: the command runs when the user picks it.
+    menu->popup(QCursor::pos());
+}
+
+void workerAccountCodes::find()
+{
+    const std::optional<QString> answer = messages().inputBox(
+        QStringLiteral("Find the account code or folder whose caption contains:"), QStringLiteral("Find"), lastFind_);
+    if (!answer || answer->trimmed().isEmpty())
+        return;
+    lastFind_ = answer->trimmed();
+    // Search onwards from the selected node, wrapping round once.
+    QTreeWidget *tree = child_->Explorer().view();
+    std::vector<QTreeWidgetItem *> order;
+    for (QTreeWidgetItemIterator it(tree); *it; ++it)
+        order.push_back(*it);
+    const auto current = std::find(order.begin(), order.end(), tree->currentItem());
+    const std::size_t start = current == order.end() ? 0 : std::size_t(current - order.begin()) + 1;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        QTreeWidgetItem *item = order[(start + i) % order.size()];
+        if (item->text(0).contains(lastFind_, Qt::CaseInsensitive)) {
+            tree->setCurrentItem(item);
+            tree->scrollToItem(item);
+            return;
+        }
+    }
+    showMessage(QStringLiteral("No account code or folder matches \"") + lastFind_ + QStringLiteral("\"."),
+                QStringLiteral("Find"));
+}
+
+void workerAccountCodes::showMessage(const QString &text, const QString &title)
+{
+    messages().errorDialog({1, title.isEmpty() ? explorerTitle() : title, text});
+}
+
+int workerAccountCodes::runDialog(DialogWorker &worker)
+{
+    classDialog dialog(worker, child_);
+    return context_.runDialog ? context_.runDialog(dialog) : dialog.Run(1);
+}
+
+void workerAccountCodes::staleNode(const QString &what, const QString &title)
+{
+    showMessage(what + QStringLiteral(" no longer exists or has been moved by another user. The tree now shows the "
+                                      "account codes as they are."),
+                title);
+    loadTree(child_->Explorer().SelectedNode());
+}
