@@ -12,13 +12,13 @@ const QString codeField = QStringLiteral("txtAccount");
 const QString descriptionField = QStringLiteral("txtDescription");
 const QString stateField = QStringLiteral("txtState");
 
-// A caption at the left and its field beside it, one row of the dialog.
-void addField(classDialog &dialog, const QString &name, const QString &caption, int top, int width, int limit)
+// A caption at the left and its field beside it, one row of the dialog. The
+// field takes any length: ValidateData names the limit of what is too long.
+void addField(classDialog &dialog, const QString &name, const QString &caption, int top, int width)
 {
     dialog.AddControl(DialogControlKind::Label, QStringLiteral("lbl") + name.mid(3), caption).Move(120, top + 40, 1300);
     DialogControl &field = dialog.AddControl(DialogControlKind::TextBox, name);
     field.Move(1500, top, width);
-    field.setMaxLength(limit);
 }
 
 void refuse(const QString &text)
@@ -50,7 +50,7 @@ void FolderDialog::FormBuild(classDialog &dialog)
 {
     dialog.SetSize(5400, showForceNewPage_ ? 1300 : 800);
     dialog.SetCaption(dialogCaption(purpose_, QStringLiteral("Folder")));
-    addField(dialog, nameField, QStringLiteral("Folder Name:"), 200, 3700, folderNameLimit);
+    addField(dialog, nameField, QStringLiteral("Folder Name:"), 200, 3700);
     DialogControl &force = dialog.AddControl(DialogControlKind::CheckBox, forceField, QStringLiteral("Force New Page"));
     force.Move(1500, 700, 2400);
     force.setVisible(showForceNewPage_);
@@ -101,9 +101,9 @@ void AccountCodeDialog::FormBuild(classDialog &dialog)
 {
     dialog.SetSize(6600, 1700);
     dialog.SetCaption(dialogCaption(purpose_, QStringLiteral("Account Code")));
-    addField(dialog, codeField, QStringLiteral("Account Code:"), 200, 3000, accountCodeLimit);
-    addField(dialog, descriptionField, QStringLiteral("Description:"), 650, 4900, accountNameLimit);
-    addField(dialog, stateField, QStringLiteral("State Code:"), 1100, 3000, stateCodeLimit);
+    addField(dialog, codeField, QStringLiteral("Account Code:"), 200, 3000);
+    addField(dialog, descriptionField, QStringLiteral("Description:"), 650, 4900);
+    addField(dialog, stateField, QStringLiteral("State Code:"), 1100, 3000);
     if (purpose_ == DialogPurpose::View)
         dialog.ShowStandardButtons(false);
 }

@@ -198,8 +198,8 @@ void workerAccountCodes::startRename()
         return;
     QTreeWidget *tree = child_->Explorer().view();
     QTreeWidgetItem *node = tree->currentItem();
+    node->setFlags(node->flags() | Qt::ItemIsEditable); // itemChanged, before the rename is under way
     renaming_ = selected;
-    node->setFlags(node->flags() | Qt::ItemIsEditable);
     tree->editItem(node);
 }
 
@@ -247,7 +247,7 @@ void workerAccountCodes::adjustFolder()
     const qint64 id = idOf(selected);
     const QString name = folders_.value(id).Name;
     const std::optional<QString> answer = messages().inputBox(
-        QStringLiteral("Please enter the sort by account code start position:\\n(You can sort the account code from a "
+        QStringLiteral("Please enter the sort by account code start position:\n(You can sort the account code from a "
                        "specific position. Or leave it the default value will sort from the first char)"),
         QStringLiteral("Folder Adjustment"), QStringLiteral("1"));
     if (!answer)

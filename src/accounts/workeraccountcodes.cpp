@@ -145,6 +145,8 @@ void workerAccountCodes::buildWindow()
             finishRename(key, item->text(0));
         }
     });
+    // An edit the user abandoned ends with the selection moving on.
+    connect(tree, &QTreeWidget::currentItemChanged, this, [this] { renaming_.clear(); });
     auto *findKey = new QShortcut(QKeySequence::Find, child_);
     findKey->setContext(Qt::WidgetWithChildrenShortcut);
     connect(findKey, &QShortcut::activated, this, [this] { mwfrmChild_Command(QStringLiteral("Find")); });
