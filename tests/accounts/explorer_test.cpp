@@ -133,14 +133,14 @@ TEST_P(ExplorerTest, CreateFolderStoresItUnderTheSelectedFolderWithinTheViewsDep
               QString("T,A,E,%1,Athletics,Y ").arg(top));
 
     // An empty name keeps the dialog open and stores nothing.
-    const QString before = scalar("select count(*) from BudgetSummaryTree");
+    const QString before = count("BudgetSummaryTree");
     fill = typeFolder("   ");
     command("Folder_Create");
     EXPECT_EQ(lastMessage(), maintenance + "|Folder name is a required field.");
     fill = typeFolder(QString(41, u'x'));
     command("Folder_Create");
     EXPECT_EQ(lastMessage(), maintenance + "|Folder name can be at most 40 characters long.");
-    EXPECT_EQ(scalar("select count(*) from BudgetSummaryTree"), before);
+    EXPECT_EQ(count("BudgetSummaryTree"), before);
 
     // Five levels in the account-code view, then no more.
     qint64 parent = top;
@@ -151,7 +151,7 @@ TEST_P(ExplorerTest, CreateFolderStoresItUnderTheSelectedFolderWithinTheViewsDep
     fill = typeFolder("Level 6");
     command("Folder_Create");
     EXPECT_EQ(lastMessage(), maintenance + "|Cannot add new folder at this level.");
-    EXPECT_EQ(scalar("select count(*) from BudgetSummaryTree"), QString::number(before.toInt() + 4));
+    EXPECT_EQ(count("BudgetSummaryTree"), QString::number(before.toInt() + 4));
 }
 
 TEST_P(ExplorerTest, BuildingsAndProgramsTakeFoldersAtTheTopOnly)
@@ -209,14 +209,14 @@ TEST_P(ExplorerTest, DeleteFolderIsRefusedWhileItHoldsSubfoldersOrCodesRetiredOn
     EXPECT_TRUE(explorer().ChildKeys(workerAccountCodes::folderKey(holder)).isEmpty()) << "a retired code is not shown";
     command("Folder_Delete");
     EXPECT_EQ(lastMessage(), maintenance + "|Folder has account codes and cannot be deleted.");
-    EXPECT_EQ(scalar(QString("select count(*) from BudgetSummaryTree where ID in ('%1','%2')").arg(parent).arg(holder)),
+    EXPECT_EQ(count(QString("BudgetSummaryTree where ID in ('%1','%2')").arg(parent).arg(holder)),
               "2");
 
     messages_->clear();
     select(workerAccountCodes::folderKey(empty));
     command("Folder_Delete");
     EXPECT_TRUE(messages_->shown().empty());
-    EXPECT_EQ(scalar(QString("select count(*) from BudgetSummaryTree where ID = '%1'").arg(empty)), "0");
+    EXPECT_EQ(count(QString("BudgetSummaryTree where ID = '%1'").arg(empty)), "0");
     EXPECT_EQ(explorer().SelectedNode(), workerAccountCodes::rootKey());
     EXPECT_TRUE(nodeNamed("Empty").isEmpty());
 }
@@ -297,7 +297,7 @@ TEST_P(ExplorerTest, CreateAccountCodeValidatesThenStoresItUpperCasedUnderTheFol
     fill = typeAccount("A9999.998", "Name", QString(31, u's'));
     command("Account_Create");
     EXPECT_EQ(lastMessage(), maintenance + "|State code can be at most 30 characters long.");
-    EXPECT_EQ(scalar("select count(*) from AccountCodes where AccountCode like 'A9999%'"), "0");
+    EXPECT_EQ(count("AccountCodes where AccountCode like 'A9999%'"), "0");
 
     messages_->clear();
     fill = typeAccount("  a9999.999 ", "Robotics club", "A2110.99");
@@ -343,7 +343,7 @@ TEST_P(ExplorerTest, ChangingACodeIsConfirmedAndValidatedNameChangesAreNot)
     ASSERT_FALSE(messages_->shown().empty());
     EXPECT_EQ(messages_->shown().back().message.title, "Confirm Account Code Change");
     EXPECT_EQ(messages_->shown().back().message.text, "Do you really want to change " + code.code + " to A9000.1?");
-    EXPECT_EQ(scalar("select count(*) from AccountCodes where AccountCode = 'A9000.1'"), "0");
+    EXPECT_EQ(count("AccountCodes where AccountCode = 'A9000.1'"), "0");
 
     messages_->clear();
     messages_->answer(MsgAnswer::Yes);
@@ -481,7 +481,7 @@ TEST_P(ExplorerTest, CommandsOnAFolderAnotherUserDeletedSayWhyAndRefresh)
     command("Folder_Create");
     EXPECT_TRUE(lastMessage().startsWith(maintenance + "|The folder no longer exists"));
     EXPECT_TRUE(nodeNamed("Vanishing").isEmpty());
-    EXPECT_EQ(scalar(QString("select count(*) from BudgetSummaryTree where ParentID = '%1'").arg(id)), "0");
+    EXPECT_EQ(count(QString("BudgetSummaryTree where ParentID = '%1'").arg(id)), "0");
 
     const qint64 again = addFolder(0, "Vanishing");
     command("_Refresh");
@@ -489,7 +489,7 @@ TEST_P(ExplorerTest, CommandsOnAFolderAnotherUserDeletedSayWhyAndRefresh)
     select(workerAccountCodes::folderKey(again));
     fill = typeAccount("A9999.500", "Orphan");
     command("Account_Create");
-    EXPECT_EQ(scalar("select count(*) from AccountCodes where AccountCode = 'A9999.500'"), "0");
+    EXPECT_EQ(count("AccountCodes where AccountCode = 'A9999.500'"), "0");
 
     const qint64 third = addFolder(0, "Vanishing");
     command("_Refresh");
@@ -533,7 +533,7 @@ TEST_P(ExplorerTest, FolderAdjustmentOffersCodesSortedFromThePositionAndMovesThe
             order << code.AccountCode();
     }
     EXPECT_EQ(order, QStringList({"A8888.001", "A7777.002", "A9999.003"}));
-    EXPECT_EQ(scalar(QString("select count(*) from AccountCodes where ParentID = '%1'").arg(folder)), "3");
+    EXPECT_EQ(count(QString("AccountCodes where ParentID = '%1'").arg(folder)), "3");
     EXPECT_EQ(explorer().ChildKeys(workerAccountCodes::folderKey(folder)).size(), 3);
 
     // Offered again, the folder's codes start on the selected side; cancelling changes nothing.
@@ -561,7 +561,7 @@ TEST_P(ExplorerTest, FolderAdjustmentIsAllOrNothing)
     choice = ids;
     command("Folder_Adjust");
     EXPECT_TRUE(lastMessage().startsWith("Update Operation|Unable to update summary record. "));
-    EXPECT_EQ(scalar(QString("select count(*) from AccountCodes where ParentID = '%1'").arg(folder)), "0");
+    EXPECT_EQ(count(QString("AccountCodes where ParentID = '%1'").arg(folder)), "0");
     EXPECT_FALSE(db()->inTransaction());
 
     // Cancelled at the prompt: the list is not even offered.

@@ -111,6 +111,16 @@ protected:
         return store.TreeItem().ID;
     }
 
+    // How many rows "<table> where ..." holds, on every backend.
+    QString count(const QString &tableAndCondition)
+    {
+        Recordset rs;
+        DbError error;
+        EXPECT_TRUE(db()->open("select count(*) as n from " + tableAndCondition, rs, &error))
+            << error.text.toStdString();
+        return rs.atEnd() ? QString() : QString::number(rs.number("n"));
+    }
+
     // The last message shown, as "caption|text".
     QString lastMessage() const
     {
