@@ -11,6 +11,9 @@
 #include <QCoreApplication>
 #include <QMenu>
 #include <QShortcut>
+#include <QSplitter>
+#include <QToolBar>
+#include <QToolButton>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -24,27 +27,36 @@ const QString statusPanel = QStringLiteral("Status");
 
 struct CommandInfo {
     const char *key;
-    const char *caption;
-    const char *image;
+    const char *caption; // also the tool tip
+    const char *image;   // the toolbar shows the caption where there is none
+    bool onToolbar;
 };
 
-// The toolbar, in the order it shows them; the captions are also the tool tips.
-const CommandInfo toolbarCommands[] = {
-    {"Folder_Create", "Create Folder", "New"},       {"Folder_Edit", "Edit Folder", "Edit"},
-    {"Folder_Delete", "Delete Folder", "Delete"},    {"Folder_Up", "Move Folder Up", "Up"},
-    {"Folder_Down", "Move Folder Down", "Down"},     {"Folder_Adjust", "Folder Adjustment", ""},
-    {"", "", ""},
-    {"Account_Create", "Create Account Code", ""},   {"Account_Edit", "Edit Account Code", ""},
-    {"Account_Delete", "Delete Account Code", ""},   {"", "", ""},
-    {"DirectEdit", "Direct Edit", ""},               {"Expand", "Expand All", ""},
-    {"Contract", "Contract All", ""},                {"Find", "Find (Ctrl+F)", "Find"},
-    {"", "", ""},
-    {"_Refresh", "Refresh Window", "Refresh"},       {"_Print", "Print", "Print"},
+// Every command, the toolbar's in the order it shows them; an empty key
+// separates groups. The rest are reached through the context menu and keys.
+const CommandInfo commands[] = {
+    {"Folder_Create", "Create Folder", "New", true},
+    {"Folder_Edit", "Edit Folder", "Edit", true},
+    {"Folder_Delete", "Delete Folder", "Delete", true},
+    {"Folder_Up", "Move Folder Up", "Up", true},
+    {"Folder_Down", "Move Folder Down", "Down", true},
+    {"Folder_Adjust", "Folder Adjustment", "", true},
+    {"", "", "", true},
+    {"Account_Create", "Create Account Code", "", true},
+    {"Account_Edit", "Edit Account Code", "", true},
+    {"Account_Delete", "Delete Account Code", "", true},
+    {"", "", "", true},
+    {"Find", "Find (Ctrl+F)", "", true},
+    {"_Refresh", "Refresh Window", "Refresh", true},
+    {"_Print", "Print", "Print", true},
+    {"DirectEdit", "Direct Edit (F2)", "", false},
+    {"Expand", "Expand All", "", false},
+    {"Contract", "Contract All", "", false},
 };
 
 QString captionOf(const QString &key)
 {
-    for (const CommandInfo &info : toolbarCommands) {
+    for (const CommandInfo &info : commands) {
         if (key == QLatin1String(info.key))
             return QLatin1String(info.caption);
     }
@@ -115,12 +127,21 @@ void workerAccountCodes::buildWindow()
 {
     child_->setLoading(true);
     classToolbar &toolbar = child_->Toolbar();
-    for (const CommandInfo &info : toolbarCommands) {
+    auto *bar = child_->findChild<QToolBar *>();
+    for (const CommandInfo &info : commands) {
+        if (!info.onToolbar)
+            continue;
+        const QString image = QLatin1String(info.image);
         if (*info.key == '\0')
             toolbar.AddSeparator();
         else
-            toolbar.AddButton(QLatin1String(info.key), {}, QLatin1String(info.image), QLatin1String(info.caption),
+            toolbar.AddButton(QLatin1String(info.key), {}, image, QLatin1String(info.caption),
                               ToolbarButtonStyle::Default, QLatin1String(info.caption));
+        // A picture says it alone (its caption is the tool tip): the captions would not fit in one row.
+        if (!image.isEmpty() && bar) {
+            if (auto *button = qobject_cast<QToolButton *>(bar->widgetForAction(toolbar.Item(QLatin1String(info.key)).action())))
+                button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+        }
     }
 
     classDropDown &lists = child_->DropDown();
@@ -147,10 +168,16 @@ void workerAccountCodes::buildWindow()
     });
     // An edit the user abandoned ends with the selection moving on.
     connect(tree, &QTreeWidget::currentItemChanged, this, [this] { renaming_.clear(); });
-    auto *findKey = new QShortcut(QKeySequence::Find, child_);
-    findKey->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(findKey, &QShortcut::activated, this, [this] { mwfrmChild_Command(QStringLiteral("Find")); });
-    child_->resize(900, 560);
+    for (const auto &[keys, command] : {std::pair{QKeySequence(QKeySequence::Find), QStringLiteral("Find")},
+                                        std::pair{QKeySequence(Qt::Key_F2), QStringLiteral("DirectEdit")}}) {
+        auto *shortcut = new QShortcut(keys, child_);
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, this, [this, command] { mwfrmChild_Command(command); });
+    }
+    child_->Explorer().setVisible(true);
+    if (auto *body = child_->findChild<QSplitter *>(QString(), Qt::FindDirectChildrenOnly))
+        body->setSizes({330, 670});
+    child_->resize(1000, 620);
     child_->setLoading(false);
 }
 
@@ -363,8 +390,8 @@ void workerAccountCodes::showContent()
         return;
     classGrid &grid = *child_->Grid(1);
     grid.Reset();
-    grid.AddColumn(QStringLiteral("AccountCode"), QStringLiteral("Account Code"), widthOf(2000));
-    grid.AddColumn(QStringLiteral("Description"), QStringLiteral("Description"), widthOf(4200));
+    grid.AddColumn(QStringLiteral("AccountCode"), QStringLiteral("Account Code"), widthOf(1700));
+    grid.AddColumn(QStringLiteral("Description"), QStringLiteral("Description"), widthOf(3300));
     grid.AddColumn(QStringLiteral("StateCode"), QStringLiteral("State Code"), widthOf(1600));
     if (view_ == u"T")
         grid.AddColumn(QStringLiteral("ForceNewPage"), QStringLiteral("Force New Page"), widthOf(1500));
@@ -392,22 +419,31 @@ void workerAccountCodes::showContent()
     grid.Refresh();
 }
 
+bool workerAccountCodes::commandEnabled(const QString &key) const
+{
+    const QString selected = child_->Explorer().SelectedNode();
+    const NodeKind kind = kindOf(selected);
+    const bool container = kind == NodeKind::Folder || kind == NodeKind::Root;
+    if (key == u"Folder_Create")
+        return container && folderDepth(selected) < explorerView(view_).maximumDepth;
+    if (key.startsWith(u"Folder_") || key == u"DirectEdit")
+        return kind == NodeKind::Folder;
+    if (key == u"Account_Create")
+        return container;
+    if (key.startsWith(u"Account_"))
+        return kind == NodeKind::Code;
+    return true;
+}
+
 void workerAccountCodes::enableCommands()
 {
     if (!child_)
         return;
-    const QString selected = child_->Explorer().SelectedNode();
-    const NodeKind kind = kindOf(selected);
-    const bool folder = kind == NodeKind::Folder;
-    const bool container = folder || kind == NodeKind::Root;
     classToolbar &toolbar = child_->Toolbar();
-    const bool roomBelow = container && folderDepth(selected) < explorerView(view_).maximumDepth;
-    toolbar.setButtonEnabled(QStringLiteral("Folder_Create"), roomBelow);
-    for (const char *key : {"Folder_Edit", "Folder_Delete", "Folder_Up", "Folder_Down", "Folder_Adjust", "DirectEdit"})
-        toolbar.setButtonEnabled(QLatin1String(key), folder);
-    toolbar.setButtonEnabled(QStringLiteral("Account_Create"), container);
-    toolbar.setButtonEnabled(QStringLiteral("Account_Edit"), kind == NodeKind::Code);
-    toolbar.setButtonEnabled(QStringLiteral("Account_Delete"), kind == NodeKind::Code);
+    for (const CommandInfo &info : commands) {
+        if (info.onToolbar && *info.key != '\0')
+            toolbar.setButtonEnabled(QLatin1String(info.key), commandEnabled(QLatin1String(info.key)));
+    }
 }
 
 std::vector<std::pair<QString, QString>> workerAccountCodes::nodeCommands(const QString &nodeKey)
@@ -445,7 +481,7 @@ void workerAccountCodes::contextMenu()
             continue;
         }
         QAction *action = menu->addAction(caption);
-        action->setEnabled(child_->Toolbar().ButtonEnabled(key));
+        action->setEnabled(commandEnabled(key));
         connect(action, &QAction::triggered, this, [this, key] { mwfrmChild_Command(key); });
     }
     // Not modal: the command runs when the user picks it.

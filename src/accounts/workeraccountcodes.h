@@ -80,6 +80,7 @@ private:
     // 0 for the root, 1 for a top-level folder.
     int folderDepth(const QString &key) const;
     void showContent();
+    bool commandEnabled(const QString &key) const;
     void enableCommands();
     void showMessage(const QString &text, const QString &title = {});
     int runDialog(DialogWorker &worker);
