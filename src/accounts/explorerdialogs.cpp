@@ -58,6 +58,7 @@ void FolderDialog::FormBuild(classDialog &dialog)
 
 void FolderDialog::SecurityLock(classDialog &dialog)
 {
+    // Looking only: nothing to save, so no OK.
     if (purpose_ == DialogPurpose::View)
         dialog.ShowStandardButtons(false);
 }
@@ -77,6 +78,8 @@ void FolderDialog::LockControls(classDialog &dialog)
 
 bool FolderDialog::ValidateData(classDialog &dialog)
 {
+    if (purpose_ == DialogPurpose::View)
+        return false;
     const QString problem = folderNameProblem(dialog.Control(nameField).Text());
     if (!problem.isEmpty()) {
         refuse(problem);
@@ -87,8 +90,6 @@ bool FolderDialog::ValidateData(classDialog &dialog)
 
 bool FolderDialog::SaveData(classDialog &dialog)
 {
-    if (purpose_ == DialogPurpose::View)
-        return false;
     return save_({dialog.Control(nameField).Text().trimmed(), dialog.Control(forceField).Value()});
 }
 
@@ -126,6 +127,8 @@ AccountCodeDialog::Values AccountCodeDialog::read(const classDialog &dialog) con
 
 bool AccountCodeDialog::ValidateData(classDialog &dialog)
 {
+    if (purpose_ == DialogPurpose::View)
+        return false;
     Values values = read(dialog);
     const QString problem = accountFieldsProblem(values.code, values.description, values.stateCode);
     if (!problem.isEmpty()) {
@@ -140,8 +143,6 @@ bool AccountCodeDialog::ValidateData(classDialog &dialog)
 
 bool AccountCodeDialog::SaveData(classDialog &dialog)
 {
-    if (purpose_ == DialogPurpose::View)
-        return false;
     Values values = read(dialog);
     values.code = values.code.trimmed().toUpper();
     values.description = values.description.trimmed();

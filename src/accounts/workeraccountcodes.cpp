@@ -232,6 +232,7 @@ void workerAccountCodes::mwfrmChild_Command(const QString &command)
         {QStringLiteral("_explorerNodeRightClick"), &workerAccountCodes::contextMenu},
         {QStringLiteral("_explorerNodeClick"), &workerAccountCodes::showContent},
         {QStringLiteral("Find"), &workerAccountCodes::find},
+        {QStringLiteral("_gridLeftDblClick"), &workerAccountCodes::viewRow},
     };
     if (const auto handler = handlers.constFind(command); handler != handlers.cend()) {
         (this->**handler)();
@@ -401,6 +402,7 @@ void workerAccountCodes::showContent()
         keys << selected;
     else if (!selected.isEmpty())
         keys = child_->Explorer().ChildKeys(selected);
+    gridKeys_ = keys;
     for (const QString &key : keys) {
         const int row = grid.AddRow();
         if (kindOf(key) == NodeKind::Folder) {
@@ -531,4 +533,20 @@ void workerAccountCodes::staleNode(const QString &what, const QString &title)
                                       "account codes as they are."),
                 title);
     loadTree(child_->Explorer().SelectedNode());
+}
+
+void workerAccountCodes::viewRow()
+{
+    const int row = child_->Grid(1)->CurrentRow();
+    const QString key = gridKeys_.value(row - 1);
+    if (kindOf(key) == NodeKind::Folder) {
+        const clsTreeItem &folder = folders_[idOf(key)];
+        FolderDialog dialog(DialogPurpose::View, view_ == u"T", {folder.Name, folder.ForceNewPage}, {});
+        runDialog(dialog);
+    } else if (kindOf(key) == NodeKind::Code) {
+        const clsAccountCode &code = codes_[idOf(key)];
+        AccountCodeDialog dialog(DialogPurpose::View, {code.AccountCode(), code.AccountName(), code.StateCode()}, {},
+                                 {});
+        runDialog(dialog);
+    }
 }

@@ -102,6 +102,8 @@ private:
     bool dropFolder(qint64 folderId, qint64 targetId);
     bool targetExists(qint64 folderId, const QString &title);
     void contextMenu();
+    // A double click on a grid row shows its folder or code, read only.
+    void viewRow();
     void find();
 
     AccountCodesContext context_;
@@ -115,6 +117,7 @@ private:
     QHash<qint64, clsTreeItem> folders_;
     QHash<qint64, std::vector<clsAccountCode>> codesByFolder_;
     QHash<qint64, clsAccountCode> codes_;
+    QStringList gridKeys_; // the tree key of each grid row
     QString renaming_; // the folder being renamed in place
     QString lastFind_;
 };

@@ -671,3 +671,35 @@ TEST(ExplorerRules, DepthStartPositionAndOrdering)
     EXPECT_EQ(hangingFolder(code, "p"), 8);
     EXPECT_EQ(code.ParentID(), 9);
 }
+
+TEST_P(ExplorerTest, ADoubleClickedGridRowIsShownReadOnly)
+{
+    const qint64 id = addFolder(0, "Looked at");
+    command("_Refresh");
+    select(workerAccountCodes::rootKey());
+    classGrid &grid = *worker().child()->Grid(1);
+    int row = 1;
+    while (row <= grid.CountRows() && grid.GetItemValue(row, "Description") != "Looked at")
+        ++row;
+    ASSERT_LE(row, grid.CountRows());
+    grid.SelectRow(row);
+    fill = [](classDialog &dialog) {
+        EXPECT_EQ(dialog.Control("txtName").Text(), "Looked at");
+        dialog.Control("txtName").setText("Changed");
+    };
+    command("_gridLeftDblClick");
+    EXPECT_EQ(dialogCaptions.value(0), "View Folder");
+    EXPECT_EQ(scalar(QString("select Name from BudgetSummaryTree where ID = '%1'").arg(id)), "Looked at");
+
+    const QString code = firstLiveCode(district(), "A", u'E').code;
+    select(explorer().Node(nodeNamed(code)).parentKey);
+    row = 1;
+    while (row <= grid.CountRows() && grid.GetItemValue(row, "AccountCode") != code)
+        ++row;
+    ASSERT_LE(row, grid.CountRows());
+    grid.SelectRow(row);
+    fill = typeAccount("A7777.7", "Changed");
+    command("_gridLeftDblClick");
+    EXPECT_EQ(dialogCaptions.value(1), "View Account Code");
+    EXPECT_EQ(count("AccountCodes where AccountCode = 'A7777.7'"), "0");
+}
