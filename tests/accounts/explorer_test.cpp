@@ -183,11 +183,18 @@ TEST_P(ExplorerTest, EditFolderWritesNameAndPagingAndSaysWhenTheFolderIsGone)
               "New name,Y");
     EXPECT_EQ(explorer().Node(workerAccountCodes::folderKey(id)).text, "New name");
 
+    // What the user types reaches the database as text, quotes and all.
+    fill = typeFolder("O'Neil's'); drop table Parms;--");
+    command("Folder_Edit");
+    EXPECT_EQ(scalar("select Name from BudgetSummaryTree where ID = '" + QString::number(id) + "'"),
+              "O'Neil's'); drop table Parms;--");
+    EXPECT_NE(count("BudgetSummaryTree"), "1");
+
     exec("delete from BudgetSummaryTree where ID = '" + QString::number(id) + "'"); // another workstation
     command("Folder_Edit");
     EXPECT_EQ(lastMessage(), maintenance + "|Error retrieving folder. error:Record not Found.");
     EXPECT_TRUE(nodeNamed("New name").isEmpty()) << "the tree shows what is stored now";
-    EXPECT_EQ(dialogCaptions.size(), 1);
+    EXPECT_EQ(dialogCaptions.size(), 2);
 }
 
 TEST_P(ExplorerTest, DeleteFolderIsRefusedWhileItHoldsSubfoldersOrCodesRetiredOnesIncluded)
