@@ -257,7 +257,8 @@ void workerAccountCodes::loadTree(const QString &reselect)
     classExplorer &explorer = child_->Explorer();
     classStatusbar &status = child_->Statusbar();
     child_->setLoading(true);
-    const QSignalBlocker quiet(explorer.view());
+    // The tree's own signals stay quiet until it is whole.
+    explorer.view()->blockSignals(true);
     explorer.RemoveNodes();
     folders_.clear();
     codes_.clear();
@@ -291,16 +292,20 @@ void workerAccountCodes::loadTree(const QString &reselect)
             return fund_;
         }();
         explorer.AddRootFolder(rootKey(), fundName + QStringLiteral(" - ") + ledgerCaption(ledger_));
-        addFolders(rootKey(), 0, 1, true);
+        addFolders(rootKey(), 0, true);
         // Codes whose folder is not in this tree stay reachable under the root.
+        QList<qint64> unplaced;
         for (auto folder = codesByFolder_.cbegin(); folder != codesByFolder_.cend(); ++folder) {
-            if (folder.key() != 0 && !folders_.contains(folder.key()))
-                addCodes(rootKey(), folder.key());
+            if (!folders_.contains(folder.key()))
+                unplaced << folder.key();
         }
-        addCodes(rootKey(), 0);
+        std::sort(unplaced.begin(), unplaced.end());
+        for (const qint64 folderId : unplaced)
+            addCodes(rootKey(), folderId);
         explorer.view()->topLevelItem(0)->setExpanded(true);
     }
     explorer.view()->setUpdatesEnabled(true);
+    explorer.view()->blockSignals(false);
     status.HideProgress();
     status.setPanelText(statusPanel, QStringLiteral("%1 folders, %2 account codes").arg(folders_.size()).arg(codes_.size()));
     child_->setLoading(false);
@@ -341,7 +346,7 @@ qint64 workerAccountCodes::idOf(const QString &key)
     return key.mid(1).toLongLong();
 }
 
-void workerAccountCodes::addFolders(const QString &parentKey, qint64 parentId, int depth, bool top)
+void workerAccountCodes::addFolders(const QString &parentKey, qint64 parentId, bool top)
 {
     std::vector<clsTreeItem> below;
     FolderQueries queries(tree_, view_, fund_, ledger_);
@@ -365,7 +370,7 @@ void workerAccountCodes::addFolders(const QString &parentKey, qint64 parentId, i
         folders_.insert(folder.ID, folder);
         const QString key = folderKey(folder.ID);
         child_->Explorer().AddFolder(parentKey, key, folder.Name);
-        addFolders(key, folder.ID, depth + 1, false);
+        addFolders(key, folder.ID, false);
         addCodes(key, folder.ID);
     }
 }

@@ -74,7 +74,9 @@ private:
     void loadFunds();
     void readChoices();
     void loadTree(const QString &reselect = {});
-    void addFolders(const QString &parentKey, qint64 parentId, int depth, bool top);
+    // Adds the folders under parentId and, below each, its own folders and codes;
+    // the top level reports its progress.
+    void addFolders(const QString &parentKey, qint64 parentId, bool top);
     void addCodes(const QString &parentKey, qint64 folderId);
     bool knownNode(const QString &key) const;
     // 0 for the root, 1 for a top-level folder.

@@ -64,6 +64,9 @@ TEST_P(ExplorerTest, OpensOnTheFirstFundsExpenditureFoldersWithLiveCodesCaptione
         if (a.historical && a.fundId == worker().fund())
             EXPECT_TRUE(nodeNamed(a.code).isEmpty()) << a.code.toStdString() << " is retired";
     }
+    EXPECT_EQ(explorer().caption()->text(), explorer().Node(workerAccountCodes::rootKey()).text);
+    EXPECT_EQ(explorer().Node(workerAccountCodes::rootKey()).text,
+              district().funds.front().name + " - Expenditure");
     EXPECT_FALSE(worker().child()->Statusbar().ProgressVisible());
     EXPECT_TRUE(worker().child()->Statusbar().PanelText("Status").contains("account codes"));
 }
