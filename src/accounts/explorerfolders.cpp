@@ -45,7 +45,9 @@ void workerAccountCodes::createFolder()
         const QString key = folderKey(item.ID);
         child_->Explorer().AddFolder(selected, key, item.Name);
         QTreeWidgetItem *node = child_->Explorer().view()->currentItem();
-        const auto isFolder = [this](QTreeWidgetItem *n) { return kindOf(n->data(0, Qt::UserRole).toString()) == NodeKind::Folder; };
+        const auto isFolder = [this](QTreeWidgetItem *n) {
+            return kindOf(n->data(0, Qt::UserRole).toString()) == NodeKind::Folder;
+        };
         int firstCode = 0;
         while (firstCode < node->childCount() - 1 && isFolder(node->child(firstCode)))
             ++firstCode;
@@ -143,8 +145,8 @@ void workerAccountCodes::moveFolder(bool up)
         loadTree(selected);
         return;
     }
-    const auto at = std::find_if(siblings.begin(), siblings.end(),
-                                 [&](const clsTreeItem &s) { return s.ID == folder.ID; });
+    const auto at =
+        std::find_if(siblings.begin(), siblings.end(), [&](const clsTreeItem &s) { return s.ID == folder.ID; });
     if (at == siblings.end() || (up && at == siblings.begin()) || (!up && at + 1 == siblings.end()))
         return; // already first or last
     clsTreeItem neighbour;

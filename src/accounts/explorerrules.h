@@ -16,9 +16,9 @@ inline QString explorerTitle()
 // The three ways the explorer arranges a fund's codes: under account-code
 // folders ("T"), buildings ("B") or programs ("P").
 struct ExplorerView {
-    QString nodeType;  // "T", "B" or "P"
-    QString caption;   // as the view drop-down shows it
-    int maximumDepth;  // folder levels allowed below the tree's root
+    QString nodeType; // "T", "B" or "P"
+    QString caption;  // as the view drop-down shows it
+    int maximumDepth; // folder levels allowed below the tree's root
 };
 
 const std::vector<ExplorerView> &explorerViews();

@@ -139,7 +139,8 @@ void workerAccountCodes::buildWindow()
                               ToolbarButtonStyle::Default, QLatin1String(info.caption));
         // A picture says it alone (its caption is the tool tip): the captions would not fit in one row.
         if (!image.isEmpty() && bar) {
-            if (auto *button = qobject_cast<QToolButton *>(bar->widgetForAction(toolbar.Item(QLatin1String(info.key)).action())))
+            if (auto *button =
+                    qobject_cast<QToolButton *>(bar->widgetForAction(toolbar.Item(QLatin1String(info.key)).action())))
                 button->setToolButtonStyle(Qt::ToolButtonIconOnly);
         }
     }
@@ -307,7 +308,8 @@ void workerAccountCodes::loadTree(const QString &reselect)
     explorer.view()->setUpdatesEnabled(true);
     explorer.view()->blockSignals(false);
     status.HideProgress();
-    status.setPanelText(statusPanel, QStringLiteral("%1 folders, %2 account codes").arg(folders_.size()).arg(codes_.size()));
+    status.setPanelText(statusPanel,
+                        QStringLiteral("%1 folders, %2 account codes").arg(folders_.size()).arg(codes_.size()));
     child_->setLoading(false);
     if (explorer.NodeCount() > 0)
         explorer.setSelectedNode(knownNode(reselect) ? reselect : rootKey());
@@ -461,8 +463,9 @@ std::vector<std::pair<QString, QString>> workerAccountCodes::nodeCommands(const 
         keys = {"Folder_Create", "Account_Create", "", "Expand", "Contract", "_Refresh"};
         break;
     case NodeKind::Folder:
-        keys = {"Folder_Create", "Folder_Edit", "DirectEdit", "Folder_Delete", "",        "Folder_Up",
-                "Folder_Down",   "Folder_Adjust", "",         "Account_Create", "",        "Expand", "Contract"};
+        keys = {"Folder_Create", "Folder_Edit",   "DirectEdit", "Folder_Delete",  "", "Folder_Up",
+                "Folder_Down",   "Folder_Adjust", "",           "Account_Create", "", "Expand",
+                "Contract"};
         break;
     case NodeKind::Code:
         keys = {"Account_Edit", "Account_Delete"};

@@ -120,6 +120,6 @@ private:
     QHash<qint64, std::vector<clsAccountCode>> codesByFolder_;
     QHash<qint64, clsAccountCode> codes_;
     QStringList gridKeys_; // the tree key of each grid row
-    QString renaming_; // the folder being renamed in place
+    QString renaming_;     // the folder being renamed in place
     QString lastFind_;
 };

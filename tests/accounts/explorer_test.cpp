@@ -65,8 +65,7 @@ TEST_P(ExplorerTest, OpensOnTheFirstFundsExpenditureFoldersWithLiveCodesCaptione
             EXPECT_TRUE(nodeNamed(a.code).isEmpty()) << a.code.toStdString() << " is retired";
     }
     EXPECT_EQ(explorer().caption()->text(), explorer().Node(workerAccountCodes::rootKey()).text);
-    EXPECT_EQ(explorer().Node(workerAccountCodes::rootKey()).text,
-              district().funds.front().name + " - Expenditure");
+    EXPECT_EQ(explorer().Node(workerAccountCodes::rootKey()).text, district().funds.front().name + " - Expenditure");
     EXPECT_FALSE(worker().child()->Statusbar().ProgressVisible());
     EXPECT_TRUE(worker().child()->Statusbar().PanelText("Status").contains("account codes"));
 }
@@ -131,9 +130,10 @@ TEST_P(ExplorerTest, CreateFolderStoresItUnderTheSelectedFolderWithinTheViewsDep
     const QString created = explorer().SelectedNode();
     ASSERT_TRUE(created.startsWith(u'F'));
     EXPECT_EQ(explorer().Node(created).parentKey, workerAccountCodes::folderKey(top));
-    EXPECT_EQ(rows("select NodeType, FundID, LedgerID, ParentID, Name, ForceNewPage from BudgetSummaryTree where ID = '" +
-                   created.mid(1) + "'"),
-              QString("T,A,E,%1,Athletics,Y ").arg(top));
+    EXPECT_EQ(
+        rows("select NodeType, FundID, LedgerID, ParentID, Name, ForceNewPage from BudgetSummaryTree where ID = '" +
+             created.mid(1) + "'"),
+        QString("T,A,E,%1,Athletics,Y ").arg(top));
 
     // An empty name keeps the dialog open and stores nothing.
     const QString before = count("BudgetSummaryTree");
@@ -219,8 +219,7 @@ TEST_P(ExplorerTest, DeleteFolderIsRefusedWhileItHoldsSubfoldersOrCodesRetiredOn
     EXPECT_TRUE(explorer().ChildKeys(workerAccountCodes::folderKey(holder)).isEmpty()) << "a retired code is not shown";
     command("Folder_Delete");
     EXPECT_EQ(lastMessage(), maintenance + "|Folder has account codes and cannot be deleted.");
-    EXPECT_EQ(count(QString("BudgetSummaryTree where ID in ('%1','%2')").arg(parent).arg(holder)),
-              "2");
+    EXPECT_EQ(count(QString("BudgetSummaryTree where ID in ('%1','%2')").arg(parent).arg(holder)), "2");
 
     messages_->clear();
     select(workerAccountCodes::folderKey(empty));
@@ -240,8 +239,8 @@ TEST_P(ExplorerTest, MoveUpAndDownSwapSortOrderWithTheNeighbour)
     const qint64 second = addFolder(parent, "Second");
     command("_Refresh");
     const auto sortOrders = [&] {
-        return rows(QString("select Name, SortOrder from BudgetSummaryTree where ParentID = '%1' order by Name")
-                        .arg(parent));
+        return rows(
+            QString("select Name, SortOrder from BudgetSummaryTree where ParentID = '%1' order by Name").arg(parent));
     };
     const QString before = sortOrders();
     select(workerAccountCodes::folderKey(second));
@@ -270,8 +269,9 @@ TEST_P(ExplorerTest, AMoveWhoseSecondWriteFailsLeavesBothFoldersAsTheyWere)
     select(workerAccountCodes::folderKey(third));
     command("Folder_Up"); // third is written first, then the refused neighbour
     EXPECT_EQ(lastMessage(), "Move Folder Up|Error updating tree summary file.");
-    EXPECT_EQ(rows(QString("select ID, SortOrder from BudgetSummaryTree where ParentID = '%1' order by ID").arg(parent)),
-              before);
+    EXPECT_EQ(
+        rows(QString("select ID, SortOrder from BudgetSummaryTree where ParentID = '%1' order by ID").arg(parent)),
+        before);
     EXPECT_FALSE(db()->inTransaction());
     EXPECT_EQ(explorer().ChildKeys(workerAccountCodes::folderKey(parent)).last(), workerAccountCodes::folderKey(third));
     select(workerAccountCodes::folderKey(second));
@@ -459,7 +459,8 @@ TEST_P(ExplorerTest, DropsOntoOrOfWhatAnotherUserChangedAreRefusedAndTheTreeRefr
     exec(QString("update BudgetSummaryTree set ParentID = '%1' where ID = '%2'").arg(elsewhere).arg(moving));
     EXPECT_FALSE(explorer().DropNode(workerAccountCodes::folderKey(moving), workerAccountCodes::folderKey(target)));
     EXPECT_TRUE(lastMessage().startsWith("Drag-Drop Operation|The folder Moving no longer exists or has been moved"));
-    EXPECT_EQ(explorer().Node(workerAccountCodes::folderKey(moving)).parentKey, workerAccountCodes::folderKey(elsewhere));
+    EXPECT_EQ(explorer().Node(workerAccountCodes::folderKey(moving)).parentKey,
+              workerAccountCodes::folderKey(elsewhere));
     EXPECT_EQ(scalar(QString("select ParentID from BudgetSummaryTree where ID = '%1'").arg(moving)),
               QString::number(elsewhere));
 

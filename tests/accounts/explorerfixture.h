@@ -1,8 +1,8 @@
 #pragma once
 
+#include "budgetdatabase.h"
 #include "classdialog.h"
 #include "district.h"
-#include "budgetdatabase.h"
 #include "guiapplication.h"
 #include "mdichild.h"
 #include "recordingmessages.h"
@@ -14,9 +14,9 @@
 #include <QTreeWidget>
 
 #include <functional>
-#include <ostream>
 #include <memory>
 #include <optional>
+#include <ostream>
 
 inline void PrintTo(const QString &text, std::ostream *out)
 {
