@@ -510,6 +510,14 @@ TEST_P(ExplorerTest, CommandsOnAFolderAnotherUserDeletedSayWhyAndRefresh)
     EXPECT_TRUE(lastMessage().startsWith(maintenance + "|The folder no longer exists"));
     command("Folder_Up");
     EXPECT_FALSE(db()->inTransaction());
+
+    const QString code = nodeNamed(firstLiveCode(district(), "A", u'E').code);
+    exec("delete from AccountCodes where ID = " + code.mid(1));
+    select(code);
+    fill = typeAccount(firstLiveCode(district(), "A", u'E').code, "Renamed");
+    command("Account_Edit");
+    EXPECT_TRUE(lastMessage().startsWith(maintenance + "|The account code no longer exists"));
+    EXPECT_TRUE(nodeNamed(firstLiveCode(district(), "A", u'E').code).isEmpty());
 }
 
 // ---- Folder Adjustment ----
