@@ -42,7 +42,18 @@ QIcon formStorageImages::Image(const QString &key)
     const auto standard = standardImages().constFind(key);
     if (standard == standardImages().cend() || !qApp)
         return {};
-    return QApplication::style()->standardIcon(*standard);
+    // A style icon is read and decoded anew on every request; a tree of
+    // thousands of nodes asks for the same two, so each style's are kept.
+    static QHash<QString, QIcon> fromStyle;
+    static const QStyle *styleOfCache = nullptr;
+    if (styleOfCache != QApplication::style()) {
+        fromStyle.clear();
+        styleOfCache = QApplication::style();
+    }
+    QIcon &icon = fromStyle[key];
+    if (icon.isNull())
+        icon = QApplication::style()->standardIcon(*standard);
+    return icon;
 }
 
 void formStorageImages::AddImage(const QString &key, const QIcon &icon)
