@@ -20,3 +20,7 @@ struct CodeChoiceRequest {
     std::vector<clsAccountCode> selected;
 };
 using CodeChooser = std::function<std::optional<std::vector<qint64>>(const CodeChoiceRequest &)>;
+
+// Folder Adjustment's selection list: the transaction query pop-up in
+// account-code mode, run modally over the active window.
+std::optional<std::vector<qint64>> chooseWithQueryPopUp(const CodeChoiceRequest &request);

@@ -45,6 +45,7 @@ const CommandInfo commands[] = {
     {"Account_Create", "Create Account Code", "", true},
     {"Account_Edit", "Edit Account Code", "", true},
     {"Account_Delete", "Delete Account Code", "", true},
+    {"Account_Grid", "Edit Accounts in a Grid", "", true},
     {"", "", "", true},
     {"Find", "Find (Ctrl+F)", "", true},
     {"_Refresh", "Refresh Window", "Refresh", true},
@@ -227,6 +228,7 @@ void workerAccountCodes::mwfrmChild_Command(const QString &command)
         {QStringLiteral("Account_Create"), &workerAccountCodes::createAccount},
         {QStringLiteral("Account_Edit"), &workerAccountCodes::editAccount},
         {QStringLiteral("Account_Delete"), &workerAccountCodes::deleteAccount},
+        {QStringLiteral("Account_Grid"), &workerAccountCodes::editAccountsInGrid},
         {QStringLiteral("DirectEdit"), &workerAccountCodes::startRename},
         {QStringLiteral("Rename"), &workerAccountCodes::startRename},
         {QStringLiteral("_explorerNodeDrag"), &workerAccountCodes::nodeDropped},
@@ -439,6 +441,8 @@ bool workerAccountCodes::commandEnabled(const QString &key) const
         return kind == NodeKind::Folder;
     if (key == u"Account_Create")
         return container;
+    if (key == u"Account_Grid")
+        return !fund_.isEmpty();
     if (key.startsWith(u"Account_"))
         return kind == NodeKind::Code;
     return true;
@@ -522,6 +526,18 @@ void workerAccountCodes::find()
     }
     showMessage(QStringLiteral("No account code or folder matches \"") + lastFind_ + QStringLiteral("\"."),
                 QStringLiteral("Find"));
+}
+
+void workerAccountCodes::editAccountsInGrid()
+{
+    if (!context_.editAccountsInGrid) {
+        showMessage(QStringLiteral("Editing accounts in a grid is not available."));
+        return;
+    }
+    context_.editAccountsInGrid(fund_, ledger_);
+    // The grid may have renamed codes or changed their state codes.
+    if (child_)
+        loadTree(child_->Explorer().SelectedNode());
 }
 
 void workerAccountCodes::showMessage(const QString &text, const QString &title)

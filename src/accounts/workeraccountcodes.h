@@ -32,6 +32,9 @@ struct AccountCodesContext {
     // False with the reason when the funds cannot be read.
     std::function<bool(std::vector<FundChoice> &funds, QString &error)> listFunds;
     CodeChooser chooseCodes;
+    // Opens the grid in which a fund's and ledger's accounts are edited
+    // together (state and historical codes, components); returns when it closes.
+    std::function<void(const QString &fund, const QString &ledger)> editAccountsInGrid;
     std::function<int(classDialog &)> runDialog;
 };
 
@@ -85,6 +88,7 @@ private:
     bool commandEnabled(const QString &key) const;
     void enableCommands();
     void showMessage(const QString &text, const QString &title = {});
+    void editAccountsInGrid();
     int runDialog(DialogWorker &worker);
     // Another workstation changed what the command worked on: say so and show the tree as it is now.
     void staleNode(const QString &what, const QString &title);

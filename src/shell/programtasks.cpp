@@ -2,6 +2,7 @@
 
 #include "adoconnection.h"
 #include "appglobals.h"
+#include "codechooser.h"
 #include "equalizationwindow.h"
 #include "fundbalanceswindow.h"
 #include "fundlist.h"
@@ -9,6 +10,7 @@
 #include "modmain.h"
 #include "organizationwindow.h"
 #include "systemparameters.h"
+#include "workeraccountcodes.h"
 #include "workereditaccountcodes.h"
 #include "workereditgrid.h"
 #include "workerproposal.h"
@@ -29,7 +31,6 @@ const std::vector<ProgramTask> &programTasks()
         {TaskKind::Child, "workerReportGenerator", "The report generator"},
         {TaskKind::Report, "PublicBudget", "The public budget report"},
         {TaskKind::Report, "Chart", "Charts"},
-        {TaskKind::Child, "workerAccountCodes", "Account code maintenance"},
         {TaskKind::Modal, "workerInitBudget", "Budget year initialization"},
     };
     return tasks;
@@ -59,6 +60,19 @@ void registerProgramTasks(mdiParent &frame)
         frame.registerUnavailable(task.kind, QLatin1String(task.name), QLatin1String(task.title));
 
     QWidget *const parent = &frame;
+    frame.registerChildWorker(QStringLiteral("workerAccountCodes"), [&frame] {
+        AccountCodesContext context;
+        context.connection = budgetDatabase();
+        context.listFunds = listInstallationFunds;
+        context.chooseCodes = chooseWithQueryPopUp;
+        // The budget entry grid in its account-editing display type.
+        context.editAccountsInGrid = [&frame](const QString &fund, const QString &ledger) {
+            frame.RunModalWorker(QStringLiteral("workerEditGrid"), {{QStringLiteral("DisplayType"), QStringLiteral("AC")},
+                                                                    {QStringLiteral("FundID"), fund},
+                                                                    {QStringLiteral("LedgerID"), ledger}});
+        };
+        return std::make_unique<workerAccountCodes>(std::move(context));
+    });
     frame.registerModalWorker(QStringLiteral("workerEditGrid"), [](const mdiParent::EntryProperties &entry) {
         auto worker = std::make_unique<workerEditGrid>(budgetDatabase(), readInstallationFunds);
         worker->setDisplayType(entry.value(QStringLiteral("DisplayType")));

@@ -117,6 +117,28 @@ TEST_P(ExplorerTest, FundsThatCannotBeReadAreReportedAndTheWindowStillOpens)
     EXPECT_EQ(second.child()->Explorer().NodeCount(), 0);
 }
 
+TEST_P(ExplorerTest, TheAccountGridOpensOnTheShownFundAndLedgerAndTheTreeIsReadAgain)
+{
+    AccountCodesContext withGrid = context();
+    QStringList opened;
+    withGrid.editAccountsInGrid = [&](const QString &fund, const QString &ledger) {
+        opened << fund + "/" + ledger;
+        exec("update AccountCodes set AccountName = 'Renamed In Grid' where AccountCode = 'A1010.400'");
+    };
+    QMdiArea area;
+    workerAccountCodes second(withGrid);
+    second.DoMDIChild(area);
+    second.mwfrmChild_Command("Account_Grid");
+    EXPECT_EQ(opened, QStringList{"A/E"});
+    bool renamedShown = false;
+    for (QTreeWidgetItemIterator it(second.child()->Explorer().view()); *it; ++it)
+        renamedShown = renamedShown || (*it)->text(0) == "A1010.400  -  Renamed In Grid";
+    EXPECT_TRUE(renamedShown) << "what the grid saved shows in the tree";
+
+    command("Account_Grid");
+    EXPECT_EQ(lastMessage(), maintenance + "|Editing accounts in a grid is not available.");
+}
+
 // ---- Folders: create, edit, delete ----
 
 TEST_P(ExplorerTest, CreateFolderStoresItUnderTheSelectedFolderWithinTheViewsDepth)
