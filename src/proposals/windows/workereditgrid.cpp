@@ -503,16 +503,24 @@ void workerEditGrid::openLineItems()
         message(QStringLiteral("Please select an Line Item to edit!"), MsgIcon::Exclamation);
         return;
     }
-    LineItemRequest request;
-    request.acctId = grid.GetItemValue(row, QStringLiteral("ID")).toInt();
-    request.acctCode = grid.GetItemValue(row, QStringLiteral("AcctCode"));
+    LineItemAccount account;
+    account.ID = grid.GetItemValue(row, QStringLiteral("ID")).toInt();
+    account.AccountCode = grid.GetItemValue(row, QStringLiteral("AcctCode"));
+    account.AccountName = grid.GetItemValue(row, QStringLiteral("Description"));
+    account.FundID = FundID();
+    account.LedgerID = LedgerID();
+    account.ProposalID = gstrProposalID;
     if (componentLedger()) {
-        request.catA = !grid.CellLocked(row, QStringLiteral("CatA"));
-        request.catP = !grid.CellLocked(row, QStringLiteral("CatP"));
-        request.catC = !grid.CellLocked(row, QStringLiteral("CatC"));
+        account.CatA = !grid.CellLocked(row, QStringLiteral("CatA"));
+        account.CatP = !grid.CellLocked(row, QStringLiteral("CatP"));
+        account.CatC = !grid.CellLocked(row, QStringLiteral("CatC"));
     }
-    if (lineItem_)
-        lineItem_(request);
+    if (lineItem_) {
+        lineItem_(account);
+    } else {
+        workerLineItem lines(connection_, account, dialog_);
+        lines.DoModalForm();
+    }
     // The line-item window may have forwarded its total into the proposal.
     Figures stored;
     if (storedFigures(row, stored)) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fundlist.h"
+#include "workerlineitem.h"
 
 #include "accountsummary.h"
 #include "dialogworker.h"
@@ -19,17 +20,9 @@
 class classDialog;
 class classGrid;
 
-// The account the line-item window is opened for, with the components it
-// takes part in (all false outside the general fund's expenditure ledger).
-struct LineItemRequest {
-    std::int32_t acctId = 0;
-    QString acctCode;
-    bool catA = false;
-    bool catP = false;
-    bool catC = false;
-};
-// Runs the line-item window for an account and returns when it closes.
-using LineItemHook = std::function<void(const LineItemRequest &)>;
+// Runs the line-item window for an account and returns when it closes; the
+// grid runs workerLineItem unless a caller (a test) sets another.
+using LineItemHook = std::function<void(const LineItemAccount &)>;
 
 // The grid in which a ledger's figures are typed, one row per account of a
 // fund and ledger. Display type "PB": the proposed budget of the current

@@ -14,7 +14,9 @@
 #include "classgrid.h"
 #include "workereditgrid.h"
 
+#include <QApplication>
 #include <QTableView>
+#include <QTimer>
 
 #include <memory>
 
@@ -265,13 +267,29 @@ TEST_P(EditGridTest, SwitchingLedgerAsksBeforeDiscardingEdits)
     EXPECT_EQ(grid().CountRows(), 0) << "the lunch fund has no revenue account";
 }
 
+// Without a hook of the caller's, the line-item window itself opens over the grid.
+TEST_P(EditGridTest, TheLineItemButtonOpensTheLineItemWindowForTheCurrentAccount)
+{
+    open("A", "E");
+    grid().SelectRow(row("A100.2"));
+    QString opened;
+    QTimer::singleShot(0, [&] {
+        if (QWidget *window = QApplication::activeModalWidget()) {
+            opened = window->windowTitle();
+            window->close();
+        }
+    });
+    worker->UserAction(*dialog, "tlbLnItem");
+    EXPECT_EQ(opened, "Line Item for Account Code - A100.2");
+}
+
 TEST_P(EditGridTest, LineItemsGetTheCurrentAccountAndTheRowFollowsWhatTheyForwarded)
 {
     open("A", "E");
-    std::vector<LineItemRequest> asked;
-    worker->setLineItemHook([&](const LineItemRequest &request) {
-        asked.push_back(request);
-        exec(QString("Update ProposalBudget set CatPProposal = 90 where AcctId = %1").arg(request.acctId));
+    std::vector<LineItemAccount> asked;
+    worker->setLineItemHook([&](const LineItemAccount &account) {
+        asked.push_back(account);
+        exec(QString("Update ProposalBudget set CatPProposal = 90 where AcctId = %1").arg(account.ID));
     });
     worker->UserAction(*dialog, "tlbLnItem");
     ASSERT_EQ(shown->shown().size(), 1u);
@@ -282,11 +300,14 @@ TEST_P(EditGridTest, LineItemsGetTheCurrentAccountAndTheRowFollowsWhatTheyForwar
     grid().SelectRow(row("A100.2"));
     worker->UserAction(*dialog, "tlbLnItem");
     ASSERT_EQ(asked.size(), 1u);
-    EXPECT_EQ(asked[0].acctId, programOnly);
-    EXPECT_EQ(asked[0].acctCode, "A100.2");
-    EXPECT_FALSE(asked[0].catA);
-    EXPECT_TRUE(asked[0].catP);
-    EXPECT_FALSE(asked[0].catC);
+    EXPECT_EQ(asked[0].ID, programOnly);
+    EXPECT_EQ(asked[0].AccountCode, "A100.2");
+    EXPECT_EQ(asked[0].FundID, "A");
+    EXPECT_EQ(asked[0].LedgerID, "E");
+    EXPECT_EQ(asked[0].ProposalID, gstrProposalID);
+    EXPECT_FALSE(asked[0].CatA);
+    EXPECT_TRUE(asked[0].CatP);
+    EXPECT_FALSE(asked[0].CatC);
     EXPECT_EQ(amount("A100.2", "CatP"), "90");
     EXPECT_EQ(amount("A100.2", "Amount"), "90");
     EXPECT_FALSE(worker->RowChanged(row("A100.2"))) << "what the line items saved is not saved again";
