@@ -1,5 +1,7 @@
 #include "formtransactionquerypopup.h"
 
+#include "dialogframe.h"
+
 #include "messageservice.h"
 #include "objectsummaryledgers.h"
 #include "twips.h"
@@ -128,7 +130,7 @@ formTransactionQueryPopUp::formTransactionQueryPopUp(QWidget *parent)
     : QDialog(parent), items_(std::make_shared<QueryItems>()), availableModel_(items_), chosenModel_(items_)
 {
     setObjectName(QStringLiteral("formTransactionQueryPopUp"));
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setDialogFrame(*this);
     setSizeGripEnabled(true);
 
     auto *layout = new QVBoxLayout(this);

@@ -324,8 +324,12 @@ Outcome Copier::run()
     if (auto refused = checkTarget(needsSchema))
         return *refused;
 
-    // A read transaction on the source keeps an SQLite file from changing under the copy.
+    // The copy and its check must read one state of the source: a read
+    // transaction holds an SQLite file still; PostgreSQL needs a snapshot.
     Transaction reading(source_);
+    if (reading.begun() && source_.statementDialect() == SqlDialect::PostgreSQL &&
+        !source_.execute(QStringLiteral("SET TRANSACTION ISOLATION LEVEL REPEATABLE READ")))
+        return fail(QStringLiteral("Cannot read the %1 as one snapshot.").arg(sourceName_));
     Transaction writing(target_);
     if (!writing.begun())
         return fail(QStringLiteral("Cannot begin a transaction on the %1.").arg(targetName_));

@@ -210,7 +210,8 @@ namespace {
 bool refuseUnmigratable(const State &state, DbError *error)
 {
     if (state.kind == Kind::Foreign)
-        return fail(error, QStringLiteral("This database is not a Kora-Budget database (it holds other tables)."));
+        return fail(error, QStringLiteral("This database is not a Kora-Budget database (it holds other tables). An existing budget "
+                                          "database is brought in with \"kora-budget-admin adopt\"."));
     if (state.version > programVersion())
         return fail(error, QStringLiteral("The budget database has schema version %1, newer than this program "
                                           "(version %2). Use a newer Kora-Budget.")

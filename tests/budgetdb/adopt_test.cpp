@@ -47,7 +47,7 @@ TEST_P(AdoptTest, BringsInADatabaseMadeWithoutTheVersionTable)
     clsAdoConnection program;
     program.configure(database().config());
     EXPECT_FALSE(program.OpenConnection());
-    EXPECT_TRUE(program.Error().ErrorText().contains("not a Kora-Budget database"));
+    EXPECT_TRUE(program.Error().ErrorText().contains("not a Kora-Budget database") && program.Error().ErrorText().contains("kora-budget-admin adopt"));
 
     AdminRun run = adopt();
     ASSERT_EQ(run.exitCode, AdminExit::Ok) << run.err.toStdString();
