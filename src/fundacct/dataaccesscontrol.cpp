@@ -1,6 +1,7 @@
 #include "dataaccesscontrol.h"
 
 #include "dictionary.h"
+#include "errobject.h"
 #include "file.h"
 #include "fundfieldvalue.h"
 #include "fundlocation.h"
@@ -104,6 +105,14 @@ struct DataAccessControl::Impl {
     {
         return set(recman::statusNumber(code),
                    code == FileStatus::Success ? QString() : QString::fromStdString(file.lastMessage()));
+    }
+
+    // The buffer becomes the current record; variable-length records are
+    // longer than the fixed part the buffer starts out with.
+    void takeCurrentRecord()
+    {
+        const auto record = file.record();
+        buffer.assign(record.begin(), record.end());
     }
 
     char pad() const { return blankChar == 0 ? ' ' : static_cast<char>(blankChar); }
@@ -331,6 +340,11 @@ QVariant DataAccessControl::FieldValue(const QString &field)
     return definition ? impl_->read(*definition, impl_->buffer) : QVariant();
 }
 
+bool DataAccessControl::hasField(const QString &field) const
+{
+    return impl_->fieldsByName.contains(QStringView(field).trimmed());
+}
+
 bool DataAccessControl::setFieldValue(const QString &field, const QVariant &value)
 {
     const recman::FieldDef *definition = impl_->fieldOrFail(field);
@@ -347,7 +361,8 @@ bool DataAccessControl::setFieldValue(const QString &field, const QVariant &valu
 void DataAccessControl::clearRecord()
 {
     auto &buffer = impl_->buffer;
-    std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+    // The fixed part only: a variable-length record read before does not carry over.
+    buffer.assign(impl_->file.isOpen() ? impl_->file.info().recordLength : impl_->table.recordLength(), 0);
     for (const recman::FieldDef &field : impl_->table.fields) {
         if (field.type == recman::DataType::String)
             std::fill_n(buffer.begin() + field.offset, field.size, std::uint8_t(' '));
@@ -379,8 +394,19 @@ int DataAccessControl::Open()
                          .arg(d.table.recordLength()));
     }
     d.resolvedPath = QString::fromStdString(path->string());
-    d.buffer.assign(d.file.info().recordLength, 0);
     clearRecord();
+    if (const auto &info = d.file.info(); info.countMismatch()) {
+        d.set(StatusRecordCountMismatch,
+              QStringLiteral("\"%1\": the file's header counts %2 records but its data pages hold %3; all %3 are "
+                             "read (the file may need the record manager's recovery)")
+                  .arg(d.resolvedPath)
+                  .arg(info.headerRecordCount)
+                  .arg(info.recordCount));
+        clsErrObject log;
+        log.set(d.status, QStringLiteral("DataAccessControl.Open"), d.message);
+        log.LogError();
+        return d.status;
+    }
     return d.set(0);
 }
 
@@ -398,8 +424,7 @@ int DataAccessControl::positioned(recman::Status result, bool byStep)
 {
     Impl &d = *impl_;
     if (result == FileStatus::Success) {
-        const auto record = d.file.record();
-        std::copy(record.begin(), record.end(), d.buffer.begin());
+        d.takeCurrentRecord();
         d.positionedByStep = byStep;
         d.blockStartsAtCurrent = true;
         for (DataAccessControl *detail : d.details)
@@ -492,8 +517,7 @@ int DataAccessControl::GetNextExtended()
     d.blockStartsAtCurrent = false;
     if (d.rows.empty())
         return d.fromFile(result);
-    const auto record = d.file.record();
-    std::copy(record.begin(), record.end(), d.buffer.begin());
+    d.takeCurrentRecord();
     return d.status; // a value that could not be read in the block says so
 }
 

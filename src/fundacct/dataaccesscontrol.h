@@ -39,6 +39,9 @@ public:
         StatusUnknownTable = 1002,      // FileName not in the dictionary
         StatusUnknownField = 1003,      // FieldValue on a name the table does not have
         StatusBadFieldValue = 1004,     // value cannot be stored in the field (type, size)
+        // Open: the file's header counts a different number of records than its
+        // pages hold. The file is open and every record is read; the error log has it.
+        StatusRecordCountMismatch = 1005,
     };
 
     DataAccessControl();
@@ -58,6 +61,8 @@ public:
     // A failed access (unknown field, a value that does not fit) sets Status
     // and Message; a successful one leaves them as the last operation left them.
     QVariant FieldValue(const QString &field);
+    // Whether the open table has a field of that name (ignoring case).
+    bool hasField(const QString &field) const;
     bool setFieldValue(const QString &field, const QVariant &value);
     // Every field to its empty value (blanks, zero), e.g. before building a new record.
     void clearRecord();

@@ -26,6 +26,7 @@ FileInfo describe(const FileHeader &header, const ScanResult &scan)
     info.recordLength = header.recordLength;
     info.physicalRecordLength = header.physicalLength;
     info.recordCount = static_cast<std::uint32_t>(scan.records.size());
+    info.headerRecordCount = header.recordCount;
     info.variable = header.variable;
     info.compressed = header.compressed;
     info.ownerProtected = header.ownerProtected;

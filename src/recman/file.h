@@ -44,7 +44,8 @@ struct FileInfo {
     std::uint32_t pageSize = 0;
     std::uint32_t recordLength = 0; // fixed part
     std::uint32_t physicalRecordLength = 0;
-    std::uint32_t recordCount = 0; // live records
+    std::uint32_t recordCount = 0;       // live records the data pages hold
+    std::uint32_t headerRecordCount = 0; // what the control record says; a check, never corrected
     bool variable = false;
     bool compressed = false;
     bool ownerProtected = false;
@@ -52,6 +53,8 @@ struct FileInfo {
     std::uint16_t fileFlags = 0;
     std::vector<KeyDefinition> keys;
     std::vector<std::string> warnings; // oddities found while reading (e.g. count mismatch)
+
+    bool countMismatch() const { return recordCount != headerRecordCount; }
 };
 
 class File {

@@ -43,6 +43,8 @@ std::string_view statusText(Status status)
         return "access to file denied";
     case Status::FileAlreadyExists:
         return "file already exists";
+    case Status::Conflict:
+        return "record conflict (changed by another user since it was read)";
     case Status::RecordInUse:
         return "record in use (locked)";
     case Status::FileInUse:

@@ -26,6 +26,7 @@ enum class Status : int {
     NotARecordManagerFile = 30, // unknown signature, bad page size, unsupported format
     AccessDenied = 46,          // write refused: read-only open or unsafe on this file
     FileAlreadyExists = 59,     // create would overwrite an existing file
+    Conflict = 80,              // the record changed on disk since it was read; nothing written
     RecordInUse = 84,           // record locked by another process
     FileInUse = 85,             // file locked by another process
 };

@@ -134,14 +134,14 @@ TEST(Robustness, OwnerProtectedButPlainOldFilesRead)
 TEST(Robustness, ShadowCopiesAreChosenByUsageCount)
 {
     // GALTELA's current control record is copy B (usage 2). Swapping the usage
-    // counts makes the stale copy A current: it counts no records.
+    // counts makes the stale copy A current: its header counts no records.
     auto bytes = galtela();
     bytes::put32(bytes, 0x04, 3);
     recmantest::TempDir dir;
     recmantest::writeBytes(dir / "swap.dat", bytes);
     File file;
     ASSERT_EQ(file.open(dir / "swap.dat"), Status::Success) << file.lastMessage();
-    EXPECT_EQ(file.info().recordCount, 0u);
+    EXPECT_EQ(file.info().headerRecordCount, 0u);
     // A copy with usage 0 (never written) is not current, whatever else it holds.
     bytes = galtela();
     bytes::put32(bytes, 4096 + 0x04, 0);
@@ -149,7 +149,7 @@ TEST(Robustness, ShadowCopiesAreChosenByUsageCount)
     std::fill(bytes.begin() + 4096 + 8, bytes.begin() + 8192, 0);
     recmantest::writeBytes(dir / "zero.dat", bytes);
     ASSERT_EQ(file.open(dir / "zero.dat"), Status::Success) << file.lastMessage();
-    EXPECT_EQ(file.info().recordCount, 0u) << "copy A (the stale one) should have been used";
+    EXPECT_EQ(file.info().headerRecordCount, 0u) << "copy A (the stale one) should have been used";
 }
 
 TEST(Robustness, ImpossibleCountsDoNotAllocateOrLoop)
