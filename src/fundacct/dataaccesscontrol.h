@@ -24,9 +24,11 @@ enum class Status : int;
 // Insert/Update write the buffer. A Get that fails leaves buffer and position
 // as they were.
 //
-// Field values: text fields give QString (right-trimmed), integer fields
-// qlonglong, amount fields Currency (which converts to QString as plain decimal
-// text), anything else the dictionary's decoded value as text. Setting takes
+// Field values: text fields give QString (right-trimmed), integer fields and
+// whole numbers of decimal types qlonglong, numbers with decimal places in any
+// exact type (currency, money, decimal, numeric) Currency (which converts to
+// QString as plain decimal text), floats double; value<Currency>() gives the
+// amount of any of them. Anything else is the decoded value as text. Setting takes
 // the same types or text and converts by the field's type; a value that does
 // not fit (text too long, a number out of range) is refused, never cut, and
 // the buffer keeps what it held. Text is stored in the installation's code
