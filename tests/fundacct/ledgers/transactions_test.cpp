@@ -38,6 +38,10 @@ TEST_F(TransactionsTest, PostingAddsIntoTheMonthAndDeletingAReferenceTakesItOut)
     summary.AccountCode = QStringLiteral("A2110.450");
     ASSERT_EQ(summary.Retrieve(), 0);
     const Currency before = amount(summary.EncumPlaced[2]);
+    // Never Init'ed itself: the fiscal year's first month still comes from the parameters.
+    summary.TransDate = QStringLiteral("06");
+    EXPECT_EQ(summary.CalcBalance(), 0) << summary.ErrorMsg().toStdString();
+    EXPECT_EQ(summary.FirstFiscalMonth, 7);
 
     int first = 0;
     int second = 0;
