@@ -85,6 +85,13 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
         // Key definitions live in info so that indexes can point at them for good.
         impl->indexes = KeyIndexes(impl->info.keys, impl->records);
     } catch (const FormatError &error) {
+        // Pages that do not name themselves in a file with an owner name are
+        // encrypted with it: say so rather than call the file unreadable.
+        if (impl->header.ownerProtected)
+            return fail(Status::OwnerNameRequired,
+                        path.string() + ": the file is protected by an owner name and its data is encrypted; it "
+                                        "can only be opened with that owner name in the record manager (" +
+                            error.what() + ")");
         return fail(Status::NotARecordManagerFile, path.string() + ": " + error.what());
     } catch (const std::bad_alloc &) {
         return fail(Status::IoError, path.string() + ": not enough memory to load the file");

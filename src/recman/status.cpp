@@ -41,6 +41,8 @@ std::string_view statusText(Status status)
         return "not a readable record-manager file";
     case Status::AccessDenied:
         return "access to file denied";
+    case Status::OwnerNameRequired:
+        return "owner name required";
     case Status::FileAlreadyExists:
         return "file already exists";
     case Status::Conflict:

@@ -119,7 +119,7 @@ TEST(Robustness, VariablePageWithAnImpossibleFragmentCount)
     EXPECT_NE(refusal(bytes).find("fragments"), std::string::npos);
 }
 
-TEST(Robustness, OwnerProtectedButPlainOldFilesRead)
+TEST(Robustness, OwnerProtectedFilesReadUnlessEncrypted)
 {
     auto bytes = recmantest::readBytes(recmantest::fixture("MBBSEMU.DAT"));
     bytes[7] = 0xFC; // version -4: an owner name is set
@@ -129,6 +129,13 @@ TEST(Robustness, OwnerProtectedButPlainOldFilesRead)
     ASSERT_EQ(file.open(dir / "owner.dat"), Status::Success) << file.lastMessage();
     EXPECT_TRUE(file.info().ownerProtected);
     EXPECT_EQ(file.info().recordCount, 4u);
+
+    // With its pages encrypted, the owner name is what is missing.
+    for (std::size_t i = 512; i < bytes.size(); ++i)
+        bytes[i] ^= (i % 2) ? 0x91 : 0xF7;
+    recmantest::writeBytes(dir / "encrypted.dat", bytes);
+    EXPECT_EQ(file.open(dir / "encrypted.dat"), Status::OwnerNameRequired);
+    EXPECT_NE(file.lastMessage().find("owner name"), std::string::npos) << file.lastMessage();
 }
 
 TEST(Robustness, ShadowCopiesAreChosenByUsageCount)
