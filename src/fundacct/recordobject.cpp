@@ -12,6 +12,11 @@ int bindFundFile(DataAccessControl &control, const QString &ddfPath, const QStri
     return status == DataAccessControl::StatusRecordCountMismatch ? 0 : status;
 }
 
+QString installationFolder(const QString &ddfPath)
+{
+    return ddfPath + QStringLiteral("\\FUND");
+}
+
 QString fundStatusMessage(int status, const QString &controlMessage)
 {
     clsErrObject error;

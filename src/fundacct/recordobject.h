@@ -30,6 +30,10 @@ template <class Fields> struct FieldBinding {
 int bindFundFile(DataAccessControl &control, const QString &ddfPath, const QString &dataFolder,
                  const FundFileDef &file);
 
+// The folder of the installation-wide files (users, years, counters, the
+// organisation): FUND below the dictionary folder, whatever year is open.
+QString installationFolder(const QString &ddfPath);
+
 // The message for a status: the record manager's wording where the error
 // object has one, otherwise the control's own explanation.
 QString fundStatusMessage(int status, const QString &controlMessage);
