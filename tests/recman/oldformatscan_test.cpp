@@ -59,16 +59,17 @@ TEST(OldFormatScan, ZeroTailedRecordsAreLiveUnlessTheFreeChainNamesThem)
 {
     OldFile shape;
     shape.headerCount = 3;
-    // Slot 1 and slot 3 look alike (a word, then zeros); only slot 3 is on the
-    // chain. Slot 4 was never written.
+    // Slot 1 and slot 3 look alike (a word that reads as a slot address, then
+    // zeros); only slot 3 is on the chain. Slot 4 was never written.
+    constexpr std::uint32_t zeroTailed = 0x200000; // as a free-chain word: byte 32 of page 0
     shape.freeHead = shape.address(1, 3);
     shape.pages.push_back({0x8005,
-                           {oldRecord(10, 'x'), oldRecord(11, 0), oldRecord(12, 'y'), recmantest::freedSlot(0xFFFFFFFFu),
-                            std::nullopt}});
+                           {oldRecord(10, 'x'), oldRecord(zeroTailed, 0), oldRecord(12, 'y'),
+                            recmantest::freedSlot(0xFFFFFFFFu), std::nullopt}});
     Opened opened(shape);
-    EXPECT_EQ(idsInStepOrder(opened.file), (std::vector<std::uint32_t>{10, 11, 12}));
+    EXPECT_EQ(idsInStepOrder(opened.file), (std::vector<std::uint32_t>{10, zeroTailed, 12}));
     std::vector<std::uint8_t> key(4, 0);
-    recman::bytes::put32(key, 0, 11);
+    recman::bytes::put32(key, 0, zeroTailed);
     ASSERT_EQ(opened.file.getEqual(0, key), Status::Success);
     std::uint32_t address = 0;
     ASSERT_EQ(opened.file.position(address), Status::Success);
