@@ -91,6 +91,8 @@ struct DataAccessControl::Impl {
     DataAccessControl *master = nullptr;
     std::vector<DataAccessControl *> details;
 
+    // Another process held the file for writing at Open: opened for reading only.
+    bool lockedByOther = false;
     bool inTransaction = false;
     std::vector<UndoStep> undo;
 
@@ -122,6 +124,17 @@ struct DataAccessControl::Impl {
         if (file.isOpen())
             return true;
         set(statusFileNotOpen, QStringLiteral("file not open"));
+        return false;
+    }
+
+    bool requireWritable()
+    {
+        if (!requireOpen())
+            return false;
+        if (!lockedByOther)
+            return true;
+        set(recman::statusNumber(FileStatus::FileInUse),
+            QStringLiteral("\"%1\" is locked by another process; it was opened for reading only").arg(resolvedPath));
         return false;
     }
 
@@ -381,6 +394,7 @@ int DataAccessControl::Open()
     if (!path)
         return d.set(statusFileNotFound, QStringLiteral("no data file at \"%1\"").arg(location));
     FileStatus opened = d.file.open(*path, recman::OpenMode::ReadWrite);
+    d.lockedByOther = opened == FileStatus::FileInUse;
     if (opened != FileStatus::Success && opened != FileStatus::FileNotFound)
         opened = d.file.open(*path, recman::OpenMode::ReadOnly);
     if (opened != FileStatus::Success)
@@ -524,7 +538,7 @@ int DataAccessControl::GetNextExtended()
 int DataAccessControl::Insert()
 {
     Impl &d = *impl_;
-    if (!d.requireOpen())
+    if (!d.requireWritable())
         return d.status;
     const FileStatus result = d.file.insert(d.buffer);
     if (result == FileStatus::Success && d.inTransaction)
@@ -535,7 +549,7 @@ int DataAccessControl::Insert()
 int DataAccessControl::Update()
 {
     Impl &d = *impl_;
-    if (!d.requireOpen())
+    if (!d.requireWritable())
         return d.status;
     auto before = copyOf(d.file.record());
     const FileStatus result = d.file.update(d.buffer);
@@ -547,7 +561,7 @@ int DataAccessControl::Update()
 int DataAccessControl::Delete()
 {
     Impl &d = *impl_;
-    if (!d.requireOpen())
+    if (!d.requireWritable())
         return d.status;
     auto before = copyOf(d.file.record());
     const FileStatus result = d.file.erase();

@@ -9,6 +9,7 @@
 #include "sampleinstallation.h"
 
 #include "bytes.h"
+#include "file.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -133,6 +134,46 @@ TEST_F(LiveFileTest, ARecordChangedByAnotherProgramAfterOurReadIsNotOverwritten)
     EXPECT_EQ(control.Update(), 80);
     EXPECT_TRUE(control.Message().contains(QStringLiteral("changed by another user"))) << control.Message().toStdString();
     EXPECT_EQ(bytesOf(QStringLiteral("building.btr")), theirs);
+}
+
+TEST_F(LiveFileTest, AFileAnotherProcessHoldsForWritingIsReadButNotWritten)
+{
+    const QString path = dataFile(QStringLiteral("building.btr"));
+    int ready[2];
+    int release[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    ASSERT_EQ(::pipe(release), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        recman::File holder;
+        const bool held = holder.open(QFile::encodeName(path).toStdString(), recman::OpenMode::ReadWrite) ==
+                          recman::Status::Success;
+        char byte = held ? 'y' : 'n';
+        (void)!::write(ready[1], &byte, 1);
+        (void)!::read(release[0], &byte, 1);
+        ::_exit(0);
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    ASSERT_EQ(byte, 'y');
+    const QByteArray before = bytesOf(QStringLiteral("building.btr"));
+
+    DataAccessControl control;
+    ASSERT_EQ(open(control, QStringLiteral("Buildings")), 0) << control.Message().toStdString();
+    control.setFieldValue(QStringLiteral("Building ID"), QStringLiteral("01"));
+    ASSERT_EQ(control.GetEqual(), 0);
+    control.setFieldValue(QStringLiteral("Name"), QStringLiteral("Renamed"));
+    EXPECT_EQ(control.Update(), 85);
+    EXPECT_TRUE(control.Message().contains(QStringLiteral("locked by another process")))
+        << control.Message().toStdString();
+    EXPECT_EQ(control.Insert(), 85);
+    EXPECT_EQ(control.Delete(), 85);
+    EXPECT_EQ(bytesOf(QStringLiteral("building.btr")), before);
+
+    (void)!::write(release[1], &byte, 1);
+    ::waitpid(child, nullptr, 0);
+    for (int fd : {ready[0], ready[1], release[0], release[1]})
+        ::close(fd);
 }
 
 TEST_F(LiveFileTest, FieldsTheDictionaryLacksAreNamedOnceAndTheRestStillWorks)
