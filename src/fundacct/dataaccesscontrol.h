@@ -22,7 +22,9 @@ enum class Status : int;
 // and sets a field of it by name, the keyed Get operations search with the key
 // value that the buffer's key fields hold (IndexNumber chooses the key), and
 // Insert/Update write the buffer. A Get that fails leaves buffer and position
-// as they were.
+// as they were. Update refuses with 80 when another program changed the record
+// since it was read; writes to a file another process held for writing at
+// Open (then opened for reading) give 85.
 //
 // Field values: text fields give QString (right-trimmed), integer fields and
 // whole numbers of decimal types qlonglong, numbers with decimal places in any

@@ -17,7 +17,9 @@
 // Writes (open with OpenMode::ReadWrite):
 //  - update() rewrites the current record in place. In files of the record
 //    manager only fixed-length, uncompressed records whose key bytes stay the
-//    same can be updated; in files this engine created, anything goes.
+//    same can be updated; in files this engine created, anything goes. If
+//    the record's bytes on disk are no longer the ones read (another program
+//    changed it), the update is refused with Conflict (80), nothing written.
 //  - insert() and erase() work only in files this engine created.
 // Each write reaches the disk (fsync) before the call returns.
 #pragma once
