@@ -1,6 +1,7 @@
 #include "dataaccesscontrol.h"
 
 #include "dictionary.h"
+#include "errobject.h"
 #include "file.h"
 #include "fundfieldvalue.h"
 #include "fundlocation.h"
@@ -90,6 +91,8 @@ struct DataAccessControl::Impl {
     DataAccessControl *master = nullptr;
     std::vector<DataAccessControl *> details;
 
+    // Another process held the file for writing at Open: opened for reading only.
+    bool lockedByOther = false;
     bool inTransaction = false;
     std::vector<UndoStep> undo;
 
@@ -106,6 +109,14 @@ struct DataAccessControl::Impl {
                    code == FileStatus::Success ? QString() : QString::fromStdString(file.lastMessage()));
     }
 
+    // The buffer becomes the current record; variable-length records are
+    // longer than the fixed part the buffer starts out with.
+    void takeCurrentRecord()
+    {
+        const auto record = file.record();
+        buffer.assign(record.begin(), record.end());
+    }
+
     char pad() const { return blankChar == 0 ? ' ' : static_cast<char>(blankChar); }
 
     bool requireOpen()
@@ -113,6 +124,17 @@ struct DataAccessControl::Impl {
         if (file.isOpen())
             return true;
         set(statusFileNotOpen, QStringLiteral("file not open"));
+        return false;
+    }
+
+    bool requireWritable()
+    {
+        if (!requireOpen())
+            return false;
+        if (!lockedByOther)
+            return true;
+        set(recman::statusNumber(FileStatus::FileInUse),
+            QStringLiteral("\"%1\" is locked by another process; it was opened for reading only").arg(resolvedPath));
         return false;
     }
 
@@ -331,6 +353,11 @@ QVariant DataAccessControl::FieldValue(const QString &field)
     return definition ? impl_->read(*definition, impl_->buffer) : QVariant();
 }
 
+bool DataAccessControl::hasField(const QString &field) const
+{
+    return impl_->fieldsByName.contains(QStringView(field).trimmed());
+}
+
 bool DataAccessControl::setFieldValue(const QString &field, const QVariant &value)
 {
     const recman::FieldDef *definition = impl_->fieldOrFail(field);
@@ -347,7 +374,8 @@ bool DataAccessControl::setFieldValue(const QString &field, const QVariant &valu
 void DataAccessControl::clearRecord()
 {
     auto &buffer = impl_->buffer;
-    std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+    // The fixed part only: a variable-length record read before does not carry over.
+    buffer.assign(impl_->file.isOpen() ? impl_->file.info().recordLength : impl_->table.recordLength(), 0);
     for (const recman::FieldDef &field : impl_->table.fields) {
         if (field.type == recman::DataType::String)
             std::fill_n(buffer.begin() + field.offset, field.size, std::uint8_t(' '));
@@ -366,6 +394,7 @@ int DataAccessControl::Open()
     if (!path)
         return d.set(statusFileNotFound, QStringLiteral("no data file at \"%1\"").arg(location));
     FileStatus opened = d.file.open(*path, recman::OpenMode::ReadWrite);
+    d.lockedByOther = opened == FileStatus::FileInUse;
     if (opened != FileStatus::Success && opened != FileStatus::FileNotFound)
         opened = d.file.open(*path, recman::OpenMode::ReadOnly);
     if (opened != FileStatus::Success)
@@ -379,8 +408,19 @@ int DataAccessControl::Open()
                          .arg(d.table.recordLength()));
     }
     d.resolvedPath = QString::fromStdString(path->string());
-    d.buffer.assign(d.file.info().recordLength, 0);
     clearRecord();
+    if (const auto &info = d.file.info(); info.countMismatch()) {
+        d.set(StatusRecordCountMismatch,
+              QStringLiteral("\"%1\": the file's header counts %2 records but its data pages hold %3; all %3 are "
+                             "read (the file may need the record manager's recovery)")
+                  .arg(d.resolvedPath)
+                  .arg(info.headerRecordCount)
+                  .arg(info.recordCount));
+        clsErrObject log;
+        log.set(d.status, QStringLiteral("DataAccessControl.Open"), d.message);
+        log.LogError();
+        return d.status;
+    }
     return d.set(0);
 }
 
@@ -398,8 +438,7 @@ int DataAccessControl::positioned(recman::Status result, bool byStep)
 {
     Impl &d = *impl_;
     if (result == FileStatus::Success) {
-        const auto record = d.file.record();
-        std::copy(record.begin(), record.end(), d.buffer.begin());
+        d.takeCurrentRecord();
         d.positionedByStep = byStep;
         d.blockStartsAtCurrent = true;
         for (DataAccessControl *detail : d.details)
@@ -492,15 +531,14 @@ int DataAccessControl::GetNextExtended()
     d.blockStartsAtCurrent = false;
     if (d.rows.empty())
         return d.fromFile(result);
-    const auto record = d.file.record();
-    std::copy(record.begin(), record.end(), d.buffer.begin());
+    d.takeCurrentRecord();
     return d.status; // a value that could not be read in the block says so
 }
 
 int DataAccessControl::Insert()
 {
     Impl &d = *impl_;
-    if (!d.requireOpen())
+    if (!d.requireWritable())
         return d.status;
     const FileStatus result = d.file.insert(d.buffer);
     if (result == FileStatus::Success && d.inTransaction)
@@ -511,7 +549,7 @@ int DataAccessControl::Insert()
 int DataAccessControl::Update()
 {
     Impl &d = *impl_;
-    if (!d.requireOpen())
+    if (!d.requireWritable())
         return d.status;
     auto before = copyOf(d.file.record());
     const FileStatus result = d.file.update(d.buffer);
@@ -523,7 +561,7 @@ int DataAccessControl::Update()
 int DataAccessControl::Delete()
 {
     Impl &d = *impl_;
-    if (!d.requireOpen())
+    if (!d.requireWritable())
         return d.status;
     auto before = copyOf(d.file.record());
     const FileStatus result = d.file.erase();

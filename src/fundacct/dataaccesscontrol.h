@@ -22,11 +22,15 @@ enum class Status : int;
 // and sets a field of it by name, the keyed Get operations search with the key
 // value that the buffer's key fields hold (IndexNumber chooses the key), and
 // Insert/Update write the buffer. A Get that fails leaves buffer and position
-// as they were.
+// as they were. Update refuses with 80 when another program changed the record
+// since it was read; writes to a file another process held for writing at
+// Open (then opened for reading) give 85.
 //
-// Field values: text fields give QString (right-trimmed), integer fields
-// qlonglong, amount fields Currency (which converts to QString as plain decimal
-// text), anything else the dictionary's decoded value as text. Setting takes
+// Field values: text fields give QString (right-trimmed), integer fields and
+// whole numbers of decimal types qlonglong, numbers with decimal places in any
+// exact type (currency, money, decimal, numeric) Currency (which converts to
+// QString as plain decimal text), floats double; value<Currency>() gives the
+// amount of any of them. Anything else is the decoded value as text. Setting takes
 // the same types or text and converts by the field's type; a value that does
 // not fit (text too long, a number out of range) is refused, never cut, and
 // the buffer keeps what it held. Text is stored in the installation's code
@@ -39,6 +43,9 @@ public:
         StatusUnknownTable = 1002,      // FileName not in the dictionary
         StatusUnknownField = 1003,      // FieldValue on a name the table does not have
         StatusBadFieldValue = 1004,     // value cannot be stored in the field (type, size)
+        // Open: the file's header counts a different number of records than its
+        // pages hold. The file is open and every record is read; the error log has it.
+        StatusRecordCountMismatch = 1005,
     };
 
     DataAccessControl();
@@ -58,6 +65,8 @@ public:
     // A failed access (unknown field, a value that does not fit) sets Status
     // and Message; a successful one leaves them as the last operation left them.
     QVariant FieldValue(const QString &field);
+    // Whether the open table has a field of that name (ignoring case).
+    bool hasField(const QString &field) const;
     bool setFieldValue(const QString &field, const QVariant &value);
     // Every field to its empty value (blanks, zero), e.g. before building a new record.
     void clearRecord();

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <limits>
+#include <optional>
 
 namespace {
 
@@ -11,9 +13,17 @@ using recman::DataType;
 
 std::atomic<const recman::CodePage *> installationCodePage{&recman::CodePage::windows1252()};
 
-// Amounts stored as plain decimal text when a Currency meets a text field or QString.
-const int currencyConverter = [] {
+// Amounts travel as Currency. A Currency meets a text field as plain decimal
+// text; the other way round, an amount read as text, a whole number or a float
+// still answers value<Currency>() with its amount (rounded to four places only
+// where the stored value has more).
+const int currencyConverters = [] {
     QMetaType::registerConverter<Currency, QString>(&Currency::toSqlText);
+    QMetaType::registerConverter<QString, Currency>(
+        [](const QString &text) { return Currency::parse(text).value_or(Currency()); });
+    QMetaType::registerConverter<double, Currency>(
+        [](double number) { return Currency::fromDouble(number).value_or(Currency()); });
+    QMetaType::registerConverter<qlonglong, Currency>([](qlonglong whole) { return Currency::fromUnits(whole); });
     return 0;
 }();
 
@@ -22,14 +32,41 @@ bool isText(DataType type)
     return type == DataType::String || type == DataType::ZString || type == DataType::LString;
 }
 
+// An exact decimal with at most four places as Currency; nullopt when it has
+// more places than that or is out of range.
+std::optional<Currency> exactAmount(const recman::Decimal &decimal)
+{
+    std::int64_t raw = decimal.unscaled;
+    int scale = decimal.scale;
+    for (; scale > 4; --scale) {
+        if (raw % 10 != 0)
+            return std::nullopt;
+        raw /= 10;
+    }
+    for (; scale < 4; ++scale) {
+        if (raw > std::numeric_limits<std::int64_t>::max() / 10 || raw < std::numeric_limits<std::int64_t>::min() / 10)
+            return std::nullopt;
+        raw *= 10;
+    }
+    return Currency::fromRaw(raw);
+}
+
 QVariant toVariant(const recman::Value &value)
 {
     if (const auto *text = std::get_if<std::string>(&value))
         return QString::fromStdString(*text);
     if (const auto *number = std::get_if<std::int64_t>(&value))
         return QVariant::fromValue<qlonglong>(*number);
-    if (const auto *decimal = std::get_if<recman::Decimal>(&value); decimal && decimal->scale == 4)
-        return QVariant::fromValue(Currency::fromRaw(decimal->unscaled));
+    // Whole numbers in decimal types (counters, IDs) stay integers; any
+    // decimal places make an amount, whatever the field's type.
+    if (const auto *decimal = std::get_if<recman::Decimal>(&value)) {
+        if (decimal->scale == 0)
+            return QVariant::fromValue<qlonglong>(decimal->unscaled);
+        if (const auto amount = exactAmount(*decimal))
+            return QVariant::fromValue(*amount);
+    }
+    if (const auto *real = std::get_if<double>(&value))
+        return *real;
     return QString::fromStdString(recman::toText(value));
 }
 

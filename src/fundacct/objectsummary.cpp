@@ -74,3 +74,10 @@ int readFirstFiscalMonth(const QString &ddfPath, const QString &dataFolder, int 
         month = parameters.FirstFiscalMonth;
     return status;
 }
+
+int readFirstFiscalMonthBeside(const DataAccessControl &control, int &month)
+{
+    const QString file = control.Location().isEmpty() ? control.resolvedFilePath() : control.Location();
+    const qsizetype cut = std::max(file.lastIndexOf(u'\\'), file.lastIndexOf(u'/'));
+    return readFirstFiscalMonth(control.DdfPath(), cut < 0 ? QString() : file.left(cut), month);
+}

@@ -64,6 +64,8 @@ QString monthlyTextOf(const QVariant &amount);
 
 // FirstFiscalMonth of the fund parameters in the data folder.
 int readFirstFiscalMonth(const QString &ddfPath, const QString &dataFolder, int &month);
+// The same, from the fund parameters beside the file a control has open.
+int readFirstFiscalMonthBeside(const DataAccessControl &control, int &month);
 
 // Common operations of the three ledger summaries: record-object pattern over
 // the summary file (key 0 "Account Code", 1 "Fund ID" + "Account Code", 2
@@ -223,6 +225,9 @@ public:
     int CalcBalance()
     {
         errorMsg_.clear();
+        // A summary reading through another object's control was never Init'ed.
+        if ((FirstFiscalMonth < 1 || FirstFiscalMonth > 12) && this->DataBound())
+            readFirstFiscalMonthBeside(*this->DataControl(), FirstFiscalMonth);
         bool ok = false;
         const int target = TransDate.left(2).toInt(&ok);
         const std::vector<int> months = fiscalMonthsThrough(FirstFiscalMonth, ok ? target : 0);

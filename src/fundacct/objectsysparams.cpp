@@ -10,7 +10,7 @@ const FundFileDef sysParamsFile{"SysParameters", "\\Params.btr"};
 
 const std::array<FieldBinding<F>, 17> bindings{{
     {"Name", &F::Name},
-    {"Report Name", &F::ReportName},
+    {"Report Name", &F::ReportName, true},
     {"Address 1", &F::Address1},
     {"Address 2", &F::Address2},
     {"City", &F::City},

@@ -85,7 +85,7 @@ int classObjectTransactions::openCompanions(const QString &ddfPath, const QStrin
     }
     if (!counters_)
         counters_ = std::make_shared<DataAccessControl>();
-    return bindFundFile(*counters_, ddfPath, dataFolder, countersFile);
+    return bindFundFile(*counters_, ddfPath, installationFolder(ddfPath), countersFile);
 }
 
 std::shared_ptr<DataAccessControl> classObjectTransactions::SummaryControl(QChar ledger) const
@@ -230,7 +230,7 @@ int classObjectTransactions::CorrectFundData(const TransactionProgress &progress
         return notBound();
     classObjectSysParams organisation;
     classObjectFunds funds;
-    if (organisation.Init(ddfPath_, dataFolder_) == 0 && organisation.Retrieve() == 0)
+    if (organisation.Init(ddfPath_, installationFolder(ddfPath_)) == 0 && organisation.Retrieve() == 0)
         funds.USState = organisation.State;
     if (const int status = funds.Init(ddfPath_, dataFolder_); status != 0)
         return fail(status, funds.Message());

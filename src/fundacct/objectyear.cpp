@@ -10,8 +10,8 @@ const std::array<FieldBinding<YearFields>, 5> yearBindings{{
     {"YearNumber", &YearFields::YearNumber},
     {"Name", &YearFields::YearName},
     {"Changeable", &YearFields::YearStatus},
-    {"Fiscal Year Start", &YearFields::FiscalYearStart},
-    {"Fiscal Year End", &YearFields::FiscalYearEnd},
+    {"Fiscal Year Start", &YearFields::FiscalYearStart, true},
+    {"Fiscal Year End", &YearFields::FiscalYearEnd, true},
 }};
 
 const std::array<FieldBinding<YearListFields>, 3> yearListBindings{{

@@ -7,7 +7,14 @@ int bindFundFile(DataAccessControl &control, const QString &ddfPath, const QStri
     control.setDdfPath(ddfPath);
     control.setFileName(QString::fromLatin1(file.recordName));
     control.setLocation(dataFolder + QString::fromLatin1(file.fileName));
-    return control.Open();
+    const int status = control.Open();
+    // A header count that disagrees is logged by the control; every record is still there.
+    return status == DataAccessControl::StatusRecordCountMismatch ? 0 : status;
+}
+
+QString installationFolder(const QString &ddfPath)
+{
+    return ddfPath + QStringLiteral("\\FUND");
 }
 
 QString fundStatusMessage(int status, const QString &controlMessage)
@@ -16,4 +23,16 @@ QString fundStatusMessage(int status, const QString &controlMessage)
     error.setErrorNumber(status);
     error.setErrorText(controlMessage.isEmpty() ? QStringLiteral("Status %1").arg(status) : controlMessage);
     return error.ErrorText();
+}
+
+QString reportMissingFields(const DataAccessControl &control, const QStringList &missing)
+{
+    if (missing.isEmpty())
+        return {};
+    const QString message = QStringLiteral("the data dictionary's table \"%1\" has no field \"%2\"; left empty")
+                                .arg(control.FileName(), missing.join(QStringLiteral("\", \"")));
+    clsErrObject log;
+    log.set(DataAccessControl::StatusUnknownField, control.FileName() + QStringLiteral(".Init"), message);
+    log.LogError();
+    return message;
 }

@@ -3,6 +3,7 @@
 #include "dataaccesscontrol.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <span>
@@ -17,9 +18,11 @@ struct FundFileDef {
 };
 
 // One field property of a record object's field struct, by dictionary name.
+// Optional fields are ours, not Kora-Fund's: an installation may well lack them.
 template <class Fields> struct FieldBinding {
     const char *field;
     std::variant<QString Fields::*, int Fields::*> member;
+    bool optional = false;
 };
 
 // Opens a Kora-Fund file on a control: DdfPath, FileName, Location (the data
@@ -27,15 +30,26 @@ template <class Fields> struct FieldBinding {
 int bindFundFile(DataAccessControl &control, const QString &ddfPath, const QString &dataFolder,
                  const FundFileDef &file);
 
+// The folder of the installation-wide files (users, years, counters, the
+// organisation): FUND below the dictionary folder, whatever year is open.
+QString installationFolder(const QString &ddfPath);
+
 // The message for a status: the record manager's wording where the error
 // object has one, otherwise the control's own explanation.
 QString fundStatusMessage(int status, const QString &controlMessage);
 
-// Copies between a control's record buffer and a field struct.
+// One message naming the fields a record object needs that the control's
+// table lacks, written to the error log; "" when none is missing.
+QString reportMissingFields(const DataAccessControl &control, const QStringList &missing);
+
+// Copies between a control's record buffer and a field struct. Fields the
+// installation's dictionary lacks are left out: their properties stay empty.
 template <class Fields>
 void loadFields(DataAccessControl &control, std::span<const FieldBinding<Fields>> bindings, Fields &into)
 {
     for (const auto &binding : bindings) {
+        if (!control.hasField(QString::fromLatin1(binding.field)))
+            continue;
         const QVariant value = control.FieldValue(QString::fromLatin1(binding.field));
         if (const auto *text = std::get_if<QString Fields::*>(&binding.member))
             into.*(*text) = value.toString();
@@ -50,6 +64,8 @@ int storeFields(DataAccessControl &control, std::span<const FieldBinding<Fields>
 {
     for (const auto &binding : bindings) {
         const QString name = QString::fromLatin1(binding.field);
+        if (!control.hasField(name))
+            continue;
         const auto *text = std::get_if<QString Fields::*>(&binding.member);
         const bool stored = text ? control.setFieldValue(name, from.*(*text))
                                  : control.setFieldValue(name, from.*std::get<int Fields::*>(binding.member));
@@ -80,7 +96,10 @@ public:
         int status = bindFundFile(*control_, ddfPath, dataFolder, file_);
         if (status == 0)
             status = openCompanions(ddfPath, dataFolder);
-        return finish(status);
+        finish(status);
+        if (status == 0)
+            message_ = reportMissingFields(*control_, missingFields());
+        return status;
     }
 
     // Empties the field properties.
@@ -195,6 +214,15 @@ protected:
     int notBound() { return finish(3); }
 
 private:
+    QStringList missingFields() const
+    {
+        QStringList missing;
+        for (const auto &binding : bindings_)
+            if (!binding.optional && !control_->hasField(QString::fromLatin1(binding.field)))
+                missing << QString::fromLatin1(binding.field);
+        return missing;
+    }
+
     template <class InRange> int collect(std::vector<Fields> &list, int status, InRange inRange)
     {
         while (status == 0) {

@@ -64,6 +64,18 @@ constexpr std::string_view latin1Upper =
     "ÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏÐÑÒÓÔÕÖ×ØÙÚÛÜÝÞß"
     "àáâãäåæçèéêëìíîïðñòóôõö÷øùúûüýþÿ";
 
+// Cyrillic: DOS code page 866 (box drawing as in 437) and Windows-1251, whose
+// one undefined position (0x98) maps to its C1 control like 1252's.
+constexpr std::string_view dos866Upper = "АБВГДЕЖЗИЙКЛМНОПРСТУФХЦЧШЩЪЫЬЭЮЯ"
+                                         "абвгдежзийклмноп░▒▓│┤╡╢╖╕╣║╗╝╜╛┐"
+                                         "└┴┬├─┼╞╟╚╔╩╦╠═╬╧╨╤╥╙╘╒╓╫╪┘┌█▄▌▐▀"
+                                         "рстуфхцчшщъыьэюяЁёЄєЇїЎў°∙·√№¤■\u00A0";
+
+constexpr std::string_view windows1251Upper = "ЂЃ‚ѓ„…†‡€‰Љ‹ЊЌЋЏђ‘’“”•–—\u0098™љ›њќћџ"
+                                              "\u00A0ЎўЈ¤Ґ¦§Ё©Є«¬\u00AD®Ї°±Ііґµ¶·ё№є»јЅѕї"
+                                              "АБВГДЕЖЗИЙКЛМНОПРСТУФХЦЧШЩЪЫЬЭЮЯ"
+                                              "абвгдежзийклмнопрстуфхцчшщъыьэюя";
+
 bool sameName(std::string_view a, std::string_view b)
 {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
@@ -98,6 +110,18 @@ const CodePage &CodePage::latin1()
     return page;
 }
 
+const CodePage &CodePage::dos866()
+{
+    static const CodePage page("cp866", dos866Upper);
+    return page;
+}
+
+const CodePage &CodePage::windows1251()
+{
+    static const CodePage page("windows-1251", windows1251Upper);
+    return page;
+}
+
 const CodePage *CodePage::byName(std::string_view name)
 {
     for (auto alias : {"1252", "windows-1252", "cp1252"})
@@ -109,6 +133,12 @@ const CodePage *CodePage::byName(std::string_view name)
     for (auto alias : {"latin1", "iso-8859-1", "8859-1"})
         if (sameName(name, alias))
             return &latin1();
+    for (auto alias : {"866", "cp866", "ibm866"})
+        if (sameName(name, alias))
+            return &dos866();
+    for (auto alias : {"1251", "windows-1251", "cp1251"})
+        if (sameName(name, alias))
+            return &windows1251();
     return nullptr;
 }
 

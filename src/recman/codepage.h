@@ -17,7 +17,10 @@ public:
     static const CodePage &windows1252();
     static const CodePage &dos437();
     static const CodePage &latin1();
-    // "1252"/"windows-1252", "437"/"cp437", "latin1"/"iso-8859-1" (case-insensitive).
+    static const CodePage &dos866();
+    static const CodePage &windows1251();
+    // "1252"/"windows-1252", "437"/"cp437", "latin1"/"iso-8859-1", "866"/"cp866",
+    // "1251"/"windows-1251" (case-insensitive).
     static const CodePage *byName(std::string_view name);
 
     std::string_view name() const { return name_; }

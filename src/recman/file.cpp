@@ -26,6 +26,7 @@ FileInfo describe(const FileHeader &header, const ScanResult &scan)
     info.recordLength = header.recordLength;
     info.physicalRecordLength = header.physicalLength;
     info.recordCount = static_cast<std::uint32_t>(scan.records.size());
+    info.headerRecordCount = header.recordCount;
     info.variable = header.variable;
     info.compressed = header.compressed;
     info.ownerProtected = header.ownerProtected;
@@ -84,6 +85,13 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
         // Key definitions live in info so that indexes can point at them for good.
         impl->indexes = KeyIndexes(impl->info.keys, impl->records);
     } catch (const FormatError &error) {
+        // Pages that do not name themselves in a file with an owner name are
+        // encrypted with it: say so rather than call the file unreadable.
+        if (impl->header.ownerProtected)
+            return fail(Status::OwnerNameRequired,
+                        path.string() + ": the file is protected by an owner name and its data is encrypted; it "
+                                        "can only be opened with that owner name in the record manager (" +
+                            error.what() + ")");
         return fail(Status::NotARecordManagerFile, path.string() + ": " + error.what());
     } catch (const std::bad_alloc &) {
         return fail(Status::IoError, path.string() + ": not enough memory to load the file");

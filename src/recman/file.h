@@ -17,7 +17,9 @@
 // Writes (open with OpenMode::ReadWrite):
 //  - update() rewrites the current record in place. In files of the record
 //    manager only fixed-length, uncompressed records whose key bytes stay the
-//    same can be updated; in files this engine created, anything goes.
+//    same can be updated; in files this engine created, anything goes. If
+//    the record's bytes on disk are no longer the ones read (another program
+//    changed it), the update is refused with Conflict (80), nothing written.
 //  - insert() and erase() work only in files this engine created.
 // Each write reaches the disk (fsync) before the call returns.
 #pragma once
@@ -44,7 +46,8 @@ struct FileInfo {
     std::uint32_t pageSize = 0;
     std::uint32_t recordLength = 0; // fixed part
     std::uint32_t physicalRecordLength = 0;
-    std::uint32_t recordCount = 0; // live records
+    std::uint32_t recordCount = 0;       // live records the data pages hold
+    std::uint32_t headerRecordCount = 0; // what the control record says; a check, never corrected
     bool variable = false;
     bool compressed = false;
     bool ownerProtected = false;
@@ -52,6 +55,8 @@ struct FileInfo {
     std::uint16_t fileFlags = 0;
     std::vector<KeyDefinition> keys;
     std::vector<std::string> warnings; // oddities found while reading (e.g. count mismatch)
+
+    bool countMismatch() const { return recordCount != headerRecordCount; }
 };
 
 class File {

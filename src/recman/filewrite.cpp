@@ -80,21 +80,53 @@ Status writeFailed(std::string &message)
     return Status::IoError;
 }
 
-// In place, on the page's current physical copy: the record manager's own
-// files, whose B-trees must not see a changed key.
-Status updateInPlace(File::Impl &file, std::uint32_t ordinal, Bytes record, std::string &message)
+// A record's page as it stands on disk now, read through the page tables
+// that are current now: another program may have moved pages since we opened.
+struct PageOnDisk {
+    std::vector<std::uint8_t> bytes;
+    std::uint32_t physical = 0;
+};
+
+// Status::Conflict (with the message set) when the record's user bytes on disk
+// are no longer the ones we read, or, in our own files, when anything was
+// committed since we opened (our page tables would then be stale).
+Status readRecordPage(File::Impl &file, std::uint32_t ordinal, PageOnDisk &page, std::string &message)
 {
     const auto &header = file.header;
     const auto place = placeOf(header, file.records.address(ordinal));
-    std::vector<std::uint8_t> page;
-    file.pages->read(place.logical, dataTag(header), page);
-    const auto slot = MutableBytes(page).subspan(place.offset, header.physicalLength);
+    const FileHeader now = readHeader(file.handle);
+    const bool moved = header.format == Format::V6 && now.usage != header.usage;
+    if (moved && header.createdByEngine) {
+        message = "the file was changed by another program since it was opened; nothing was written";
+        return Status::Conflict;
+    }
+    std::unique_ptr<PageMap> freshMap;
+    if (moved)
+        freshMap = std::make_unique<PageMap>(file.handle, now, file.handle.size());
+    const PageMap &map = freshMap ? *freshMap : *file.pages;
+    map.read(place.logical, dataTag(header), page.bytes);
+    page.physical = map.physicalOf(place.logical);
+    const Bytes stored = Bytes(page.bytes).subspan(place.offset + header.userOffset, header.recordLength);
+    if (!std::ranges::equal(stored, file.records.record(ordinal))) {
+        message = "the record was changed by another user since it was read; nothing was written (read it again)";
+        return Status::Conflict;
+    }
+    return Status::Success;
+}
+
+// In place, on the page as it stands on disk: the record manager's own files,
+// whose B-trees must not see a changed key. Only the record's own bytes change;
+// everything else on the page stays as the other writers left it.
+Status updateInPlace(File::Impl &file, std::uint32_t ordinal, PageOnDisk &page, Bytes record, std::string &message)
+{
+    const auto &header = file.header;
+    const auto place = placeOf(header, file.records.address(ordinal));
+    const auto slot = MutableBytes(page.bytes).subspan(place.offset, header.physicalLength);
     std::copy(record.begin(), record.end(), slot.begin() + header.userOffset);
     if (header.format == Format::V6)
         bytes::put16(slot, 0, nextUsage(bytes::u16(slot, 0)));
-    pagebuild::touchDataPage(page);
-    const auto physical = file.pages->physicalOf(place.logical);
-    if (!file.handle.writeAt(std::uint64_t{physical} * header.pageSize, page) || !file.handle.sync())
+    pagebuild::touchDataPage(page.bytes);
+    if (!file.handle.writeAt(std::uint64_t{page.physical} * header.pageSize, page.bytes) || !file.handle.sync())
         return writeFailed(message);
     return Status::Success;
 }
@@ -319,7 +351,10 @@ Status updateRecord(File::Impl &file, std::uint32_t ordinal, Bytes record, std::
         return status;
     const auto oldImages = imagesOf(file, ordinal);
     try {
-        Status status = Status::Success;
+        PageOnDisk page;
+        Status status = readRecordPage(file, ordinal, page, message);
+        if (status != Status::Success)
+            return status;
         if (file.header.createdByEngine) {
             status = updateOwn(file, ordinal, record, message);
         } else {
@@ -328,7 +363,7 @@ Status updateRecord(File::Impl &file, std::uint32_t ordinal, Bytes record, std::
                           "; in a file of the record manager only non-key bytes can be changed";
                 return Status::AccessDenied;
             }
-            status = updateInPlace(file, ordinal, record, message);
+            status = updateInPlace(file, ordinal, page, record, message);
         }
         if (status != Status::Success)
             return status;
@@ -398,6 +433,7 @@ Status insertRecord(File::Impl &file, Bytes record, std::uint32_t &ordinal, std:
         if (auto *index = file.indexes.built(k))
             index->insert(ordinal);
     ++file.info.recordCount;
+    file.info.headerRecordCount = file.header.recordCount;
     return Status::Success;
 }
 
@@ -429,6 +465,7 @@ Status deleteRecord(File::Impl &file, std::uint32_t ordinal, std::string &messag
             index->erase(ordinal, oldImages[k]);
     file.records.setLive(ordinal, false);
     --file.info.recordCount;
+    file.info.headerRecordCount = file.header.recordCount;
     return Status::Success;
 }
 

@@ -25,40 +25,56 @@ Bytes dataPage(const FileHeader &header, const PageMap &pages, Bytes image, std:
     if (header.format == Format::V6)
         return pages.typeOf(logical) == pagetype::Data ? pages.pageIn(image, logical, pagetype::Data) : Bytes{};
     const auto page = pages.pageIn(image, logical, 0);
-    const auto usage = bytes::u16(page, 4);
-    // Bit 15 marks data pages; a bare 0x8000 is allocated but never used.
-    return (usage & 0x8000) != 0 && usage != 0x8000 ? page : Bytes{};
+    // Bit 15 marks data pages. A usage word of exactly 0x8000 does not mean
+    // the page is empty: real files hold live records on such pages, so its
+    // slots are judged one by one like any other page's.
+    return (bytes::u16(page, 4) & 0x8000) != 0 ? page : Bytes{};
 }
 
-std::unordered_set<std::uint32_t> freeSlots(const FileHeader &header, const PageMap &pages, Bytes image,
-                                            std::vector<std::string> &warnings)
+struct FreeSlots {
+    std::unordered_set<std::uint32_t> addresses;
+    bool chainComplete = true; // false when the chain broke off and cannot be trusted alone
+};
+
+FreeSlots freeSlots(const FileHeader &header, const PageMap &pages, Bytes image, std::vector<std::string> &warnings)
 {
-    std::unordered_set<std::uint32_t> free;
+    FreeSlots result;
+    auto &free = result.addresses;
     const std::uint64_t maxSlots = std::uint64_t{pages.logicalPageEnd()} * slotsPerPage(header);
     for (std::uint32_t address = header.freeHead; address != 0xFFFFFFFFu;) {
         const auto where = splitAddress(header, address);
         if (free.size() > maxSlots || free.count(address) != 0) {
             warnings.push_back("free-slot chain loops; stopped following it");
+            result.chainComplete = false;
             break;
         }
         if (where.page == 0 || where.page >= pages.logicalPageEnd() || where.offset < 6 ||
             (where.offset - 6) % header.physicalLength != 0 || where.offset + header.physicalLength > header.pageSize) {
             warnings.push_back("free-slot chain points at an impossible address; stopped following it");
+            result.chainComplete = false;
             break;
         }
         free.insert(address);
         const auto page = pages.pageIn(image, where.page, header.format == Format::V6 ? pagetype::Data : 0);
         address = bytes::ws32(page, where.offset);
     }
-    return free;
+    return result;
 }
 
-// 5.x slots carry no usage count: a slot that is all zero after a pointer-sized
-// first word was deleted or never used. (A live record shaped like that is
-// indistinguishable; the free chain is the primary test.)
-bool looksFree(const FileHeader &header, Bytes slot)
+bool allZero(Bytes bytes)
 {
-    if (!std::all_of(slot.begin() + 4, slot.end(), [](std::uint8_t b) { return b == 0; }))
+    return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t b) { return b == 0; });
+}
+
+// 5.x slots carry no usage count. With a whole free chain, a slot is free when
+// the chain names it or it was never written (all zero); a live record may well
+// be zero after its first four bytes. Only a broken chain falls back to taking
+// every "pointer, then zeros" slot as free.
+bool v5SlotIsFree(const FileHeader &header, const FreeSlots &free, Bytes slot)
+{
+    if (free.chainComplete)
+        return allZero(slot);
+    if (!allZero(slot.subspan(4)))
         return false;
     const auto next = bytes::ws32(slot, 0);
     return next == 0 || next == 0xFFFFFFFFu || (next % header.pageSize) >= 6;
@@ -172,21 +188,23 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages, FileImage
     const std::uint64_t expected = std::min<std::uint64_t>(header.recordCount, possible);
     result.records.reserve(expected,
                            assembled ? std::min<std::uint64_t>(expected * header.recordLength, file.size()) : 0);
-    for (std::uint32_t logical = 1; logical < pages.logicalPageEnd() && live < header.recordCount; ++logical) {
+    // Every data page is read to its end: the control record's count is checked
+    // against what the pages hold, never used to stop early.
+    for (std::uint32_t logical = 1; logical < pages.logicalPageEnd(); ++logical) {
         const Bytes view = dataPage(header, pages, file, logical);
         if (view.empty())
             continue;
-        for (std::uint32_t slot = 0; slot < perPage && live < header.recordCount; ++slot) {
+        for (std::uint32_t slot = 0; slot < perPage; ++slot) {
             const auto offset = slotOffset(header, slot);
             const auto address = logical * header.pageSize + offset;
             const Bytes bytesOfSlot = view.subspan(offset, header.physicalLength);
-            if (!free.empty() && free.count(address) != 0)
+            if (free.addresses.count(address) != 0)
                 continue;
             if (header.format == Format::V6 && bytes::u16(bytesOfSlot, 0) == 0) {
                 result.unusedSlots.push_back(address);
                 continue;
             }
-            if (header.format == Format::V5 && looksFree(header, bytesOfSlot))
+            if (header.format == Format::V5 && v5SlotIsFree(header, free, bytesOfSlot))
                 continue;
             if (!assembled) {
                 result.records.appendFromImage(bytesOfSlot.subspan(header.userOffset, header.recordLength), address);

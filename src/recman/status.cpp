@@ -41,8 +41,12 @@ std::string_view statusText(Status status)
         return "not a readable record-manager file";
     case Status::AccessDenied:
         return "access to file denied";
+    case Status::OwnerNameRequired:
+        return "owner name required";
     case Status::FileAlreadyExists:
         return "file already exists";
+    case Status::Conflict:
+        return "record conflict (changed by another user since it was read)";
     case Status::RecordInUse:
         return "record in use (locked)";
     case Status::FileInUse:

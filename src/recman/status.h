@@ -25,7 +25,9 @@ enum class Status : int {
     InvalidKeyLength = 29,      // key value or key definition of the wrong length
     NotARecordManagerFile = 30, // unknown signature, bad page size, unsupported format
     AccessDenied = 46,          // write refused: read-only open or unsafe on this file
+    OwnerNameRequired = 51,     // owner-protected file whose data is encrypted
     FileAlreadyExists = 59,     // create would overwrite an existing file
+    Conflict = 80,              // the record changed on disk since it was read; nothing written
     RecordInUse = 84,           // record locked by another process
     FileInUse = 85,             // file locked by another process
 };

@@ -2,6 +2,7 @@
 // dictionary, and fails cleanly on bad input.
 #include "dictionary.h"
 #include "minijson.h"
+#include "oldformatfile.h"
 #include "recmantest.h"
 #include "sha256.h"
 
@@ -19,10 +20,12 @@ struct Run {
     std::vector<std::string> lines;
 };
 
-Run runDump(const std::string &arguments)
+// stderr is dropped unless asked for; then its lines come first.
+Run runDump(const std::string &arguments, bool withErrors = false)
 {
     Run run;
-    const std::string command = std::string(KORA_FUND_DUMP_PATH) + " " + arguments + " 2>/dev/null";
+    const std::string command = std::string(KORA_FUND_DUMP_PATH) + " " + arguments +
+                                (withErrors ? " 2>&1 >/dev/null" : " 2>/dev/null");
     FILE *pipe = ::popen(command.c_str(), "r");
     std::string line;
     for (int c; (c = std::fgetc(pipe)) != EOF;) {
@@ -110,6 +113,25 @@ TEST(DumpTool, DecodesFieldsThroughADictionary)
     EXPECT_EQ(fields["YearNumber"].integer(), 2004);
     EXPECT_EQ(fields["Name"].text, "FY \"04\"");
     EXPECT_DOUBLE_EQ(fields["Budget"].number, -1234.56);
+}
+
+TEST(DumpTool, SaysWhenTheHeaderCountDisagrees)
+{
+    recmantest::OldFile shape;
+    shape.headerCount = 1;
+    shape.pages.push_back({0x8000, {recmantest::oldRecord(1, 'a'), recmantest::oldRecord(2, 'b')}});
+    recmantest::TempDir dir;
+    recmantest::writeBytes(dir / "COUNT.DAT", shape.bytes());
+    const auto run = runDump((dir / "COUNT.DAT").string());
+    ASSERT_EQ(run.exitCode, 0);
+    ASSERT_EQ(run.lines.size(), 3u);
+    const auto facts = Json::parse(run.lines[0]);
+    EXPECT_EQ(facts["record_count"].integer(), 2);
+    EXPECT_EQ(facts["header_record_count"].integer(), 1);
+    const auto errors = runDump((dir / "COUNT.DAT").string(), true);
+    ASSERT_EQ(errors.lines.size(), 1u);
+    EXPECT_NE(errors.lines[0].find("control record counts 1 records, data pages hold 2"), std::string::npos)
+        << errors.lines[0];
 }
 
 TEST(DumpTool, BadInputExitsNonZero)

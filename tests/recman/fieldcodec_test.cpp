@@ -145,7 +145,8 @@ TEST(FieldCodec, UndecodableBytesAreReported)
 
 TEST(CodePages, EveryByteRoundTripsAndUnmappableTextIsFlagged)
 {
-    for (const auto *page : {&CodePage::windows1252(), &CodePage::dos437(), &CodePage::latin1()}) {
+    for (const auto *page : {&CodePage::windows1252(), &CodePage::dos437(), &CodePage::latin1(), &CodePage::dos866(),
+                             &CodePage::windows1251()}) {
         SCOPED_TRACE(std::string(page->name()));
         for (int byte = 0; byte < 256; ++byte) {
             const std::uint8_t raw = static_cast<std::uint8_t>(byte);
@@ -156,6 +157,12 @@ TEST(CodePages, EveryByteRoundTripsAndUnmappableTextIsFlagged)
     }
     const std::uint8_t dos[] = {0x82, 0xC9, 0xE1};
     EXPECT_EQ(CodePage::dos437().toUtf8(dos), "é╔ß");
+    const std::uint8_t budget866[] = {0x81, 0xEE, 0xA4, 0xA6, 0xA5, 0xE2, 0xF1};
+    EXPECT_EQ(CodePage::dos866().toUtf8(budget866), "Бюджетё");
+    const std::uint8_t budget1251[] = {0xC1, 0xFE, 0xE4, 0xE6, 0xE5, 0xF2, 0xB8};
+    EXPECT_EQ(CodePage::windows1251().toUtf8(budget1251), "Бюджетё");
+    EXPECT_EQ(CodePage::byName("Windows-1251"), &CodePage::windows1251());
+    EXPECT_EQ(CodePage::byName("866"), &CodePage::dos866());
     std::string out;
     EXPECT_FALSE(CodePage::windows1252().fromUtf8("a\xE2\x98\x83z", out)); // snowman
     EXPECT_EQ(out, "a?z");

@@ -119,7 +119,7 @@ TEST(Robustness, VariablePageWithAnImpossibleFragmentCount)
     EXPECT_NE(refusal(bytes).find("fragments"), std::string::npos);
 }
 
-TEST(Robustness, OwnerProtectedButPlainOldFilesRead)
+TEST(Robustness, OwnerProtectedFilesReadUnlessEncrypted)
 {
     auto bytes = recmantest::readBytes(recmantest::fixture("MBBSEMU.DAT"));
     bytes[7] = 0xFC; // version -4: an owner name is set
@@ -129,19 +129,26 @@ TEST(Robustness, OwnerProtectedButPlainOldFilesRead)
     ASSERT_EQ(file.open(dir / "owner.dat"), Status::Success) << file.lastMessage();
     EXPECT_TRUE(file.info().ownerProtected);
     EXPECT_EQ(file.info().recordCount, 4u);
+
+    // With its pages encrypted, the owner name is what is missing.
+    for (std::size_t i = 512; i < bytes.size(); ++i)
+        bytes[i] ^= (i % 2) ? 0x91 : 0xF7;
+    recmantest::writeBytes(dir / "encrypted.dat", bytes);
+    EXPECT_EQ(file.open(dir / "encrypted.dat"), Status::OwnerNameRequired);
+    EXPECT_NE(file.lastMessage().find("owner name"), std::string::npos) << file.lastMessage();
 }
 
 TEST(Robustness, ShadowCopiesAreChosenByUsageCount)
 {
     // GALTELA's current control record is copy B (usage 2). Swapping the usage
-    // counts makes the stale copy A current: it counts no records.
+    // counts makes the stale copy A current: its header counts no records.
     auto bytes = galtela();
     bytes::put32(bytes, 0x04, 3);
     recmantest::TempDir dir;
     recmantest::writeBytes(dir / "swap.dat", bytes);
     File file;
     ASSERT_EQ(file.open(dir / "swap.dat"), Status::Success) << file.lastMessage();
-    EXPECT_EQ(file.info().recordCount, 0u);
+    EXPECT_EQ(file.info().headerRecordCount, 0u);
     // A copy with usage 0 (never written) is not current, whatever else it holds.
     bytes = galtela();
     bytes::put32(bytes, 4096 + 0x04, 0);
@@ -149,7 +156,7 @@ TEST(Robustness, ShadowCopiesAreChosenByUsageCount)
     std::fill(bytes.begin() + 4096 + 8, bytes.begin() + 8192, 0);
     recmantest::writeBytes(dir / "zero.dat", bytes);
     ASSERT_EQ(file.open(dir / "zero.dat"), Status::Success) << file.lastMessage();
-    EXPECT_EQ(file.info().recordCount, 0u) << "copy A (the stale one) should have been used";
+    EXPECT_EQ(file.info().headerRecordCount, 0u) << "copy A (the stale one) should have been used";
 }
 
 TEST(Robustness, ImpossibleCountsDoNotAllocateOrLoop)

@@ -82,6 +82,7 @@ std::string factsLine(const recman::FileInfo &info)
     line.key("record_length").number(info.recordLength);
     line.key("physical_record_length").number(info.physicalRecordLength);
     line.key("record_count").number(info.recordCount);
+    line.key("header_record_count").number(info.headerRecordCount);
     line.key("variable").raw(info.variable ? "true" : "false");
     line.key("keys").open('[');
     for (const auto &key : info.keys)

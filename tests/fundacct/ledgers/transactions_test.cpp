@@ -1,5 +1,9 @@
 #include "ledgerfixture.h"
+#include "installationschema.h"
 #include "objectsummaryledgers.h"
+
+#include <QDir>
+#include <QFile>
 
 #include <set>
 
@@ -38,6 +42,10 @@ TEST_F(TransactionsTest, PostingAddsIntoTheMonthAndDeletingAReferenceTakesItOut)
     summary.AccountCode = QStringLiteral("A2110.450");
     ASSERT_EQ(summary.Retrieve(), 0);
     const Currency before = amount(summary.EncumPlaced[2]);
+    // Never Init'ed itself: the fiscal year's first month still comes from the parameters.
+    summary.TransDate = QStringLiteral("06");
+    EXPECT_EQ(summary.CalcBalance(), 0) << summary.ErrorMsg().toStdString();
+    EXPECT_EQ(summary.FirstFiscalMonth, 7);
 
     int first = 0;
     int second = 0;
@@ -331,3 +339,28 @@ TEST_F(TransactionsTest, CorrectFundDataRewritesWrongFundsFromTheMasks)
     ASSERT_EQ(transactions.CorrectFundData({}, corrected), 0);
     EXPECT_EQ(corrected, 0);
 }
+
+TEST_F(TransactionsTest, AnOldYearsFolderSharesTheInstallationsCountersAndOrganisation)
+{
+    // Before 2002 a year's own files lie in FUND\DATA\<year>; counters and
+    // the organisation record stay in FUND.
+    const QString year = root() + QStringLiteral("/FUND/DATA/1999");
+    ASSERT_TRUE(QDir().mkpath(year));
+    const QStringList perYear{QStringLiteral("Funds.btr"),  QStringLiteral("Checking.btr"), QStringLiteral("FundPara.btr"),
+                              QStringLiteral("SumRev.btr"), QStringLiteral("SumExp.btr"),   QStringLiteral("SumGen.btr"),
+                              QStringLiteral("DetTrans.btr")};
+    for (const FundTableSpec &spec : installationTables())
+        if (perYear.contains(spec.fileName, Qt::CaseInsensitive))
+            ASSERT_TRUE(QFile::copy(root() + QStringLiteral("/FUND/") + spec.fileName, year + u'/' + spec.fileName));
+
+    classObjectTransactions transactions;
+    ASSERT_EQ(transactions.Init(root(), fund() + QStringLiteral("\\DATA\\1999")), 0)
+        << transactions.ErrorMsg().toStdString();
+    int id = 0;
+    ASSERT_EQ(transactions.GetUniqueDetailID(id), 0) << transactions.ErrorMsg().toStdString();
+    EXPECT_EQ(static_cast<std::int64_t>(id), transactions.DataControl()->TotalRecords() + 1);
+    int corrected = -1;
+    EXPECT_EQ(transactions.CorrectFundData({}, corrected), 0) << transactions.ErrorMsg().toStdString();
+    EXPECT_EQ(corrected, 0);
+}
+

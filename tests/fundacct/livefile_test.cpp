@@ -1,0 +1,253 @@
+// Kora-Fund files used while Kora-Fund works on them: a header count that
+// disagrees is reported and logged but every record is read, and a record
+// another program changed after we read it is never overwritten.
+#include "dataaccesscontrol.h"
+#include "errobject.h"
+#include "fundfieldvalue.h"
+#include "installationschema.h"
+#include "objectsysparams.h"
+#include "sampleinstallation.h"
+
+#include "bytes.h"
+#include "file.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+class LiveFileTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        QString message;
+        ASSERT_EQ(createSampleInstallation(folder.path(), smallSampleDistrict(), {}, message), 0)
+            << message.toStdString();
+        clsErrObject::setLogFilePath(folder.filePath(QStringLiteral("Err.txt")));
+    }
+    void TearDown() override { clsErrObject::setLogFilePath(QString()); }
+
+    QString root() const { return folder.path(); }
+    QString dataFile(const QString &name) const { return folder.filePath(QStringLiteral("FUND/") + name); }
+    QByteArray bytesOf(const QString &name) const
+    {
+        QFile file(dataFile(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    // Sets the record count in both control record copies of a 6.x file.
+    void setHeaderCount(const QString &name, std::uint32_t count) const
+    {
+        QByteArray bytes = bytesOf(name);
+        const auto pageSize = recman::bytes::u16(recman::Bytes(reinterpret_cast<const std::uint8_t *>(bytes.data()),
+                                                               static_cast<std::size_t>(bytes.size())),
+                                                 0x08);
+        for (std::size_t copy = 0; copy < 2; ++copy)
+            recman::bytes::putWs32(
+                recman::MutableBytes(reinterpret_cast<std::uint8_t *>(bytes.data()), static_cast<std::size_t>(bytes.size())),
+                copy * pageSize + 0x1A, count);
+        QFile file(dataFile(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(bytes);
+    }
+    int open(DataAccessControl &control, const QString &table) const
+    {
+        control.setDdfPath(root());
+        control.setFileName(table);
+        control.setLocation(QString());
+        return control.Open();
+    }
+    QString errorLog() const
+    {
+        QFile log(folder.filePath(QStringLiteral("Err.txt")));
+        return log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll()) : QString();
+    }
+
+    QTemporaryDir folder;
+};
+
+// As another program would: a separate process overwrites bytes in place.
+void overwriteFromAnotherProcess(const QString &path, qint64 offset, const QByteArray &bytes)
+{
+    const QByteArray native = QFile::encodeName(path);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const int fd = ::open(native.constData(), O_WRONLY);
+        const bool ok = fd >= 0 && ::pwrite(fd, bytes.constData(), static_cast<std::size_t>(bytes.size()), offset) ==
+                                       bytes.size();
+        ::_exit(ok ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
+TEST_F(LiveFileTest, AHeaderCountThatDisagreesIsReportedLoggedAndEveryRecordRead)
+{
+    DataAccessControl control;
+    ASSERT_EQ(open(control, QStringLiteral("Buildings")), 0);
+    const auto records = control.TotalRecords();
+    control.Close();
+    setHeaderCount(QStringLiteral("building.btr"), 1);
+
+    EXPECT_EQ(open(control, QStringLiteral("Buildings")), DataAccessControl::StatusRecordCountMismatch);
+    EXPECT_TRUE(control.Message().contains(QStringLiteral("counts 1 records but its data pages hold %1").arg(records)))
+        << control.Message().toStdString();
+    EXPECT_EQ(control.TotalRecords(), records);
+    int stepped = 0;
+    for (int status = control.StepFirst(); status == 0; status = control.StepNext())
+        ++stepped;
+    EXPECT_EQ(stepped, records);
+    EXPECT_TRUE(errorLog().contains(QStringLiteral("1005: ")));
+    EXPECT_TRUE(errorLog().contains(QStringLiteral("building.btr")));
+
+    // A record object opens such a file and works with it.
+    setHeaderCount(QStringLiteral("Params.btr"), 7);
+    classObjectSysParams organisation;
+    ASSERT_EQ(organisation.Init(root(), root() + QStringLiteral("\\FUND")), 0) << organisation.Message().toStdString();
+    EXPECT_EQ(organisation.Retrieve(), 0);
+    EXPECT_EQ(organisation.State, QStringLiteral("NY"));
+}
+
+TEST_F(LiveFileTest, ARecordChangedByAnotherProgramAfterOurReadIsNotOverwritten)
+{
+    DataAccessControl control;
+    ASSERT_EQ(open(control, QStringLiteral("Buildings")), 0);
+    control.setIndexNumber(0);
+    control.setFieldValue(QStringLiteral("Building ID"), QStringLiteral("01"));
+    ASSERT_EQ(control.GetEqual(), 0);
+    ASSERT_EQ(control.FieldValue(QStringLiteral("Name")).toString(), QStringLiteral("Lakeview Elementary"));
+
+    const QByteArray before = bytesOf(QStringLiteral("building.btr"));
+    const qint64 at = before.indexOf("Lakeview Elementary");
+    ASSERT_GE(at, 0);
+    ASSERT_EQ(before.indexOf("Lakeview Elementary", at + 1), -1);
+    overwriteFromAnotherProcess(dataFile(QStringLiteral("building.btr")), at, QByteArrayLiteral("Lakeview Academy   "));
+    const QByteArray theirs = bytesOf(QStringLiteral("building.btr"));
+
+    control.setFieldValue(QStringLiteral("Name"), QStringLiteral("Renamed"));
+    EXPECT_EQ(control.Update(), 80);
+    EXPECT_TRUE(control.Message().contains(QStringLiteral("changed by another user"))) << control.Message().toStdString();
+    EXPECT_EQ(bytesOf(QStringLiteral("building.btr")), theirs);
+}
+
+TEST_F(LiveFileTest, AFileAnotherProcessHoldsForWritingIsReadButNotWritten)
+{
+    const QString path = dataFile(QStringLiteral("building.btr"));
+    int ready[2];
+    int release[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    ASSERT_EQ(::pipe(release), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        recman::File holder;
+        const bool held = holder.open(QFile::encodeName(path).toStdString(), recman::OpenMode::ReadWrite) ==
+                          recman::Status::Success;
+        char byte = held ? 'y' : 'n';
+        (void)!::write(ready[1], &byte, 1);
+        (void)!::read(release[0], &byte, 1);
+        ::_exit(0);
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    ASSERT_EQ(byte, 'y');
+    const QByteArray before = bytesOf(QStringLiteral("building.btr"));
+
+    DataAccessControl control;
+    ASSERT_EQ(open(control, QStringLiteral("Buildings")), 0) << control.Message().toStdString();
+    control.setFieldValue(QStringLiteral("Building ID"), QStringLiteral("01"));
+    ASSERT_EQ(control.GetEqual(), 0);
+    control.setFieldValue(QStringLiteral("Name"), QStringLiteral("Renamed"));
+    EXPECT_EQ(control.Update(), 85);
+    EXPECT_TRUE(control.Message().contains(QStringLiteral("locked by another process")))
+        << control.Message().toStdString();
+    EXPECT_EQ(control.Insert(), 85);
+    EXPECT_EQ(control.Delete(), 85);
+    EXPECT_EQ(bytesOf(QStringLiteral("building.btr")), before);
+
+    (void)!::write(release[1], &byte, 1);
+    ::waitpid(child, nullptr, 0);
+    for (int fd : {ready[0], ready[1], release[0], release[1]})
+        ::close(fd);
+}
+
+TEST_F(LiveFileTest, FieldsTheDictionaryLacksAreNamedOnceAndTheRestStillWorks)
+{
+    // This installation names the fax field differently and has no report name.
+    std::vector<recman::TableDef> tables;
+    for (const FundTableSpec &spec : installationTables()) {
+        tables.push_back(spec.table);
+        if (spec.table.name != "SysParameters")
+            continue;
+        for (auto &field : tables.back().fields) {
+            if (field.name == "Fax Number")
+                field.name = "Fax";
+            if (field.name == "Report Name")
+                field.name = "Print Name";
+        }
+    }
+    std::string why;
+    ASSERT_EQ(recman::createDictionary(root().toStdString(), tables, why, fundCodePage()), recman::Status::Success)
+        << why;
+
+    classObjectSysParams organisation;
+    ASSERT_EQ(organisation.Init(root(), root() + QStringLiteral("\\FUND")), 0);
+    EXPECT_EQ(organisation.Message(),
+              QStringLiteral("the data dictionary's table \"SysParameters\" has no field \"Fax Number\"; left empty"));
+    EXPECT_EQ(errorLog().count(QStringLiteral("Fax Number")), 1);
+    EXPECT_FALSE(errorLog().contains(QStringLiteral("Report Name")));
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(organisation.Retrieve(), 0) << organisation.Message().toStdString();
+        EXPECT_EQ(organisation.State, QStringLiteral("NY"));
+        EXPECT_TRUE(organisation.Fax.isEmpty());
+    }
+    organisation.City = QStringLiteral("Lakeview Falls");
+    organisation.Fax = QStringLiteral("555-0100");
+    ASSERT_EQ(organisation.Update(), 0) << organisation.Message().toStdString();
+    organisation.Clear();
+    ASSERT_EQ(organisation.Retrieve(), 0);
+    EXPECT_EQ(organisation.City, QStringLiteral("Lakeview Falls"));
+    EXPECT_EQ(errorLog().count(QStringLiteral("Fax Number")), 1) << "named once, not per operation";
+}
+
+TEST(VariableLengthControl, SteppingAndBlocksKeepEveryRecordWhole)
+{
+    // The real variable-length file: an 8-byte fixed part, tails up to 1029 bytes.
+    QTemporaryDir folder;
+    const std::filesystem::path root = folder.path().toStdString();
+    std::filesystem::copy_file(std::filesystem::path(KORA_FIXTURES_DIR) / "recman" / "VARIABLE.DAT",
+                               root / "VARIABLE.DAT");
+    recman::TableDef table{"Variable", "VARIABLE.DAT", {}, {}, 0, 0};
+    table.fields = {{"Counter", recman::DataType::Integer, 0, 4, 0, 0},
+                    {"Key", recman::DataType::Integer, 4, 2, 0, 0},
+                    {"Other", recman::DataType::Integer, 6, 2, 0, 0}};
+    table.indexes = {{{{"Key"}}, true, true, false}};
+    std::string why;
+    ASSERT_EQ(recman::createDictionary(root, {table}, why), recman::Status::Success) << why;
+
+    DataAccessControl control;
+    control.setDdfPath(folder.path());
+    control.setFileName(QStringLiteral("Variable"));
+    ASSERT_EQ(control.Open(), 0) << control.Message().toStdString();
+    int stepped = 0;
+    for (int status = control.StepFirst(); status == 0; status = control.StepNext())
+        ++stepped;
+    EXPECT_EQ(stepped, 1024);
+    EXPECT_EQ(control.GetLast(), 0);
+    const QVariant lastKey = control.FieldValue(QStringLiteral("Key"));
+    control.clearRecord();
+    ASSERT_TRUE(control.setFieldValue(QStringLiteral("Key"), lastKey));
+    EXPECT_EQ(control.GetEqual(), 0);
+    control.setExtendedOps(true);
+    control.setSelectedFields(QStringLiteral("Key,Other"));
+    ASSERT_EQ(control.StepFirst(), 0);
+    EXPECT_EQ(control.GetNextExtended(), 0);
+    EXPECT_EQ(control.Rows(), 1024);
+}
+
+} // namespace

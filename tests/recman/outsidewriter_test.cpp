@@ -1,0 +1,103 @@
+// Another program writes the file while we have it open: its changes must
+// survive our updates, which either land beside them or are refused.
+#include "file.h"
+#include "oldformatfile.h"
+#include "recmantest.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using recman::File;
+using recman::OpenMode;
+using recman::Status;
+using recmantest::OldFile;
+using recmantest::oldRecord;
+
+namespace {
+
+// Writes bytes at an offset from a separate process, as another program would.
+void writeFromAnotherProcess(const std::filesystem::path &path, std::uint64_t offset, std::vector<std::uint8_t> bytes)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const int fd = ::open(path.c_str(), O_WRONLY);
+        const bool ok = fd >= 0 && ::pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(offset)) ==
+                                       static_cast<ssize_t>(bytes.size());
+        ::_exit(ok ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
+struct LiveOldFile {
+    recmantest::TempDir dir;
+    std::filesystem::path path = dir / "POSTINGS.DAT";
+    OldFile shape;
+    File file;
+    LiveOldFile()
+    {
+        shape.headerCount = 2;
+        shape.pages.push_back({0x8002, {oldRecord(1, 'a'), oldRecord(2, 'b')}});
+        recmantest::writeBytes(path, shape.bytes());
+        EXPECT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+        EXPECT_EQ(file.stepFirst(), Status::Success);
+    }
+};
+
+TEST(OutsideWriter, AChangeToTheSameRecordIsNeverOverwritten)
+{
+    LiveOldFile live;
+    std::vector<std::uint8_t> ours(live.file.record().begin(), live.file.record().end());
+    // The other program posts into bytes 12..15 of record 1; we change bytes 4..7.
+    writeFromAnotherProcess(live.path, live.shape.address(1, 0) + 12, {'P', 'O', 'S', 'T'});
+    const auto theirs = recmantest::readBytes(live.path);
+    std::fill_n(ours.begin() + 4, 4, std::uint8_t{'Z'});
+    EXPECT_EQ(live.file.update(ours), Status::Conflict);
+    EXPECT_NE(live.file.lastMessage().find("changed by another user"), std::string::npos);
+    EXPECT_EQ(recmantest::readBytes(live.path), theirs) << "a refused update changed the file";
+}
+
+TEST(OutsideWriter, AChangeToAnotherRecordOnThePageSurvivesOurUpdate)
+{
+    LiveOldFile live;
+    std::vector<std::uint8_t> ours(live.file.record().begin(), live.file.record().end());
+    writeFromAnotherProcess(live.path, live.shape.address(1, 1) + 12, {'P', 'O', 'S', 'T'});
+    std::fill_n(ours.begin() + 4, 4, std::uint8_t{'Z'});
+    ASSERT_EQ(live.file.update(ours), Status::Success) << live.file.lastMessage();
+    live.file.close();
+    File reread;
+    ASSERT_EQ(reread.open(live.path), Status::Success);
+    ASSERT_EQ(reread.stepFirst(), Status::Success);
+    EXPECT_EQ(std::vector<std::uint8_t>(reread.record().begin(), reread.record().end()), ours);
+    ASSERT_EQ(reread.stepNext(), Status::Success);
+    auto expected = oldRecord(2, 'b');
+    std::copy_n("POST", 4, expected.begin() + 12);
+    EXPECT_EQ(std::vector<std::uint8_t>(reread.record().begin(), reread.record().end()), expected);
+}
+
+TEST(OutsideWriter, SixXFilesAreCheckedOnTheirCurrentPage)
+{
+    recmantest::TempDir dir;
+    const auto path = dir / "GALTELA.DAT";
+    std::filesystem::copy_file(recmantest::fixture("GALTELA.DAT"), path);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+    ASSERT_EQ(file.stepFirst(), Status::Success);
+    std::vector<std::uint8_t> ours(file.record().begin(), file.record().end());
+    // Find the record where it lies on disk and change one of its bytes there.
+    const auto before = recmantest::readBytes(path);
+    const auto at = std::search(before.begin(), before.end(), ours.begin(), ours.end());
+    ASSERT_NE(at, before.end());
+    writeFromAnotherProcess(path, static_cast<std::uint64_t>(at - before.begin()) + 600, {'X'});
+    const auto theirs = recmantest::readBytes(path);
+    ours[500] = 'Z';
+    EXPECT_EQ(file.update(ours), Status::Conflict);
+    EXPECT_EQ(recmantest::readBytes(path), theirs);
+}
+
+} // namespace
