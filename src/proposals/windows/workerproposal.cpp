@@ -6,7 +6,7 @@
 #include "classtoolbar.h"
 #include "dialogstatus.h"
 #include "gridlistcolumn.h"
-#include "gridrows.h"
+#include "gridtwins.h"
 #include "messageservice.h"
 #include "proposalcreation.h"
 #include "proposallist.h"
@@ -89,19 +89,19 @@ void workerProposal::FormBuild(classDialog &dialog)
     name.editable = true;
     name.maxLength = 35;
     grid.AddColumn(QStringLiteral("Name"), QStringLiteral("Description"), name);
-    addTwinColumn(grid, QStringLiteral("Name"));
+    grid.AddTwinColumn(QStringLiteral("Name"));
     GridColumnOptions status;
     status.widthTwips = 1500;
     status.editable = true;
     grid.AddColumn(QStringLiteral("Status"), QStringLiteral("Status"), status);
     setListColumn(grid, QStringLiteral("Status"), {openText, closeText});
-    addTwinColumn(grid, QStringLiteral("Status"));
+    grid.AddTwinColumn(QStringLiteral("Status"));
     GridColumnOptions active;
     active.widthTwips = 1800;
     active.editable = true;
     active.type = GridColumnType::Check;
     grid.AddColumn(QStringLiteral("Active"), QStringLiteral("Active Proposal"), active);
-    addTwinColumn(grid, QStringLiteral("Active"));
+    grid.AddTwinColumn(QStringLiteral("Active"));
 
     addStatusBar(dialog);
 }
@@ -127,8 +127,7 @@ void workerProposal::LoadData(classDialog &dialog)
         grid.SetCell(row, QStringLiteral("Name"), proposal.Name);
         grid.SetCell(row, QStringLiteral("Status"), shownStatus(proposal.Status));
         grid.SetCell(row, QStringLiteral("Active"), proposal.Active);
-        for (const QString &key : editedKeys)
-            keepAsLoaded(grid, row, key);
+        keepAsLoaded(grid, row);
     }
     setStatusText(dialog, QStringLiteral("Finished Loading Data"));
 }
@@ -183,7 +182,7 @@ bool workerProposal::SaveData(classDialog &dialog)
 {
     classGrid &grid = gridOf(dialog);
     setStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
-    const SaveResult result = saveChangedRows(store_, grid, editedKeys, [&](int row) {
+    const SaveResult result = saveChangedRows(store_, grid, [&](int row) {
         clsProposalItem &item = store_.ProposalItem();
         item.ID = grid.GetItemValue(row, QStringLiteral("ID"));
         item.Name = grid.GetItemValue(row, QStringLiteral("Name"));

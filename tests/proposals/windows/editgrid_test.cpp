@@ -190,8 +190,8 @@ TEST_P(EditGridTest, SavesChangedRowsOnlyComponentsWithoutTheirTotalAndInsertsMi
     ASSERT_TRUE(type("A100.4", "CatC", "12.5"));
     // Another figure changed behind the grid on a row the user left alone: not written back.
     exec(QString("Update ProposalBudget set CatAProposal = 7 where AcctId = %1").arg(both));
-    EXPECT_TRUE(worker->RowChanged(row("A100.2")));
-    EXPECT_FALSE(worker->RowChanged(row("A100.1")));
+    EXPECT_TRUE(grid().RowChanged(row("A100.2")));
+    EXPECT_FALSE(grid().RowChanged(row("A100.1")));
 
     EXPECT_TRUE(dialog->Save());
     EXPECT_TRUE(shown->shown().empty());
@@ -199,7 +199,7 @@ TEST_P(EditGridTest, SavesChangedRowsOnlyComponentsWithoutTheirTotalAndInsertsMi
     EXPECT_EQ(stored(programOnly), "70,50,75,0");
     EXPECT_EQ(stored(missing), "0,0,0,12.5");
     EXPECT_EQ(stored(both), "30,7,20,0");
-    EXPECT_FALSE(worker->RowChanged(row("A100.2")));
+    EXPECT_FALSE(grid().RowChanged(row("A100.2")));
 
     // Nothing changed: nothing written, and the save still succeeds.
     exec(QString("Update ProposalBudget set CatPProposal = 1 where AcctId = %1").arg(programOnly));
@@ -233,7 +233,7 @@ TEST_P(EditGridTest, AFailedRowRollsBackTheWholeSaveAndKeepsTheEdits)
     EXPECT_EQ(rows(QString("select AcctId from ProposalBudget where AcctId = %1").arg(missing)), "");
     EXPECT_FALSE(db()->inTransaction());
     for (const char *code : {"A100.1", "A100.2", "A100.4"})
-        EXPECT_TRUE(worker->RowChanged(row(code))) << code;
+        EXPECT_TRUE(grid().RowChanged(row(code))) << code;
     EXPECT_EQ(amount("A100.2", "CatP"), "75");
 }
 
@@ -289,7 +289,7 @@ TEST_P(EditGridTest, LineItemsGetTheCurrentAccountAndTheRowFollowsWhatTheyForwar
     EXPECT_FALSE(asked[0].catC);
     EXPECT_EQ(amount("A100.2", "CatP"), "90");
     EXPECT_EQ(amount("A100.2", "Amount"), "90");
-    EXPECT_FALSE(worker->RowChanged(row("A100.2"))) << "what the line items saved is not saved again";
+    EXPECT_FALSE(grid().RowChanged(row("A100.2"))) << "what the line items saved is not saved again";
     EXPECT_EQ(amount("A100.1", "CatA"), "4") << "other rows keep their edits";
 }
 
@@ -327,7 +327,7 @@ TEST_P(EditGridTest, AnotherWorkstationsSaveIsNeverOverwrittenSilently)
     EXPECT_FALSE(dialog->Save()) << "the window stays open to show what was reloaded";
     EXPECT_EQ(amount("A100.1", "CatP"), "21");
     EXPECT_EQ(amount("A100.1", "Amount"), "31");
-    EXPECT_FALSE(worker->RowChanged(row("A100.1")));
+    EXPECT_FALSE(grid().RowChanged(row("A100.1")));
     EXPECT_EQ(stored(programOnly), "70,50,72,0");
 
     // Overwrite: asked again after a new save elsewhere, and this grid's figure wins.
@@ -353,7 +353,7 @@ TEST_P(EditGridTest, AccountEditingSetsFlagsCodesAndProjectedAmount)
 
     // A flag alone marks the row changed: this is where an account joins a component.
     grid().SetCell(r, "CatC", true);
-    EXPECT_TRUE(worker->RowChanged(r));
+    EXPECT_TRUE(grid().RowChanged(r));
     grid().SetCell(row("A100.3"), "StateCode", QString("A2110.12"));
     grid().SetCell(row("A100.1"), "Amount", *Currency::parse("1500.75"));
     EXPECT_TRUE(dialog->Save());
@@ -396,7 +396,7 @@ TEST_P(EditGridServerTest, AServerStoppedMidSaveLosesNoEdit)
     EXPECT_TRUE(shown->shown()[0].message.text.startsWith("Cannot Update Account Code: A100.2. ("));
     EXPECT_EQ(amount("A100.1", "CatA"), "11");
     EXPECT_EQ(amount("A100.2", "CatP"), "75");
-    EXPECT_TRUE(worker->RowChanged(row("A100.1")));
+    EXPECT_TRUE(grid().RowChanged(row("A100.1")));
 
     clsAdoConnection after;
     after.configure(database().config());

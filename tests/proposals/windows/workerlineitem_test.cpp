@@ -1,7 +1,6 @@
 #include "proposalwindowtest.h"
 
 #include "adoconnection.h"
-#include "gridrows.h"
 #include "workerlineitem.h"
 
 namespace {
@@ -97,7 +96,7 @@ TEST_P(LineItemTest, SaveUpdatesChangedLinesAddsNewOnesAndLeavesTheRest)
     // Line 2 was not rewritten: its trailing blanks would have been trimmed.
     EXPECT_EQ(storedLines(), "1,Teachers,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5");
     EXPECT_EQ(shownLines(), "1,Teachers,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5") << "reloaded by number";
-    EXPECT_FALSE(rowDiffers(grid(), 4, {"LineItemText", "Amount"})) << "the saved values are the loaded ones now";
+    EXPECT_FALSE(grid().RowChanged(4)) << "the saved values are the loaded ones now";
 }
 
 TEST_P(LineItemTest, DeletingKeepsTheOtherNumbersAndNewLinesNeverReuseThem)
@@ -222,7 +221,7 @@ TEST_P(LineItemTest, LeavingWithUnsavedEditsAsksFirst)
     ASSERT_EQ(recorder->shown().size(), 1u);
     const MessageRequest &question = recorder->shown()[0].message;
     EXPECT_EQ(question.title, "Discard Changes");
-    EXPECT_EQ(question.text, "Changing your ledger will discard any changes you made to your current ledger?\n"
+    EXPECT_EQ(question.text, "Changing your ledger will discard any changes you made to your current ledger?\r"
                              "Do you want to continue?");
     EXPECT_EQ(question.defaultAnswer, MsgAnswer::No);
     EXPECT_NE(dialog->CloseAction(), classDialog::ClosedByWorker) << "No keeps the window and its edits";
