@@ -141,6 +141,8 @@ void workerEditGrid::FormBuild(classDialog &dialog)
         dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblNoComponent")).Move(200, 6980, 13500);
     }
     addStatusBar(dialog);
+    // Escape, the close box and Cancel ask before edits are dropped.
+    dialog.SetCloseAction(QStringLiteral("cmdClose"));
     buildColumns();
 
     classGrid &grid = Grid();
@@ -393,12 +395,14 @@ std::vector<int> workerEditGrid::changedRows() const
     return rows;
 }
 
-void workerEditGrid::UserAction(classDialog &, const QString &name)
+void workerEditGrid::UserAction(classDialog &dialog, const QString &name)
 {
     if (name == fundsList || name == ledgersList)
         switchLedger();
     else if (name == QLatin1String("tlbLnItem"))
         openLineItems();
+    else if (name == QLatin1String("cmdClose") && mayDiscardChanges(dialog, Grid()))
+        dialog.CloseDialog();
 }
 
 void workerEditGrid::switchLedger()

@@ -56,6 +56,8 @@ void workerLineItem::FormBuild(classDialog &dialog)
     dialog.SetSize(7800, 4300);
     dialog.SetCaption(caption());
     dialog.ShowStandardButtons(false);
+    // Escape and the close box ask before edits are dropped, as Close does.
+    dialog.SetCloseAction(QStringLiteral("cmdClose"));
 
     classToolbar &toolbar = dialog.AddControl(DialogControlKind::Toolbar, QStringLiteral("tbrLineItem")).Toolbar();
     toolbar.AddButton(QStringLiteral("tlbAdd"), QString(), QString(), QStringLiteral("Add New Line"),

@@ -14,6 +14,8 @@
 #include "classgrid.h"
 #include "workereditgrid.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QTableView>
 
 #include <memory>
@@ -263,6 +265,29 @@ TEST_P(EditGridTest, SwitchingLedgerAsksBeforeDiscardingEdits)
     pick("cboFunds", "C");
     EXPECT_EQ(worker->FundID(), "C");
     EXPECT_EQ(grid().CountRows(), 0) << "the lunch fund has no revenue account";
+}
+
+TEST_P(EditGridTest, LeavingWithUnsavedEditsAsksFirst)
+{
+    open("A", "E");
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(dialog.get(), &escape);
+    EXPECT_TRUE(shown->shown().empty()) << "nothing changed, nothing asked";
+    EXPECT_EQ(dialog->CloseAction(), classDialog::ClosedByWorker);
+
+    open("A", "E");
+    ASSERT_TRUE(type("A100.1", "CatA", "15"));
+    dialog->show();
+    dialog->close();
+    ASSERT_EQ(shown->shown().size(), 1u);
+    EXPECT_EQ(shown->shown()[0].message.title, "Discard Changes");
+    EXPECT_TRUE(dialog->isVisible()) << "No keeps the window and its edits";
+    EXPECT_EQ(amount("A100.1", "CatA"), "15");
+    shown->answer(MsgAnswer::Yes);
+    QApplication::sendEvent(dialog.get(), &escape);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->CloseAction(), classDialog::ClosedByWorker);
+    EXPECT_EQ(stored(both), "30,10,20,0") << "closing saves nothing";
 }
 
 TEST_P(EditGridTest, LineItemsGetTheCurrentAccountAndTheRowFollowsWhatTheyForwarded)

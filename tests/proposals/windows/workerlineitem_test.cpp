@@ -3,6 +3,8 @@
 #include "adoconnection.h"
 #include "workerlineitem.h"
 
+#include <QKeyEvent>
+
 namespace {
 
 class LineItemTest : public WindowTest {
@@ -225,8 +227,19 @@ TEST_P(LineItemTest, LeavingWithUnsavedEditsAsksFirst)
                              "Do you want to continue?");
     EXPECT_EQ(question.defaultAnswer, MsgAnswer::No);
     EXPECT_NE(dialog->CloseAction(), classDialog::ClosedByWorker) << "No keeps the window and its edits";
+    // Escape and the close box ask as Close does.
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(dialog.get(), &escape);
+    dialog->show();
+    dialog->close();
+    ASSERT_EQ(recorder->shown().size(), 3u);
+    EXPECT_EQ(recorder->shown()[1].message.title, "Discard Changes");
+    EXPECT_EQ(recorder->shown()[2].message.title, "Discard Changes");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_NE(dialog->CloseAction(), classDialog::ClosedByWorker);
     recorder->answer(MsgAnswer::Yes);
-    press(*dialog, "cmdClose");
+    dialog->close();
+    EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(dialog->CloseAction(), classDialog::ClosedByWorker);
     EXPECT_EQ(storedLines(), "1,Teacher,1000.5|2,Aide  ,200|3,Books,99.25");
 }
