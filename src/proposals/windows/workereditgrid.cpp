@@ -263,14 +263,9 @@ void workerEditGrid::loadLedger()
         setStatusText(*dialog_, QStringLiteral("Loading Record  Key:") + QString::number(id));
     };
     if (proposedBudget()) {
-        budget_.ProposedBudgetItem() = proposalItem(0);
         std::vector<clsProposedBudgetItem> items;
-        if (!budget_.GetListNew(items)) {
-            message(QStringLiteral("Cannot read the proposed budget of fund %1, ledger %2. (%3)")
-                        .arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
-                    MsgIcon::Critical);
+        if (!readLedger(items, QStringLiteral("Cannot read the proposed budget of")))
             return;
-        }
         setStatusText(*dialog_, QStringLiteral("Loading Grid Data"));
         for (const clsProposedBudgetItem &item : items) {
             rowStatus(item.ID);
@@ -469,18 +464,25 @@ void workerEditGrid::showStored(int row, const Figures &figures)
     keepAsLoaded(grid, row);
 }
 
+bool workerEditGrid::readLedger(std::vector<clsProposedBudgetItem> &items, const QString &failure)
+{
+    budget_.ProposedBudgetItem() = proposalItem(0);
+    if (budget_.GetListNew(items))
+        return true;
+    message(
+        failure +
+            QStringLiteral(" fund %1, ledger %2. (%3)").arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
+        MsgIcon::Critical);
+    return false;
+}
+
 bool workerEditGrid::resolveConflicts(bool &reloaded)
 {
     const classGrid &grid = Grid();
     // One read of the whole ledger as stored now; an account without a row stands at zero, as when loaded.
-    budget_.ProposedBudgetItem() = proposalItem(0);
     std::vector<clsProposedBudgetItem> items;
-    if (!budget_.GetListNew(items)) {
-        message(QStringLiteral("Cannot check what is stored for fund %1, ledger %2. (%3)")
-                    .arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
-                MsgIcon::Critical);
+    if (!readLedger(items, QStringLiteral("Cannot check what is stored for")))
         return false;
-    }
     QHash<std::int32_t, const clsProposedBudgetItem *> byAccount;
     for (const clsProposedBudgetItem &item : items)
         byAccount.insert(item.ID, &item);

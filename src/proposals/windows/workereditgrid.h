@@ -98,6 +98,9 @@ private:
     // The row's figures as the proposal holds them now; false when it has no row (or cannot be read).
     bool storedFigures(int row, Figures &figures);
     void showStored(int row, const Figures &figures);
+    // The loaded fund and ledger's items in the current proposal as stored now;
+    // false after telling the user `failure` (" fund F, ledger L. (why)" follows).
+    bool readLedger(std::vector<clsProposedBudgetItem> &items, const QString &failure);
     // Shows the stored figures again on the changed rows whose stored figures
     // moved since loading, when the user chooses so (they are then no longer
     // changed); false when the user cancelled the save or the check could not
