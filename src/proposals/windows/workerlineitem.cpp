@@ -81,17 +81,13 @@ void workerLineItem::FormBuild(classDialog &dialog)
     grid.AddColumn(numberKey, QStringLiteral("Line Number"), number);
     GridColumnOptions text;
     text.widthTwips = 4000;
-    text.editable = true;
     text.maxLength = lineTextLength;
-    grid.AddColumn(textKey, QStringLiteral("Line Item Text"), text);
-    grid.AddTwinColumn(textKey);
+    addColumnWithTwin(grid, textKey, QStringLiteral("Line Item Text"), text);
     GridColumnOptions amount;
     amount.widthTwips = 1800;
-    amount.editable = true;
     amount.type = GridColumnType::Amount;
     amount.total = true;
-    grid.AddColumn(amountKey, QStringLiteral("Amount"), amount);
-    grid.AddTwinColumn(amountKey);
+    addColumnWithTwin(grid, amountKey, QStringLiteral("Amount"), amount);
     grid.ShowTotals(true);
 
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdSave"), QStringLiteral("Save"))

@@ -86,22 +86,16 @@ void workerProposal::FormBuild(classDialog &dialog)
     grid.AddColumn(QStringLiteral("ID"), QStringLiteral("Proposal"), id);
     GridColumnOptions name;
     name.widthTwips = 3200;
-    name.editable = true;
     name.maxLength = 35;
-    grid.AddColumn(QStringLiteral("Name"), QStringLiteral("Description"), name);
-    grid.AddTwinColumn(QStringLiteral("Name"));
+    addColumnWithTwin(grid, QStringLiteral("Name"), QStringLiteral("Description"), name);
     GridColumnOptions status;
     status.widthTwips = 1500;
-    status.editable = true;
-    grid.AddColumn(QStringLiteral("Status"), QStringLiteral("Status"), status);
+    addColumnWithTwin(grid, QStringLiteral("Status"), QStringLiteral("Status"), status);
     setListColumn(grid, QStringLiteral("Status"), {openText, closeText});
-    grid.AddTwinColumn(QStringLiteral("Status"));
     GridColumnOptions active;
     active.widthTwips = 1800;
-    active.editable = true;
     active.type = GridColumnType::Check;
-    grid.AddColumn(QStringLiteral("Active"), QStringLiteral("Active Proposal"), active);
-    grid.AddTwinColumn(QStringLiteral("Active"));
+    addColumnWithTwin(grid, QStringLiteral("Active"), QStringLiteral("Active Proposal"), active);
 
     addStatusBar(dialog);
 }
