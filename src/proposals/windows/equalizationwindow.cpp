@@ -157,9 +157,9 @@ void workerEqualization::UserAction(classDialog &dialog, const QString &name)
 
 bool workerEqualization::SaveData(classDialog &dialog)
 {
-    setStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
     classGrid &grid = dialog.Control(gridName).Grid();
-    const SaveResult result = saveChangedRows(store_, grid, [&](int row) { return UpdateDistricts(grid, row); });
+    const SaveResult result =
+        saveChangedRows(dialog, store_, grid, [&](int row) { return UpdateDistricts(grid, row); });
     if (result == SaveResult::TransactionFailed)
         messages().errorDialog({1, title, store_.Error().ErrorText(), false});
     return result == SaveResult::Saved;

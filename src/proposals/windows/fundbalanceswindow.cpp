@@ -113,9 +113,9 @@ void workerFundBalances::LoadData(classDialog &dialog)
 
 bool workerFundBalances::SaveData(classDialog &dialog)
 {
-    setStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
     classGrid &grid = dialog.Control(gridName).Grid();
-    const SaveResult result = saveChangedRows(store_, grid, [&](int row) { return UpdateFundBalance(grid, row); });
+    const SaveResult result =
+        saveChangedRows(dialog, store_, grid, [&](int row) { return UpdateFundBalance(grid, row); });
     if (result == SaveResult::TransactionFailed)
         messages().errorDialog({1, title, store_.Error().ErrorText(), false});
     return result == SaveResult::Saved;

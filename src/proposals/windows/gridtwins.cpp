@@ -1,6 +1,7 @@
 #include "gridtwins.h"
 
 #include "classgrid.h"
+#include "dialogstatus.h"
 #include "storebase.h"
 
 #include <vector>
@@ -26,7 +27,9 @@ void keepAsLoaded(classGrid &grid, int row)
     }
 }
 
-SaveResult saveChangedRows(StoreBase &store, classGrid &grid, const std::function<bool(int row)> &write)
+namespace {
+
+SaveResult writeChangedRows(StoreBase &store, classGrid &grid, const std::function<bool(int row)> &write)
 {
     if (!store.BeginTransaction())
         return SaveResult::TransactionFailed;
@@ -49,4 +52,15 @@ SaveResult saveChangedRows(StoreBase &store, classGrid &grid, const std::functio
     for (const int row : written)
         keepAsLoaded(grid, row);
     return SaveResult::Saved;
+}
+
+} // namespace
+
+SaveResult saveChangedRows(classDialog &dialog, StoreBase &store, classGrid &grid,
+                           const std::function<bool(int row)> &write)
+{
+    setStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
+    const SaveResult result = writeChangedRows(store, grid, write);
+    setStatusText(dialog, QString());
+    return result;
 }

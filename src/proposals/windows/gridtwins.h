@@ -7,6 +7,7 @@
 #include <functional>
 
 class StoreBase;
+class classDialog;
 class classGrid;
 
 // An editable grid keeps beside each editable column its twin (see
@@ -31,5 +32,7 @@ enum class SaveResult {
 // Writes each changed row through `write`, all in one transaction of `store`:
 // committed when every write succeeded, and the written rows then count as
 // loaded; rolled back at the first failure, leaving the store's error as the
-// write left it. Nothing changed writes nothing.
-SaveResult saveChangedRows(StoreBase &store, classGrid &grid, const std::function<bool(int row)> &write);
+// write left it. Nothing changed writes nothing. The dialog's status bar says
+// so while it runs.
+SaveResult saveChangedRows(classDialog &dialog, StoreBase &store, classGrid &grid,
+                           const std::function<bool(int row)> &write);

@@ -530,11 +530,11 @@ bool workerEditGrid::SaveData(classDialog &)
         return false;
     }
     // Rows whose stored figures the user took back are no longer changed and are not written.
-    const SaveResult result = saveChangedRows(
-        budget_, Grid(), [this](int row) { return proposedBudget() ? UpdateBudget(row) : UpdateAccount(row); });
+    const SaveResult result = saveChangedRows(*dialog_, budget_, Grid(), [this](int row) {
+        return proposedBudget() ? UpdateBudget(row) : UpdateAccount(row);
+    });
     if (result == SaveResult::TransactionFailed)
         message(QStringLiteral("Cannot save: ") + budget_.Error().ErrorText(), MsgIcon::Critical);
-    setStatusText(*dialog_, {});
     return result == SaveResult::Saved && !reloaded;
 }
 

@@ -148,9 +148,7 @@ void workerLineItem::UserAction(classDialog &dialog, const QString &name)
 
 bool workerLineItem::SaveData(classDialog &dialog)
 {
-    setStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
-    const SaveResult result = saveChangedRows(lines_, grid(), [this](int row) { return UpdateLineItem(row); });
-    setStatusText(dialog, QString());
+    const SaveResult result = saveChangedRows(dialog, lines_, grid(), [this](int row) { return UpdateLineItem(row); });
     if (result == SaveResult::TransactionFailed)
         messages().errorDialog({1, caption(), QStringLiteral("Cannot Save Data.") + lines_.Error().ErrorText(), false});
     if (result != SaveResult::Saved)

@@ -175,8 +175,7 @@ void workerProposal::UserAction(classDialog &dialog, const QString &name)
 bool workerProposal::SaveData(classDialog &dialog)
 {
     classGrid &grid = gridOf(dialog);
-    setStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
-    const SaveResult result = saveChangedRows(store_, grid, [&](int row) {
+    const SaveResult result = saveChangedRows(dialog, store_, grid, [&](int row) {
         clsProposalItem &item = store_.ProposalItem();
         item.ID = grid.GetItemValue(row, QStringLiteral("ID"));
         item.Name = grid.GetItemValue(row, QStringLiteral("Name"));
@@ -191,7 +190,6 @@ bool workerProposal::SaveData(classDialog &dialog)
         messages().errorDialog(
             {1, caption.trimmed(), QStringLiteral("Cannot Save Data.") + store_.Error().ErrorText(), false});
     }
-    setStatusText(dialog, QString());
     return result == SaveResult::Saved;
 }
 
