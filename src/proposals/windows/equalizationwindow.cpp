@@ -1,7 +1,7 @@
 #include "equalizationwindow.h"
 
-#include "changedrows.h"
-#include "statustext.h"
+#include "dialogstatus.h"
+#include "gridtwins.h"
 #include "yearlabel.h"
 
 #include "appglobals.h"
@@ -114,33 +114,34 @@ void workerEqualization::FormBuild(classDialog &dialog)
         addColumnWithTwin(grid, totalKey, QStringLiteral("Total Assessment"), amount);
         addColumnWithTwin(grid, taxableKey, QStringLiteral("Taxable Assessment"), amount);
     }
-    addStatusText(dialog);
+    addStatusBar(dialog);
 }
 
 void workerEqualization::LoadData(classDialog &dialog)
 {
-    showStatusText(dialog, QStringLiteral("Loading Records"));
+    setStatusText(dialog, QStringLiteral("Loading Records"));
     classGrid &grid = dialog.Control(gridName).Grid();
     grid.ResetRows(0);
-    showStatusText(dialog, QStringLiteral("Loading Data ..."));
+    setStatusText(dialog, QStringLiteral("Loading Data ..."));
     std::vector<clsEqualizationItem> districts;
     if (!store_.GetList(districts)) {
         messages().errorDialog({1, title, store_.Error().ErrorText(), false});
         return;
     }
-    showStatusText(dialog, QStringLiteral("Loading Grid Data"));
+    setStatusText(dialog, QStringLiteral("Loading Grid Data"));
     for (const clsEqualizationItem &district : districts) {
         const int row = grid.AddRow();
         grid.SetCell(row, idKey, QString::number(district.ID));
-        setLoaded(grid, row, districtKey, district.DistrickName.trimmed());
-        setLoaded(grid, row, currentRateKey, rateText(district.CurrentRate));
-        setLoaded(grid, row, currentTotalKey, district.CurrentTotalAssessment.toSqlText());
-        setLoaded(grid, row, currentTaxableKey, district.CurrentTaxableAssessment.toSqlText());
-        setLoaded(grid, row, previousRateKey, rateText(district.PriorRate));
-        setLoaded(grid, row, previousTotalKey, district.PriorTotalAssessment.toSqlText());
-        setLoaded(grid, row, previousTaxableKey, district.PriorTaxableAssessment.toSqlText());
+        grid.SetCell(row, districtKey, district.DistrickName.trimmed());
+        grid.SetCell(row, currentRateKey, rateText(district.CurrentRate));
+        grid.SetCell(row, currentTotalKey, district.CurrentTotalAssessment.toSqlText());
+        grid.SetCell(row, currentTaxableKey, district.CurrentTaxableAssessment.toSqlText());
+        grid.SetCell(row, previousRateKey, rateText(district.PriorRate));
+        grid.SetCell(row, previousTotalKey, district.PriorTotalAssessment.toSqlText());
+        grid.SetCell(row, previousTaxableKey, district.PriorTaxableAssessment.toSqlText());
+        keepAsLoaded(grid, row);
     }
-    showStatusText(dialog, QStringLiteral("Finished Loading Data"));
+    setStatusText(dialog, QStringLiteral("Finished Loading Data"));
 }
 
 void workerEqualization::UserAction(classDialog &dialog, const QString &name)
@@ -156,9 +157,12 @@ void workerEqualization::UserAction(classDialog &dialog, const QString &name)
 
 bool workerEqualization::SaveData(classDialog &dialog)
 {
-    showStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
-    const classGrid &grid = dialog.Control(gridName).Grid();
-    return saveChangedRows(store_, grid, title, [&](int row) { return UpdateDistricts(grid, row); });
+    classGrid &grid = dialog.Control(gridName).Grid();
+    const SaveResult result =
+        saveChangedRows(dialog, store_, grid, [&](int row) { return UpdateDistricts(grid, row); });
+    if (result == SaveResult::TransactionFailed)
+        messages().errorDialog({1, title, store_.Error().ErrorText(), false});
+    return result == SaveResult::Saved;
 }
 
 bool workerEqualization::UpdateDistricts(const classGrid &grid, int row)
@@ -189,9 +193,8 @@ void workerEqualization::DeleteDistricts(classGrid &grid)
     if (row == 0)
         return;
     const QString name = grid.GetItemValue(row, districtKey).trimmed();
-    const MsgAnswer sure =
-        messages().messageBox({title, QStringLiteral("Erase the district \"%1\"?").arg(name), MsgButtons::YesNo,
-                               MsgIcon::Question, MsgAnswer::No});
+    const MsgAnswer sure = messages().messageBox({title, QStringLiteral("Erase the district \"%1\"?").arg(name),
+                                                  MsgButtons::YesNo, MsgIcon::Question, MsgAnswer::No});
     if (sure != MsgAnswer::Yes)
         return;
     const int id = grid.GetItemValue(row, idKey).toInt();

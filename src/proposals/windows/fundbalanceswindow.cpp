@@ -1,7 +1,7 @@
 #include "fundbalanceswindow.h"
 
-#include "changedrows.h"
-#include "statustext.h"
+#include "dialogstatus.h"
+#include "gridtwins.h"
 #include "yearlabel.h"
 
 #include "appglobals.h"
@@ -51,8 +51,9 @@ void workerFundBalances::FormBuild(classDialog &dialog)
 {
     dialog.SetSize(6200, 5400);
     dialog.SetCaption(title);
-    dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblHeading"),
-                      QStringLiteral("The balance of each fund at the end of the year"))
+    dialog
+        .AddControl(DialogControlKind::Label, QStringLiteral("lblHeading"),
+                    QStringLiteral("The balance of each fund at the end of the year"))
         .Move(50, 350, 6000);
     classGrid &grid = dialog.AddControl(DialogControlKind::Grid, gridName).Grid();
     dialog.Control(gridName).Move(50, 800, 6000, 4400);
@@ -66,7 +67,7 @@ void workerFundBalances::FormBuild(classDialog &dialog)
     addColumnWithTwin(grid, currentKey, QStringLiteral("Current Balance"), amount);
     amount.caption2 = budgetYearLabel(previousBudgetYearId(gstrBudgetYearID), gbCalendarYear);
     addColumnWithTwin(grid, previousKey, QStringLiteral("Previous Balance"), amount);
-    addStatusText(dialog);
+    addStatusBar(dialog);
 }
 
 bool workerFundBalances::readBalances(std::vector<clsFundBalanceItem> &items)
@@ -92,28 +93,32 @@ bool workerFundBalances::readBalances(std::vector<clsFundBalanceItem> &items)
 
 void workerFundBalances::LoadData(classDialog &dialog)
 {
-    showStatusText(dialog, QStringLiteral("Loading Records"));
+    setStatusText(dialog, QStringLiteral("Loading Records"));
     classGrid &grid = dialog.Control(gridName).Grid();
     grid.ResetRows(0);
-    showStatusText(dialog, QStringLiteral("Loading Data ..."));
+    setStatusText(dialog, QStringLiteral("Loading Data ..."));
     std::vector<clsFundBalanceItem> items;
     if (!readBalances(items))
         return;
-    showStatusText(dialog, QStringLiteral("Loading Grid Data"));
+    setStatusText(dialog, QStringLiteral("Loading Grid Data"));
     for (const clsFundBalanceItem &item : items) {
         const int row = grid.AddRow();
         grid.SetCell(row, fundKey, item.Fund.trimmed());
-        setLoaded(grid, row, currentKey, item.CurrentYearBalance.toSqlText());
-        setLoaded(grid, row, previousKey, item.PreviousYearBalance.toSqlText());
+        grid.SetCell(row, currentKey, item.CurrentYearBalance.toSqlText());
+        grid.SetCell(row, previousKey, item.PreviousYearBalance.toSqlText());
+        keepAsLoaded(grid, row);
     }
-    showStatusText(dialog, QStringLiteral("Finished Loading Data"));
+    setStatusText(dialog, QStringLiteral("Finished Loading Data"));
 }
 
 bool workerFundBalances::SaveData(classDialog &dialog)
 {
-    showStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
-    const classGrid &grid = dialog.Control(gridName).Grid();
-    return saveChangedRows(store_, grid, title, [&](int row) { return UpdateFundBalance(grid, row); });
+    classGrid &grid = dialog.Control(gridName).Grid();
+    const SaveResult result =
+        saveChangedRows(dialog, store_, grid, [&](int row) { return UpdateFundBalance(grid, row); });
+    if (result == SaveResult::TransactionFailed)
+        messages().errorDialog({1, title, store_.Error().ErrorText(), false});
+    return result == SaveResult::Saved;
 }
 
 bool workerFundBalances::UpdateFundBalance(const classGrid &grid, int row)

@@ -1,13 +1,16 @@
 #include "workereditgrid.h"
 
 #include "componentsummary.h"
+#include "dialogstatus.h"
+#include "discardchanges.h"
 #include "gridentry.h"
+#include "gridtwins.h"
+#include "yearlabel.h"
 
 #include "appglobals.h"
 #include "classdialog.h"
 #include "classdropdown.h"
 #include "classgrid.h"
-#include "classstatusbar.h"
 #include "classtoolbar.h"
 
 #include <QApplication>
@@ -20,27 +23,11 @@ namespace {
 const QString fundsList = QStringLiteral("cboFunds");
 const QString ledgersList = QStringLiteral("cboLedgers");
 const QString gridName = QStringLiteral("AcctGrid");
-const QString statusPanel = QStringLiteral("Status");
 const QString components[] = {QStringLiteral("CatA"), QStringLiteral("CatP"), QStringLiteral("CatC")};
-
-QString twin(const QString &key)
-{
-    return QStringLiteral("Orig") + key;
-}
 
 bool sameText(const QString &a, const QString &b)
 {
     return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
-// A fiscal year is named by the year it ends in; a calendar-year district's label is the year itself.
-QString yearLabel(const QString &yearId)
-{
-    bool numeric = false;
-    const int year = yearId.trimmed().toInt(&numeric);
-    if (gbCalendarYear || !numeric)
-        return yearId;
-    return QStringLiteral("%1-%2").arg(year - 1).arg(year);
 }
 
 // A flag column keeps the text it holds while ticked; a newly ticked one gets its letter.
@@ -122,11 +109,6 @@ classGrid &workerEditGrid::Grid() const
     return dialog_->Control(gridName).Grid();
 }
 
-void workerEditGrid::status(const QString &text) const
-{
-    dialog_->Control(QStringLiteral("sbrStatus")).Statusbar().setPanelText(statusPanel, text);
-}
-
 QString workerEditGrid::selectedKey(const QString &list) const
 {
     return dialog_->Control(list).DropDown().GetSelectedByKey(list);
@@ -158,9 +140,9 @@ void workerEditGrid::FormBuild(classDialog &dialog)
         dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblComponents")).Move(200, 6650, 13500);
         dialog.AddControl(DialogControlKind::Label, QStringLiteral("lblNoComponent")).Move(200, 6980, 13500);
     }
-    dialog.AddControl(DialogControlKind::StatusBar, QStringLiteral("sbrStatus"))
-        .Statusbar()
-        .AddPanel(0, statusPanel, {}, {}, PanelAlignment::Left, PanelAutoSize::Spring);
+    addStatusBar(dialog);
+    // Escape, the close box and Cancel ask before edits are dropped.
+    dialog.SetCloseAction(QStringLiteral("cmdClose"));
     buildColumns();
 
     classGrid &grid = Grid();
@@ -182,12 +164,8 @@ void workerEditGrid::buildColumns()
         options.widthTwips = width;
         return options;
     };
-    const auto hidden = [](GridColumnType type) {
-        GridColumnOptions options;
-        options.type = type;
-        options.hidden = true;
-        return options;
-    };
+    GridColumnOptions hidden;
+    hidden.hidden = true;
     const auto text = [](QString caption2, int width, bool editable = false, int maxLength = 0) {
         GridColumnOptions options;
         options.caption2 = std::move(caption2);
@@ -196,23 +174,22 @@ void workerEditGrid::buildColumns()
         options.maxLength = maxLength;
         return options;
     };
-    grid.AddColumn(QStringLiteral("ID"), {}, hidden(GridColumnType::Text));
+    grid.AddColumn(QStringLiteral("ID"), {}, hidden);
     if (proposedBudget()) {
         grid.AddColumn(QStringLiteral("AcctCode"), QStringLiteral("Account "), text(QStringLiteral("Code"), 1900));
         grid.AddColumn(QStringLiteral("Description"), {}, text({}, 3000));
         grid.AddColumn(QStringLiteral("CurrentBudget"), QStringLiteral("Current Budget"),
-                       amount(yearLabel(gstrBudgetYearID), false, true));
-        grid.AddColumn(QStringLiteral("OrigCurrentBudget"), {}, hidden(GridColumnType::Amount));
+                       amount(budgetYearLabel(gstrBudgetYearID, gbCalendarYear), false, true));
         grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Proposed Budget "),
-                       amount(yearLabel(gstrProposedYearID), true, true, 1900));
+                       amount(budgetYearLabel(gstrProposedYearID, gbCalendarYear), true, true, 1900));
         grid.AddColumn(QStringLiteral("CatA"), QStringLiteral("Category"), amount(QStringLiteral("Admin"), true, true));
         grid.AddColumn(QStringLiteral("CatP"), QStringLiteral("Category"),
                        amount(QStringLiteral("Program"), true, true));
         grid.AddColumn(QStringLiteral("CatC"), QStringLiteral("Category"),
                        amount(QStringLiteral("Capital"), true, true));
         for (const QString &key : components)
-            grid.AddColumn(twin(key), {}, hidden(GridColumnType::Amount));
-        grid.AddColumn(QStringLiteral("OrigAmount"), {}, hidden(GridColumnType::Amount));
+            grid.AddTwinColumn(key);
+        grid.AddTwinColumn(QStringLiteral("Amount"));
     } else {
         grid.AddColumn(QStringLiteral("Description"), {}, text({}, 3000));
         grid.AddColumn(QStringLiteral("AcctCode"), QStringLiteral("Account Code"), text({}, 1900));
@@ -225,14 +202,14 @@ void workerEditGrid::buildColumns()
             grid.AddColumn(key, QStringLiteral("Category"), check);
         }
         for (const QString &key : components)
-            grid.AddColumn(twin(key), {}, hidden(GridColumnType::Check));
+            grid.AddTwinColumn(key);
         grid.AddColumn(QStringLiteral("StateCode"), QStringLiteral("State Code"), text({}, 1700, true, 20));
-        grid.AddColumn(QStringLiteral("OrigStateCode"), {}, hidden(GridColumnType::Text));
+        grid.AddTwinColumn(QStringLiteral("StateCode"));
         grid.AddColumn(QStringLiteral("HistCode"), QStringLiteral("Historical"),
                        text(QStringLiteral("Code"), 1100, true, 1));
-        grid.AddColumn(QStringLiteral("OrigHistCode"), {}, hidden(GridColumnType::Text));
+        grid.AddTwinColumn(QStringLiteral("HistCode"));
         grid.AddColumn(QStringLiteral("Amount"), QStringLiteral("Projected Amount"), amount({}, true, true, 2000));
-        grid.AddColumn(QStringLiteral("OrigAmount"), {}, hidden(GridColumnType::Amount));
+        grid.AddTwinColumn(QStringLiteral("Amount"));
     }
     grid.setGreenbar(true);
     grid.ShowTotals(true);
@@ -276,23 +253,20 @@ void workerEditGrid::applyLedgerLayout()
 void workerEditGrid::loadLedger()
 {
     classGrid &grid = Grid();
-    status(QStringLiteral("Loading Records"));
+    setStatusText(*dialog_, QStringLiteral("Loading Records"));
     loadedFund_ = selectedKey(fundsList);
     loadedLedger_ = selectedKey(ledgersList);
     grid.ResetRows(0);
     applyLedgerLayout();
-    status(QStringLiteral("Loading Data ..."));
-    const auto rowStatus = [this](qint64 id) { status(QStringLiteral("Loading Record  Key:") + QString::number(id)); };
+    setStatusText(*dialog_, QStringLiteral("Loading Data ..."));
+    const auto rowStatus = [this](qint64 id) {
+        setStatusText(*dialog_, QStringLiteral("Loading Record  Key:") + QString::number(id));
+    };
     if (proposedBudget()) {
-        budget_.ProposedBudgetItem() = proposalItem(0);
         std::vector<clsProposedBudgetItem> items;
-        if (!budget_.GetListNew(items)) {
-            message(QStringLiteral("Cannot read the proposed budget of fund %1, ledger %2. (%3)")
-                        .arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
-                    MsgIcon::Critical);
+        if (!readLedger(items, QStringLiteral("Cannot read the proposed budget of")))
             return;
-        }
-        status(QStringLiteral("Loading Grid Data"));
+        setStatusText(*dialog_, QStringLiteral("Loading Grid Data"));
         for (const clsProposedBudgetItem &item : items) {
             rowStatus(item.ID);
             AddGridRow(item);
@@ -309,7 +283,7 @@ void workerEditGrid::loadLedger()
         }
         std::sort(codes.begin(), codes.end(),
                   [](const clsAccountCode &a, const clsAccountCode &b) { return a.AccountCode() < b.AccountCode(); });
-        status(QStringLiteral("Loading Grid Data"));
+        setStatusText(*dialog_, QStringLiteral("Loading Grid Data"));
         for (const clsAccountCode &code : codes) {
             rowStatus(code.ID());
             AddGridRow(code);
@@ -317,7 +291,7 @@ void workerEditGrid::loadLedger()
     }
     grid.Refresh();
     showComponentSummary();
-    status(QStringLiteral("Finished Loading Data"));
+    setStatusText(*dialog_, QStringLiteral("Finished Loading Data"));
 }
 
 clsProposedBudgetItem workerEditGrid::proposalItem(std::int32_t accountId) const
@@ -350,17 +324,14 @@ void workerEditGrid::AddGridRow(const clsProposedBudgetItem &item)
     grid.SetCell(row, QStringLiteral("ID"), QString::number(item.ID));
     grid.SetCell(row, QStringLiteral("AcctCode"), item.AccountCode);
     grid.SetCell(row, QStringLiteral("Description"), item.AccountName);
-    for (const QString &key : {QStringLiteral("CurrentBudget"), QStringLiteral("OrigCurrentBudget")})
-        grid.SetCell(row, key, item.CurrentBudget);
+    grid.SetCell(row, QStringLiteral("CurrentBudget"), item.CurrentBudget);
     for (const QString &key :
          {QStringLiteral("AcctCode"), QStringLiteral("Description"), QStringLiteral("CurrentBudget")})
         grid.setCellLocked(row, key, true);
     const Currency parts[] = {item.ProposedCatA, item.ProposedCatP, item.ProposedCatC};
     const bool takesPart[] = {item.CatA, item.CatP, item.CatC};
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         grid.SetCell(row, components[i], parts[i]);
-        grid.SetCell(row, twin(components[i]), parts[i]);
-    }
     Currency amount = item.ProposedBudget;
     if (componentLedger()) {
         grid.setCellLocked(row, QStringLiteral("Amount"), true);
@@ -369,7 +340,7 @@ void workerEditGrid::AddGridRow(const clsProposedBudgetItem &item)
         amount = openComponents(row);
     }
     grid.SetCell(row, QStringLiteral("Amount"), amount);
-    grid.SetCell(row, QStringLiteral("OrigAmount"), amount);
+    keepAsLoaded(grid, row);
 }
 
 void workerEditGrid::AddGridRow(const clsAccountCode &code)
@@ -384,17 +355,12 @@ void workerEditGrid::AddGridRow(const clsAccountCode &code)
     grid.setCellLocked(row, QStringLiteral("Description"), true);
     grid.setCellLocked(row, QStringLiteral("AcctCode"), true);
     const QString flags[] = {code.CatAFlag(), code.CatPFlag(), code.CatCFlag()};
-    for (int i = 0; i < 3; ++i) {
-        const bool ticked = !flags[i].trimmed().isEmpty();
-        grid.SetCell(row, components[i], ticked);
-        grid.SetCell(row, twin(components[i]), ticked);
-    }
-    for (const QString &key : {QStringLiteral("StateCode"), QStringLiteral("OrigStateCode")})
-        grid.SetCell(row, key, code.StateCode());
-    for (const QString &key : {QStringLiteral("HistCode"), QStringLiteral("OrigHistCode")})
-        grid.SetCell(row, key, code.HistoricalCode());
-    for (const QString &key : {QStringLiteral("Amount"), QStringLiteral("OrigAmount")})
-        grid.SetCell(row, key, code.ProjectedAmount());
+    for (int i = 0; i < 3; ++i)
+        grid.SetCell(row, components[i], !flags[i].trimmed().isEmpty());
+    grid.SetCell(row, QStringLiteral("StateCode"), code.StateCode());
+    grid.SetCell(row, QStringLiteral("HistCode"), code.HistoricalCode());
+    grid.SetCell(row, QStringLiteral("Amount"), code.ProjectedAmount());
+    keepAsLoaded(grid, row);
 }
 
 void workerEditGrid::CellEdited(int row, const QString &key)
@@ -414,83 +380,36 @@ void workerEditGrid::showComponentSummary()
     dialog_->Control(QStringLiteral("lblNoComponent")).setCaption(summary.warning());
 }
 
-bool workerEditGrid::differs(int row, const QString &key) const
-{
-    const classGrid &grid = Grid();
-    if (grid.Column(key).Type() == GridColumnType::Amount)
-        return grid.GetAmount(row, key) != grid.GetAmount(row, twin(key));
-    return !sameText(grid.GetItemValue(row, key).trimmed(), grid.GetItemValue(row, twin(key)).trimmed());
-}
-
-bool workerEditGrid::RowChanged(int row) const
-{
-    if (differs(row, QStringLiteral("Amount")))
-        return true;
-    if (proposedBudget()) {
-        return componentLedger() && std::any_of(std::begin(components), std::end(components),
-                                                [&](const QString &k) { return differs(row, k); });
-    }
-    // The flags count too: this is where an account's components are set.
-    return differs(row, QStringLiteral("StateCode")) || differs(row, QStringLiteral("HistCode")) ||
-           std::any_of(std::begin(components), std::end(components), [&](const QString &k) { return differs(row, k); });
-}
-
 std::vector<int> workerEditGrid::changedRows() const
 {
     std::vector<int> rows;
     for (int row = 1; row <= Grid().CountRows(); ++row) {
-        if (RowChanged(row))
+        if (Grid().RowChanged(row))
             rows.push_back(row);
     }
     return rows;
 }
 
-bool workerEditGrid::anyChanged() const
-{
-    for (int row = 1; row <= Grid().CountRows(); ++row) {
-        status(QStringLiteral("Checking data changes ") + QString(1 + (row - 1) % 3, u'.'));
-        if (RowChanged(row))
-            return true;
-    }
-    return false;
-}
-
-void workerEditGrid::acceptRow(int row)
-{
-    classGrid &grid = Grid();
-    for (int c = 1; c <= grid.CountColumns(); ++c) {
-        const QString key = grid.ColumnKey(c);
-        if (!key.startsWith(QLatin1String("Orig")) && grid.ColumnVerify(twin(key)))
-            grid.SetCell(row, twin(key), grid.GetItemValue(row, key));
-    }
-}
-
-void workerEditGrid::UserAction(classDialog &, const QString &name)
+void workerEditGrid::UserAction(classDialog &dialog, const QString &name)
 {
     if (name == fundsList || name == ledgersList)
         switchLedger();
     else if (name == QLatin1String("tlbLnItem"))
         openLineItems();
+    else if (name == QLatin1String("cmdClose") && mayDiscardChanges(dialog, Grid()))
+        dialog.CloseDialog();
 }
 
 void workerEditGrid::switchLedger()
 {
     if (selectedKey(fundsList) == loadedFund_ && selectedKey(ledgersList) == loadedLedger_)
         return;
-    if (anyChanged()) {
-        const MsgAnswer answer = messages().messageBox(
-            {QStringLiteral("Discard Changes"),
-             QStringLiteral("Changing your ledger will discard any changes you made to your current ledger?") +
-                 QLatin1Char('\r') + QStringLiteral("Do you want to continue?"),
-             MsgButtons::YesNo, MsgIcon::Question, MsgAnswer::No});
-        if (answer != MsgAnswer::Yes) {
-            for (const auto &[list, key] : {std::pair{fundsList, loadedFund_}, std::pair{ledgersList, loadedLedger_}}) {
-                classDropDown &drop = dialog_->Control(list).DropDown();
-                drop.setListIndex(list, drop.KeyToIndex(list, key));
-            }
-            status({});
-            return;
+    if (!mayDiscardChanges(*dialog_, Grid())) {
+        for (const auto &[list, key] : {std::pair{fundsList, loadedFund_}, std::pair{ledgersList, loadedLedger_}}) {
+            classDropDown &drop = dialog_->Control(list).DropDown();
+            drop.setListIndex(list, drop.KeyToIndex(list, key));
         }
+        return;
     }
     loadLedger();
 }
@@ -544,36 +463,39 @@ void workerEditGrid::showStored(int row, const Figures &figures)
     classGrid &grid = Grid();
     if (componentLedger()) {
         const Currency parts[] = {figures.catA, figures.catP, figures.catC};
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < 3; ++i)
             grid.SetCell(row, components[i], parts[i]);
-            grid.SetCell(row, twin(components[i]), parts[i]);
-        }
-        const Currency amount = openComponents(row);
-        grid.SetCell(row, QStringLiteral("Amount"), amount);
-        grid.SetCell(row, QStringLiteral("OrigAmount"), amount);
-        return;
+        grid.SetCell(row, QStringLiteral("Amount"), openComponents(row));
+    } else {
+        grid.SetCell(row, QStringLiteral("Amount"), figures.total);
     }
-    grid.SetCell(row, QStringLiteral("Amount"), figures.total);
-    grid.SetCell(row, QStringLiteral("OrigAmount"), figures.total);
+    keepAsLoaded(grid, row);
 }
 
-bool workerEditGrid::resolveConflicts(std::vector<int> &rows, bool &reloaded)
+bool workerEditGrid::readLedger(std::vector<clsProposedBudgetItem> &items, const QString &failure)
+{
+    budget_.ProposedBudgetItem() = proposalItem(0);
+    if (budget_.GetListNew(items))
+        return true;
+    message(
+        failure +
+            QStringLiteral(" fund %1, ledger %2. (%3)").arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
+        MsgIcon::Critical);
+    return false;
+}
+
+bool workerEditGrid::resolveConflicts(bool &reloaded)
 {
     const classGrid &grid = Grid();
     // One read of the whole ledger as stored now; an account without a row stands at zero, as when loaded.
-    budget_.ProposedBudgetItem() = proposalItem(0);
     std::vector<clsProposedBudgetItem> items;
-    if (!budget_.GetListNew(items)) {
-        message(QStringLiteral("Cannot check what is stored for fund %1, ledger %2. (%3)")
-                    .arg(loadedFund_, loadedLedger_, budget_.Error().ErrorText()),
-                MsgIcon::Critical);
+    if (!readLedger(items, QStringLiteral("Cannot check what is stored for")))
         return false;
-    }
     QHash<std::int32_t, const clsProposedBudgetItem *> byAccount;
     for (const clsProposedBudgetItem &item : items)
         byAccount.insert(item.ID, &item);
     std::vector<std::pair<int, Figures>> conflicts;
-    for (const int row : rows) {
+    for (const int row : changedRows()) {
         Figures stored;
         if (const clsProposedBudgetItem *item = byAccount.value(grid.GetItemValue(row, QStringLiteral("ID")).toInt()))
             stored = {item->ProposedBudget, item->ProposedCatA, item->ProposedCatP, item->ProposedCatC};
@@ -599,10 +521,8 @@ bool workerEditGrid::resolveConflicts(std::vector<int> &rows, bool &reloaded)
     if (answer == MsgAnswer::Cancel)
         return false;
     if (answer == MsgAnswer::No) {
-        for (const auto &[row, stored] : conflicts) {
+        for (const auto &[row, stored] : conflicts)
             showStored(row, stored);
-            rows.erase(std::find(rows.begin(), rows.end(), row));
-        }
         showComponentSummary();
         reloaded = true;
     }
@@ -611,37 +531,19 @@ bool workerEditGrid::resolveConflicts(std::vector<int> &rows, bool &reloaded)
 
 bool workerEditGrid::SaveData(classDialog &)
 {
-    status(QStringLiteral("Updating Records. Please wait..."));
-    std::vector<int> rows = changedRows();
+    setStatusText(*dialog_, QStringLiteral("Updating Records. Please wait..."));
     bool reloaded = false;
-    if (proposedBudget() && !resolveConflicts(rows, reloaded)) {
-        status({});
+    if (proposedBudget() && !resolveConflicts(reloaded)) {
+        setStatusText(*dialog_, {});
         return false;
     }
-    if (!budget_.BeginTransaction()) {
+    // Rows whose stored figures the user took back are no longer changed and are not written.
+    const SaveResult result = saveChangedRows(*dialog_, budget_, Grid(), [this](int row) {
+        return proposedBudget() ? UpdateBudget(row) : UpdateAccount(row);
+    });
+    if (result == SaveResult::TransactionFailed)
         message(QStringLiteral("Cannot save: ") + budget_.Error().ErrorText(), MsgIcon::Critical);
-        status({});
-        return false;
-    }
-    bool written = true;
-    for (const int row : rows) {
-        written = proposedBudget() ? UpdateBudget(row) : UpdateAccount(row);
-        if (!written)
-            break;
-    }
-    if (written && !budget_.Endtransaction()) {
-        message(QStringLiteral("Cannot save: ") + budget_.Error().ErrorText(), MsgIcon::Critical);
-        written = false;
-    }
-    if (!written) {
-        budget_.AbortTransaction();
-        status({});
-        return false;
-    }
-    for (const int row : rows)
-        acceptRow(row);
-    status({});
-    return !reloaded;
+    return result == SaveResult::Saved && !reloaded;
 }
 
 bool workerEditGrid::UpdateBudget(int row)
@@ -684,10 +586,7 @@ bool workerEditGrid::UpdateAccount(int row)
     account.setStateCode(grid.GetItemValue(row, QStringLiteral("StateCode")));
     account.setHistoricalCode(grid.GetItemValue(row, QStringLiteral("HistCode")));
     account.setProjectedAmount(grid.GetAmount(row, QStringLiteral("Amount")));
-    const auto ticked = [&](const QString &key) {
-        const QString value = grid.GetItemValue(row, key).trimmed();
-        return !value.isEmpty() && value != u"0";
-    };
+    const auto ticked = [&](const QString &key) { return isChecked(grid, row, key); };
     account.setCatAFlag(flagText(account.CatAFlag(), ticked(QStringLiteral("CatA")), QStringLiteral("A")));
     account.setCatPFlag(flagText(account.CatPFlag(), ticked(QStringLiteral("CatP")), QStringLiteral("P")));
     account.setCatCFlag(flagText(account.CatCFlag(), ticked(QStringLiteral("CatC")), QStringLiteral("C")));

@@ -64,7 +64,6 @@ public:
 
     // What the dialog shows, for tests and benchmarks.
     classGrid &Grid() const;
-    bool RowChanged(int row) const;
     // Makes `row` carry the figures a component cell change gives it.
     void CellEdited(int row, const QString &key);
 
@@ -79,27 +78,27 @@ private:
     bool proposedBudget() const;
     bool componentLedger() const;
     QString title() const;
-    void status(const QString &text) const;
     QString selectedKey(const QString &list) const;
     void buildColumns();
     void applyLedgerLayout();
     void loadLedger();
-    bool anyChanged() const;
     void switchLedger();
     void openLineItems();
-    bool differs(int row, const QString &key) const;
     std::vector<int> changedRows() const;
     Currency openComponents(int row) const;
     // The store's item for an account of the loaded fund and ledger in the current proposal, amounts zero.
     clsProposedBudgetItem proposalItem(std::int32_t accountId) const;
-    void acceptRow(int row);
     // The row's figures as the proposal holds them now; false when it has no row (or cannot be read).
     bool storedFigures(int row, Figures &figures);
     void showStored(int row, const Figures &figures);
-    // Drops from `rows` those whose stored figures changed since loading and
-    // the user chose to reload; false when the user cancelled the save or the
-    // check could not be made.
-    bool resolveConflicts(std::vector<int> &rows, bool &reloaded);
+    // The loaded fund and ledger's items in the current proposal as stored now;
+    // false after telling the user `failure` (" fund F, ledger L. (why)" follows).
+    bool readLedger(std::vector<clsProposedBudgetItem> &items, const QString &failure);
+    // Shows the stored figures again on the changed rows whose stored figures
+    // moved since loading, when the user chooses so (they are then no longer
+    // changed); false when the user cancelled the save or the check could not
+    // be made.
+    bool resolveConflicts(bool &reloaded);
     void showComponentSummary();
     void message(const QString &text, MsgIcon icon) const;
 

@@ -5,7 +5,7 @@
 #include "classtoolbar.h"
 #include "dialogstatus.h"
 #include "discardchanges.h"
-#include "gridrows.h"
+#include "gridtwins.h"
 #include "messageservice.h"
 #include "proposedbudget.h"
 
@@ -17,7 +17,6 @@ const QString gridName = QStringLiteral("AcctGrid");
 const QString numberKey = QStringLiteral("LineItemNumber");
 const QString textKey = QStringLiteral("LineItemText");
 const QString amountKey = QStringLiteral("Amount");
-const QStringList editedKeys{textKey, amountKey};
 constexpr int lineTextLength = 60;
 
 } // namespace
@@ -57,6 +56,8 @@ void workerLineItem::FormBuild(classDialog &dialog)
     dialog.SetSize(7800, 4300);
     dialog.SetCaption(caption());
     dialog.ShowStandardButtons(false);
+    // Escape and the close box ask before edits are dropped, as Close does.
+    dialog.SetCloseAction(QStringLiteral("cmdClose"));
 
     classToolbar &toolbar = dialog.AddControl(DialogControlKind::Toolbar, QStringLiteral("tbrLineItem")).Toolbar();
     toolbar.AddButton(QStringLiteral("tlbAdd"), QString(), QString(), QStringLiteral("Add New Line"),
@@ -80,17 +81,13 @@ void workerLineItem::FormBuild(classDialog &dialog)
     grid.AddColumn(numberKey, QStringLiteral("Line Number"), number);
     GridColumnOptions text;
     text.widthTwips = 4000;
-    text.editable = true;
     text.maxLength = lineTextLength;
-    grid.AddColumn(textKey, QStringLiteral("Line Item Text"), text);
-    addTwinColumn(grid, textKey);
+    addColumnWithTwin(grid, textKey, QStringLiteral("Line Item Text"), text);
     GridColumnOptions amount;
     amount.widthTwips = 1800;
-    amount.editable = true;
     amount.type = GridColumnType::Amount;
     amount.total = true;
-    grid.AddColumn(amountKey, QStringLiteral("Amount"), amount);
-    addTwinColumn(grid, amountKey);
+    addColumnWithTwin(grid, amountKey, QStringLiteral("Amount"), amount);
     grid.ShowTotals(true);
 
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdSave"), QStringLiteral("Save"))
@@ -124,8 +121,7 @@ void workerLineItem::LoadData(classDialog &dialog)
         grid.SetCell(row, numberKey, QString::number(line.LineItemNumber));
         grid.SetCell(row, textKey, line.LineItemText);
         grid.SetCell(row, amountKey, line.LineItemAmount);
-        for (const QString &key : editedKeys)
-            keepAsLoaded(grid, row, key);
+        keepAsLoaded(grid, row);
         stored_.insert(line.LineItemNumber);
     }
     grid.RefreshTotals();
@@ -152,15 +148,12 @@ void workerLineItem::UserAction(classDialog &dialog, const QString &name)
 
 bool workerLineItem::SaveData(classDialog &dialog)
 {
-    setStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
-    const SaveResult result =
-        saveChangedRows(lines_, grid(), editedKeys, [this](int row) { return UpdateLineItem(row); });
-    setStatusText(dialog, QString());
+    const SaveResult result = saveChangedRows(dialog, lines_, grid(), [this](int row) { return UpdateLineItem(row); });
     if (result == SaveResult::TransactionFailed)
         messages().errorDialog({1, caption(), QStringLiteral("Cannot Save Data.") + lines_.Error().ErrorText(), false});
     if (result != SaveResult::Saved)
         return false;
-    dialog.Reload(); // the twins take the saved values
+    dialog.Reload(); // new lines count as stored now
     return true;
 }
 
@@ -277,6 +270,6 @@ void workerLineItem::forwardTotal()
 
 void workerLineItem::close(classDialog &dialog)
 {
-    if (mayDiscardChanges(dialog, grid(), editedKeys))
+    if (mayDiscardChanges(dialog, grid()))
         dialog.CloseDialog();
 }

@@ -6,7 +6,7 @@
 #include "classtoolbar.h"
 #include "dialogstatus.h"
 #include "gridlistcolumn.h"
-#include "gridrows.h"
+#include "gridtwins.h"
 #include "messageservice.h"
 #include "proposalcreation.h"
 #include "proposallist.h"
@@ -86,22 +86,16 @@ void workerProposal::FormBuild(classDialog &dialog)
     grid.AddColumn(QStringLiteral("ID"), QStringLiteral("Proposal"), id);
     GridColumnOptions name;
     name.widthTwips = 3200;
-    name.editable = true;
     name.maxLength = 35;
-    grid.AddColumn(QStringLiteral("Name"), QStringLiteral("Description"), name);
-    addTwinColumn(grid, QStringLiteral("Name"));
+    addColumnWithTwin(grid, QStringLiteral("Name"), QStringLiteral("Description"), name);
     GridColumnOptions status;
     status.widthTwips = 1500;
-    status.editable = true;
-    grid.AddColumn(QStringLiteral("Status"), QStringLiteral("Status"), status);
+    addColumnWithTwin(grid, QStringLiteral("Status"), QStringLiteral("Status"), status);
     setListColumn(grid, QStringLiteral("Status"), {openText, closeText});
-    addTwinColumn(grid, QStringLiteral("Status"));
     GridColumnOptions active;
     active.widthTwips = 1800;
-    active.editable = true;
     active.type = GridColumnType::Check;
-    grid.AddColumn(QStringLiteral("Active"), QStringLiteral("Active Proposal"), active);
-    addTwinColumn(grid, QStringLiteral("Active"));
+    addColumnWithTwin(grid, QStringLiteral("Active"), QStringLiteral("Active Proposal"), active);
 
     addStatusBar(dialog);
 }
@@ -127,8 +121,7 @@ void workerProposal::LoadData(classDialog &dialog)
         grid.SetCell(row, QStringLiteral("Name"), proposal.Name);
         grid.SetCell(row, QStringLiteral("Status"), shownStatus(proposal.Status));
         grid.SetCell(row, QStringLiteral("Active"), proposal.Active);
-        for (const QString &key : editedKeys)
-            keepAsLoaded(grid, row, key);
+        keepAsLoaded(grid, row);
     }
     setStatusText(dialog, QStringLiteral("Finished Loading Data"));
 }
@@ -182,8 +175,7 @@ void workerProposal::UserAction(classDialog &dialog, const QString &name)
 bool workerProposal::SaveData(classDialog &dialog)
 {
     classGrid &grid = gridOf(dialog);
-    setStatusText(dialog, QStringLiteral("Updating Records. Please wait..."));
-    const SaveResult result = saveChangedRows(store_, grid, editedKeys, [&](int row) {
+    const SaveResult result = saveChangedRows(dialog, store_, grid, [&](int row) {
         clsProposalItem &item = store_.ProposalItem();
         item.ID = grid.GetItemValue(row, QStringLiteral("ID"));
         item.Name = grid.GetItemValue(row, QStringLiteral("Name"));
@@ -198,7 +190,6 @@ bool workerProposal::SaveData(classDialog &dialog)
         messages().errorDialog(
             {1, caption.trimmed(), QStringLiteral("Cannot Save Data.") + store_.Error().ErrorText(), false});
     }
-    setStatusText(dialog, QString());
     return result == SaveResult::Saved;
 }
 

@@ -2,10 +2,9 @@
 // rules, saving (changed rows only, one transaction, rolled back on the first
 // failure), switching ledgers, the line-item hand-over, the check against
 // another workstation's save, and the account-editing display type.
-#include "../storetest.h"
+#include "proposalwindowtest.h"
+#include "refusedwrites.h"
 
-#include "guiapplication.h"
-#include "recordingmessages.h"
 #include "sampleinstallationfixture.h"
 
 #include "appglobals.h"
@@ -15,6 +14,7 @@
 #include "workereditgrid.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QTableView>
 #include <QTimer>
 
@@ -22,11 +22,10 @@
 
 namespace {
 
-class EditGridTest : public StoreTest {
+class EditGridTest : public WindowTest {
 protected:
     void prepare() override
     {
-        guiApplication();
         resetAppGlobals();
         gstrProposalID = "1";
         gstrBudgetYearID = "2025";
@@ -45,13 +44,6 @@ protected:
         figures(revenue, "500", "0", "0", "0");
         figures(lunch, "40", "0", "0", "0");
     }
-    void TearDown() override
-    {
-        dialog.reset();
-        worker.reset();
-        StoreTest::TearDown();
-    }
-
     void figures(qint64 id, const char *total, const char *a, const char *p, const char *c)
     {
         exec(QString("Insert into ProposalBudget (AcctId, ProposalID, ProposedBudget, CatAProposal, CatPProposal, "
@@ -68,18 +60,17 @@ protected:
 
     void open(const QString &fund, const QString &ledger, const QString &type = "PB")
     {
-        worker = std::make_unique<workerEditGrid>(db(), [](std::vector<FundEntry> &funds, QString &) {
+        auto made = std::make_unique<workerEditGrid>(db(), [](std::vector<FundEntry> &funds, QString &) {
             funds = {{"A", "General Fund"}, {"C", "School Lunch Fund"}};
             return true;
         });
-        worker->setDisplayType(type);
-        worker->setFundID(fund);
-        worker->setLedgerID(ledger);
-        ASSERT_TRUE(worker->Initialise());
-        dialog = std::make_unique<classDialog>(*worker);
-        dialog->Build(1);
+        made->setDisplayType(type);
+        made->setFundID(fund);
+        made->setLedgerID(ledger);
+        ASSERT_TRUE(made->Initialise());
+        showWindow(std::move(made));
     }
-    classGrid &grid() { return worker->Grid(); }
+    workerEditGrid &editor() { return static_cast<workerEditGrid &>(*worker); }
     int row(const QString &code)
     {
         for (int r = 1; r <= grid().CountRows(); ++r) {
@@ -90,14 +81,9 @@ protected:
         return 1;
     }
     QString amount(const QString &code, const QString &key) { return grid().GetAmount(row(code), key).toSqlText(); }
-    // A user's edit: through the view's model, as the cell editor commits it.
     bool type(const QString &code, const QString &key, const QString &value)
     {
-        QAbstractItemModel *model = grid().view()->model();
-        int column = 0;
-        while (grid().ColumnKey(column + 1) != key)
-            ++column;
-        return model->setData(model->index(row(code) - 1, column), value, Qt::EditRole);
+        return userEdits(grid(), row(code), key, value);
     }
     void pick(const QString &list, const QString &key)
     {
@@ -107,26 +93,7 @@ protected:
     }
     QString caption(const QString &name) { return dialog->Control(name).Caption(); }
 
-    // Makes the database refuse to update the proposal row of one account.
-    void refuseUpdatesOf(qint64 id)
-    {
-        if (GetParam() == testdb::Backend::PostgreSQL) {
-            exec(QString("CREATE FUNCTION refuse_row() RETURNS trigger AS $$ BEGIN IF OLD.acctid = %1 THEN RAISE "
-                         "EXCEPTION 'refused by the test'; END IF; RETURN NEW; END $$ LANGUAGE plpgsql")
-                     .arg(id));
-            exec("CREATE TRIGGER refuse_update BEFORE UPDATE ON ProposalBudget FOR EACH ROW EXECUTE FUNCTION "
-                 "refuse_row()");
-        } else {
-            exec(QString("CREATE TRIGGER refuse_update BEFORE UPDATE ON ProposalBudget WHEN OLD.AcctId = %1 BEGIN "
-                         "SELECT RAISE(ABORT, 'refused by the test'); END")
-                     .arg(id));
-        }
-    }
-
     qint64 both = 0, programOnly = 0, none = 0, missing = 0, revenue = 0, lunch = 0;
-    ScopedMessages shown;
-    std::unique_ptr<workerEditGrid> worker;
-    std::unique_ptr<classDialog> dialog;
 };
 
 TEST_P(EditGridTest, ShowsTheLedgerWithItsCaptionsYearsAndComponentRules)
@@ -192,16 +159,16 @@ TEST_P(EditGridTest, SavesChangedRowsOnlyComponentsWithoutTheirTotalAndInsertsMi
     ASSERT_TRUE(type("A100.4", "CatC", "12.5"));
     // Another figure changed behind the grid on a row the user left alone: not written back.
     exec(QString("Update ProposalBudget set CatAProposal = 7 where AcctId = %1").arg(both));
-    EXPECT_TRUE(worker->RowChanged(row("A100.2")));
-    EXPECT_FALSE(worker->RowChanged(row("A100.1")));
+    EXPECT_TRUE(grid().RowChanged(row("A100.2")));
+    EXPECT_FALSE(grid().RowChanged(row("A100.1")));
 
     EXPECT_TRUE(dialog->Save());
-    EXPECT_TRUE(shown->shown().empty());
+    EXPECT_TRUE(recorder->shown().empty());
     // The stored total stays as it was for these accounts; only the components are written.
     EXPECT_EQ(stored(programOnly), "70,50,75,0");
     EXPECT_EQ(stored(missing), "0,0,0,12.5");
     EXPECT_EQ(stored(both), "30,7,20,0");
-    EXPECT_FALSE(worker->RowChanged(row("A100.2")));
+    EXPECT_FALSE(grid().RowChanged(row("A100.2")));
 
     // Nothing changed: nothing written, and the save still succeeds.
     exec(QString("Update ProposalBudget set CatPProposal = 1 where AcctId = %1").arg(programOnly));
@@ -219,15 +186,15 @@ TEST_P(EditGridTest, SavesTheAmountOfOtherLedgers)
 
 TEST_P(EditGridTest, AFailedRowRollsBackTheWholeSaveAndKeepsTheEdits)
 {
-    refuseUpdatesOf(programOnly);
+    refuseWrites(*db(), "ProposalBudget", "UPDATE", QString("NEW.AcctId = %1").arg(programOnly));
     open("A", "E");
     ASSERT_TRUE(type("A100.1", "CatA", "11"));
     ASSERT_TRUE(type("A100.2", "CatP", "75"));
     ASSERT_TRUE(type("A100.4", "CatA", "3"));
 
     EXPECT_FALSE(dialog->Save());
-    ASSERT_EQ(shown->shown().size(), 1u);
-    const MessageRequest &box = shown->shown()[0].message;
+    ASSERT_EQ(recorder->shown().size(), 1u);
+    const MessageRequest &box = recorder->shown()[0].message;
     EXPECT_EQ(box.icon, MsgIcon::Critical);
     EXPECT_TRUE(box.text.startsWith("Cannot Update Account Code: A100.2. (")) << box.text.toStdString();
     EXPECT_TRUE(box.text.contains("refused by the test")) << box.text.toStdString();
@@ -235,7 +202,7 @@ TEST_P(EditGridTest, AFailedRowRollsBackTheWholeSaveAndKeepsTheEdits)
     EXPECT_EQ(rows(QString("select AcctId from ProposalBudget where AcctId = %1").arg(missing)), "");
     EXPECT_FALSE(db()->inTransaction());
     for (const char *code : {"A100.1", "A100.2", "A100.4"})
-        EXPECT_TRUE(worker->RowChanged(row(code))) << code;
+        EXPECT_TRUE(grid().RowChanged(row(code))) << code;
     EXPECT_EQ(amount("A100.2", "CatP"), "75");
 }
 
@@ -243,13 +210,13 @@ TEST_P(EditGridTest, SwitchingLedgerAsksBeforeDiscardingEdits)
 {
     open("A", "E");
     pick("cboLedgers", "R");
-    EXPECT_TRUE(shown->shown().empty()) << "nothing changed, nothing asked";
-    EXPECT_EQ(worker->LedgerID(), "R");
+    EXPECT_TRUE(recorder->shown().empty()) << "nothing changed, nothing asked";
+    EXPECT_EQ(editor().LedgerID(), "R");
 
     ASSERT_TRUE(type("A1001", "Amount", "9"));
     pick("cboFunds", "C");
-    ASSERT_EQ(shown->shown().size(), 1u);
-    const MessageRequest &box = shown->shown()[0].message;
+    ASSERT_EQ(recorder->shown().size(), 1u);
+    const MessageRequest &box = recorder->shown()[0].message;
     EXPECT_EQ(box.title, "Discard Changes");
     EXPECT_EQ(box.text, "Changing your ledger will discard any changes you made to your current ledger?\r"
                         "Do you want to continue?");
@@ -257,13 +224,13 @@ TEST_P(EditGridTest, SwitchingLedgerAsksBeforeDiscardingEdits)
     EXPECT_EQ(box.icon, MsgIcon::Question);
     EXPECT_EQ(box.defaultAnswer, MsgAnswer::No);
     // The default No keeps the ledger, its edit and the lists as they were.
-    EXPECT_EQ(worker->FundID(), "A");
+    EXPECT_EQ(editor().FundID(), "A");
     EXPECT_EQ(amount("A1001", "Amount"), "9");
     EXPECT_EQ(dialog->Control("cboFunds").DropDown().GetSelectedByKey("cboFunds"), "A");
 
-    shown->answer(MsgAnswer::Yes);
+    recorder->answer(MsgAnswer::Yes);
     pick("cboFunds", "C");
-    EXPECT_EQ(worker->FundID(), "C");
+    EXPECT_EQ(editor().FundID(), "C");
     EXPECT_EQ(grid().CountRows(), 0) << "the lunch fund has no revenue account";
 }
 
@@ -283,17 +250,40 @@ TEST_P(EditGridTest, TheLineItemButtonOpensTheLineItemWindowForTheCurrentAccount
     EXPECT_EQ(opened, "Line Item for Account Code - A100.2");
 }
 
+TEST_P(EditGridTest, LeavingWithUnsavedEditsAsksFirst)
+{
+    open("A", "E");
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(dialog.get(), &escape);
+    EXPECT_TRUE(recorder->shown().empty()) << "nothing changed, nothing asked";
+    EXPECT_EQ(dialog->CloseAction(), classDialog::ClosedByWorker);
+
+    open("A", "E");
+    ASSERT_TRUE(type("A100.1", "CatA", "15"));
+    dialog->show();
+    dialog->close();
+    ASSERT_EQ(recorder->shown().size(), 1u);
+    EXPECT_EQ(recorder->shown()[0].message.title, "Discard Changes");
+    EXPECT_TRUE(dialog->isVisible()) << "No keeps the window and its edits";
+    EXPECT_EQ(amount("A100.1", "CatA"), "15");
+    recorder->answer(MsgAnswer::Yes);
+    QApplication::sendEvent(dialog.get(), &escape);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->CloseAction(), classDialog::ClosedByWorker);
+    EXPECT_EQ(stored(both), "30,10,20,0") << "closing saves nothing";
+}
+
 TEST_P(EditGridTest, LineItemsGetTheCurrentAccountAndTheRowFollowsWhatTheyForwarded)
 {
     open("A", "E");
     std::vector<LineItemAccount> asked;
-    worker->setLineItemHook([&](const LineItemAccount &account) {
+    editor().setLineItemHook([&](const LineItemAccount &account) {
         asked.push_back(account);
         exec(QString("Update ProposalBudget set CatPProposal = 90 where AcctId = %1").arg(account.ID));
     });
     worker->UserAction(*dialog, "tlbLnItem");
-    ASSERT_EQ(shown->shown().size(), 1u);
-    EXPECT_EQ(shown->shown()[0].message.text, "Please select an Line Item to edit!");
+    ASSERT_EQ(recorder->shown().size(), 1u);
+    EXPECT_EQ(recorder->shown()[0].message.text, "Please select an Line Item to edit!");
     EXPECT_TRUE(asked.empty());
 
     ASSERT_TRUE(type("A100.1", "CatA", "4"));
@@ -310,7 +300,7 @@ TEST_P(EditGridTest, LineItemsGetTheCurrentAccountAndTheRowFollowsWhatTheyForwar
     EXPECT_FALSE(asked[0].CatC);
     EXPECT_EQ(amount("A100.2", "CatP"), "90");
     EXPECT_EQ(amount("A100.2", "Amount"), "90");
-    EXPECT_FALSE(worker->RowChanged(row("A100.2"))) << "what the line items saved is not saved again";
+    EXPECT_FALSE(grid().RowChanged(row("A100.2"))) << "what the line items saved is not saved again";
     EXPECT_EQ(amount("A100.1", "CatA"), "4") << "other rows keep their edits";
 }
 
@@ -335,29 +325,29 @@ TEST_P(EditGridTest, AnotherWorkstationsSaveIsNeverOverwrittenSilently)
     ASSERT_TRUE(type("A100.1", "CatP", "22"));
     ASSERT_TRUE(type("A100.2", "CatP", "72"));
 
-    shown->answer(MsgAnswer::Cancel);
+    recorder->answer(MsgAnswer::Cancel);
     EXPECT_FALSE(dialog->Save());
-    ASSERT_EQ(shown->shown().size(), 1u);
-    EXPECT_TRUE(shown->shown()[0].message.text.contains("A100.1"));
-    EXPECT_FALSE(shown->shown()[0].message.text.contains("A100.2"));
+    ASSERT_EQ(recorder->shown().size(), 1u);
+    EXPECT_TRUE(recorder->shown()[0].message.text.contains("A100.1"));
+    EXPECT_FALSE(recorder->shown()[0].message.text.contains("A100.2"));
     EXPECT_EQ(stored(both), "30,10,21,0");
     EXPECT_EQ(stored(programOnly), "70,50,70,0");
 
     // Reload: their figure is shown for the conflicting account, the other edit is saved.
-    shown->answer(MsgAnswer::No);
+    recorder->answer(MsgAnswer::No);
     EXPECT_FALSE(dialog->Save()) << "the window stays open to show what was reloaded";
     EXPECT_EQ(amount("A100.1", "CatP"), "21");
     EXPECT_EQ(amount("A100.1", "Amount"), "31");
-    EXPECT_FALSE(worker->RowChanged(row("A100.1")));
+    EXPECT_FALSE(grid().RowChanged(row("A100.1")));
     EXPECT_EQ(stored(programOnly), "70,50,72,0");
 
     // Overwrite: asked again after a new save elsewhere, and this grid's figure wins.
     saveElsewhere(both, "23");
     ASSERT_TRUE(type("A100.1", "CatP", "24"));
-    shown->clear();
-    shown->answer(MsgAnswer::Yes);
+    recorder->clear();
+    recorder->answer(MsgAnswer::Yes);
     EXPECT_TRUE(dialog->Save());
-    ASSERT_EQ(shown->shown().size(), 1u);
+    ASSERT_EQ(recorder->shown().size(), 1u);
     EXPECT_EQ(stored(both), "30,10,24,0");
 }
 
@@ -374,7 +364,7 @@ TEST_P(EditGridTest, AccountEditingSetsFlagsCodesAndProjectedAmount)
 
     // A flag alone marks the row changed: this is where an account joins a component.
     grid().SetCell(r, "CatC", true);
-    EXPECT_TRUE(worker->RowChanged(r));
+    EXPECT_TRUE(grid().RowChanged(r));
     grid().SetCell(row("A100.3"), "StateCode", QString("A2110.12"));
     grid().SetCell(row("A100.1"), "Amount", *Currency::parse("1500.75"));
     EXPECT_TRUE(dialog->Save());
@@ -389,8 +379,8 @@ TEST_P(EditGridTest, AccountEditingSetsFlagsCodesAndProjectedAmount)
     grid().SetCell(row("A100.4"), "StateCode", QString("X"));
     exec(QString("Delete from AccountCodes where ID = %1").arg(missing));
     EXPECT_FALSE(dialog->Save());
-    ASSERT_EQ(shown->shown().size(), 1u);
-    EXPECT_EQ(shown->shown()[0].message.text, "Cannot Retrieve Account Code: A100.4. error:Record not Found.");
+    ASSERT_EQ(recorder->shown().size(), 1u);
+    EXPECT_EQ(recorder->shown()[0].message.text, "Cannot Retrieve Account Code: A100.4. error:Record not Found.");
     EXPECT_EQ(rows(QString("select HistoricalCode from AccountCodes where ID = %1").arg(both)), "");
 }
 
@@ -412,12 +402,12 @@ TEST_P(EditGridServerTest, AServerStoppedMidSaveLosesNoEdit)
     ASSERT_TRUE(type("A100.1", "CatA", "11"));
     ASSERT_TRUE(type("A100.2", "CatP", "75"));
     EXPECT_FALSE(dialog->Save());
-    ASSERT_FALSE(shown->shown().empty());
-    EXPECT_EQ(shown->shown()[0].message.icon, MsgIcon::Critical);
-    EXPECT_TRUE(shown->shown()[0].message.text.startsWith("Cannot Update Account Code: A100.2. ("));
+    ASSERT_FALSE(recorder->shown().empty());
+    EXPECT_EQ(recorder->shown()[0].message.icon, MsgIcon::Critical);
+    EXPECT_TRUE(recorder->shown()[0].message.text.startsWith("Cannot Update Account Code: A100.2. ("));
     EXPECT_EQ(amount("A100.1", "CatA"), "11");
     EXPECT_EQ(amount("A100.2", "CatP"), "75");
-    EXPECT_TRUE(worker->RowChanged(row("A100.1")));
+    EXPECT_TRUE(grid().RowChanged(row("A100.1")));
 
     clsAdoConnection after;
     after.configure(database().config());

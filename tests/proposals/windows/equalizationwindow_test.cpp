@@ -1,42 +1,36 @@
-#include "equalizationwindow.h"
+#include "proposalwindowtest.h"
 #include "refusedwrites.h"
 
-#include "classdialog.h"
-#include "classgrid.h"
-
-#include "guiapplication.h"
-#include "recordingmessages.h"
-#include "testdatabases.h"
+#include "equalizationwindow.h"
 
 #include <QAbstractButton>
 
 namespace {
 
-const QString numbersMessage = "Kora-Budget: Please make sure all the fields are filled with numbers";
+const QString numbersMessage = "Kora-Budget|Please make sure all the fields are filled with numbers";
 const std::string northAndSouth = "North,0.8,1000,900,0.7,800,700|South,0.9,2000,1900,0.6,600,500";
 
 // The window over the districts North and South, on each backend.
-class EqualizationWindowTest : public testdb::DatabaseTest {
+class EqualizationWindowTest : public WindowTest {
 protected:
-    void SetUp() override
+    void prepare() override
     {
-        DatabaseTest::SetUp();
-        if (IsSkipped())
-            return;
         const QString insert = "Insert into TaxRate (TownShip, CurrentEqualRate, CurrentAssessment, CurrentTaxAssess, "
                                "PrevEqualRate, PrevAssessment, PrevTaxAssess) values ";
         exec(insert + "('North', 0.8, 1000, 900, 0.7, 800, 700)");
         exec(insert + "('South', 0.9, 2000, 1900, 0.6, 600, 500)");
-        worker = std::make_unique<workerEqualization>(db());
-        dialog = std::make_unique<classDialog>(*worker);
-        dialog->Build(1);
+        openWindow<workerEqualization>();
     }
-    classGrid &grid() const { return dialog->Control("AcctGrid").Grid(); }
     // A row's cells as typed, from the district's name on.
     void type(int row, const QStringList &cells)
     {
-        const char *keys[] = {"District", "CurrentRate", "CurrentTotalAssessment", "CurrentTaxableAssessment",
-                              "PreviousRate", "PreviousTotalAssessment", "PreviousTaxableAssessment"};
+        const char *keys[] = {"District",
+                              "CurrentRate",
+                              "CurrentTotalAssessment",
+                              "CurrentTaxableAssessment",
+                              "PreviousRate",
+                              "PreviousTotalAssessment",
+                              "PreviousTaxableAssessment"};
         for (int i = 0; i < cells.size(); ++i)
             if (!cells[i].isNull())
                 grid().SetCell(row, keys[i], cells[i]);
@@ -47,24 +41,12 @@ protected:
                     "PrevAssessment, PrevTaxAssess from TaxRate order by ID")
             .toStdString();
     }
-    QStringList messageTexts() const
-    {
-        QStringList texts;
-        for (const auto &shown : shownMessages->shown())
-            texts << shown.message.title + ": " + shown.message.text;
-        return texts;
-    }
     void erase(int row)
     {
         grid().SelectRow(row);
-        shownMessages->answer(MsgAnswer::Yes);
+        recorder->answer(MsgAnswer::Yes);
         worker->UserAction(*dialog, "cmdErase");
     }
-
-    GuiApplicationGuard app;
-    ScopedMessages shownMessages;
-    std::unique_ptr<workerEqualization> worker;
-    std::unique_ptr<classDialog> dialog;
 };
 
 TEST_P(EqualizationWindowTest, ANewDistrictIsStoredWithItsPriorPairCrossedAnEditedOneStraight)
@@ -73,7 +55,7 @@ TEST_P(EqualizationWindowTest, ANewDistrictIsStoredWithItsPriorPairCrossedAnEdit
     ASSERT_EQ(grid().CurrentRow(), 3);
     type(3, {"Maple Falls", "0.5", "300", "200", "0.25", "100", "80"});
     type(1, {{}, {}, {}, {}, {}, "810"});
-    ASSERT_TRUE(dialog->Save()) << messageTexts().join('\n').toStdString();
+    ASSERT_TRUE(dialog->Save()) << shownTexts().join('\n').toStdString();
     EXPECT_EQ(stored(), "North,0.8,1000,900,0.7,810,700|South,0.9,2000,1900,0.6,600,500|"
                         "Maple Falls,0.5,300,200,0.25,80,100");
 }
@@ -83,7 +65,7 @@ TEST_P(EqualizationWindowTest, ARowThatIsNotAllNumbersSavesNothing)
     type(1, {{}, {}, "1001"});
     type(2, {{}, "abc"});
     EXPECT_FALSE(dialog->Save());
-    EXPECT_EQ(messageTexts(), QStringList{numbersMessage});
+    EXPECT_EQ(shownTexts(), QStringList{numbersMessage});
     EXPECT_EQ(stored(), northAndSouth);
     EXPECT_EQ(grid().GetItemValue(2, "CurrentRate"), "abc") << "the user's typing is kept";
 
@@ -91,7 +73,7 @@ TEST_P(EqualizationWindowTest, ARowThatIsNotAllNumbersSavesNothing)
     type(2, {{}, "0.9"});
     type(grid().AddRow(), {"East", "1", "5", "4", "", "3", "2"});
     EXPECT_FALSE(dialog->Save());
-    EXPECT_EQ(messageTexts(), (QStringList{numbersMessage, numbersMessage}));
+    EXPECT_EQ(shownTexts(), (QStringList{numbersMessage, numbersMessage}));
     EXPECT_EQ(stored(), northAndSouth);
 }
 
@@ -101,20 +83,20 @@ TEST_P(EqualizationWindowTest, FailedWritesAreNamedAndUndone)
     type(1, {{}, "0.81"});
     type(grid().AddRow(), {"West", "1", "5", "4", "1", "3", "2"});
     EXPECT_FALSE(dialog->Save());
-    EXPECT_TRUE(messageTexts().value(0).startsWith("Equalization Districts: Error adding Equalization Districts: "));
+    EXPECT_TRUE(shownTexts().value(0).startsWith("Equalization Districts|Error adding Equalization Districts: "));
     EXPECT_EQ(stored(), northAndSouth);
 
     // South erased behind the window's back: neither its edit nor its erasure can be carried out.
-    shownMessages->clear();
+    recorder->clear();
     grid().DeleteRow(3);
     exec("Delete from TaxRate where TownShip = 'South'");
     type(2, {{}, "0.95"});
     EXPECT_FALSE(dialog->Save());
     erase(2);
-    EXPECT_EQ(messageTexts(),
-              (QStringList{"Equalization Districts: Error updating Equalization Districts: 0 records to be update",
-                           "Equalization Districts: Erase the district \"South\"?",
-                           "Equalization Districts: Error Erase the Equalization District: 0 records to be Delete"}));
+    EXPECT_EQ(shownTexts(),
+              (QStringList{"Equalization Districts|Error updating Equalization Districts: 0 records to be update",
+                           "Equalization Districts|Erase the district \"South\"?",
+                           "Equalization Districts|Error Erase the Equalization District: 0 records to be Delete"}));
     EXPECT_EQ(grid().CountRows(), 2);
     EXPECT_EQ(stored(), "North,0.8,1000,900,0.7,800,700");
 

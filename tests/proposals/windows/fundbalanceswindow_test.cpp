@@ -1,14 +1,9 @@
-#include "fundbalanceswindow.h"
+#include "proposalwindowtest.h"
 #include "refusedwrites.h"
 
 #include "appglobals.h"
-#include "classdialog.h"
-#include "classgrid.h"
+#include "fundbalanceswindow.h"
 #include "sampleinstallation.h"
-
-#include "guiapplication.h"
-#include "recordingmessages.h"
-#include "testdatabases.h"
 
 #include <QTemporaryDir>
 
@@ -17,7 +12,7 @@ namespace {
 // The window on a budget database of each backend, beside a sample
 // installation whose funds are A, C and F. The budget keeps A and Z, a fund
 // that no longer exists.
-class FundBalancesWindowTest : public testdb::DatabaseTest {
+class FundBalancesWindowTest : public WindowTest {
 protected:
     static void SetUpTestSuite()
     {
@@ -27,28 +22,23 @@ protected:
             << message.toStdString();
     }
     static void TearDownTestSuite() { delete installation_; }
-    void SetUp() override
+    void prepare() override
     {
-        DatabaseTest::SetUp();
-        if (IsSkipped())
-            return;
         gstrBudgetYearID = "2025";
         exec("Insert into Bals (Fund, CurrentBalance, PreviousBalance) values ('A', 1, 2)");
         exec("Insert into Bals (Fund, CurrentBalance, PreviousBalance) values ('Z', 7, 8)");
-        worker = std::make_unique<workerFundBalances>(db(), installation_->path(), installation_->path() + "\\FUND");
-        ASSERT_TRUE(worker->Initialise());
     }
     void TearDown() override
     {
         resetAppGlobals();
-        DatabaseTest::TearDown();
+        WindowTest::TearDown();
     }
     void open()
     {
-        dialog = std::make_unique<classDialog>(*worker);
-        dialog->Build(1);
+        auto made = std::make_unique<workerFundBalances>(db(), installation_->path(), installation_->path() + "\\FUND");
+        ASSERT_TRUE(made->Initialise());
+        showWindow(std::move(made));
     }
-    classGrid &grid() const { return dialog->Control("AcctGrid").Grid(); }
     // Fund, current and previous balance of every row, in the grid's order.
     std::string shown() const
     {
@@ -67,12 +57,7 @@ protected:
     {
         return rows("select Fund, CurrentBalance, PreviousBalance from Bals order by Fund").toStdString();
     }
-    std::string lastMessage() const { return shownMessages->shown().back().message.text.toStdString(); }
-
-    GuiApplicationGuard app;
-    ScopedMessages shownMessages;
-    std::unique_ptr<workerFundBalances> worker;
-    std::unique_ptr<classDialog> dialog;
+    std::string lastMessage() const { return recorder->shown().back().message.text.toStdString(); }
 
 private:
     static inline QTemporaryDir *installation_ = nullptr;
@@ -95,7 +80,7 @@ TEST_P(FundBalancesWindowTest, SavingUpdatesKeptRowsAndInsertsMissingOnesOnlyWhe
     type("C", "PreviousBalance", "99999999999.9999");
     ASSERT_TRUE(dialog->Save());
     EXPECT_EQ(stored(), "A,-1234.5,2|C,0,99999999999.9999|Z,7,8");
-    EXPECT_TRUE(shownMessages->shown().empty());
+    EXPECT_TRUE(recorder->shown().empty());
 }
 
 TEST_P(FundBalancesWindowTest, AFailedRowRollsBackTheWholeSaveAndKeepsTheEdits)
@@ -109,7 +94,7 @@ TEST_P(FundBalancesWindowTest, AFailedRowRollsBackTheWholeSaveAndKeepsTheEdits)
     EXPECT_FALSE(dialog->Save());
     EXPECT_EQ(stored(), "A,1,2|Z,7,8") << "A was updated and C inserted before F failed";
     EXPECT_EQ(shown(), "A,10,2|Z,7,8|C,20,0|F,0,30");
-    EXPECT_EQ(shownMessages->shown().back().message.title, "Fund Balances");
+    EXPECT_EQ(recorder->shown().back().message.title, "Fund Balances");
     EXPECT_TRUE(lastMessage().starts_with("Error adding Fund Balance: ") && lastMessage().ends_with(")"))
         << lastMessage();
 

@@ -17,7 +17,7 @@
 #include <memory>
 
 // A budget database per backend, the widgets' application and a message
-// service that answers from a script, for the proposal and line-item windows.
+// service that answers from a script, for the budget-figure windows.
 class WindowTest : public StoreTest {
 protected:
     void SetUp() override
@@ -35,8 +35,12 @@ protected:
     // Builds the worker's window on the test database, as shown to the user.
     template <typename Worker, typename... Args> Worker &openWindow(Args &&...args)
     {
+        return showWindow(std::make_unique<Worker>(db(), std::forward<Args>(args)...));
+    }
+    // The same for a worker the test has set up first.
+    template <typename Worker> Worker &showWindow(std::unique_ptr<Worker> made)
+    {
         dialog.reset();
-        auto made = std::make_unique<Worker>(db(), std::forward<Args>(args)...);
         Worker &opened = *made;
         worker = std::move(made);
         dialog = std::make_unique<classDialog>(opened);

@@ -1,8 +1,9 @@
 #include "proposalwindowtest.h"
 
 #include "adoconnection.h"
-#include "gridrows.h"
 #include "workerlineitem.h"
+
+#include <QKeyEvent>
 
 namespace {
 
@@ -97,7 +98,7 @@ TEST_P(LineItemTest, SaveUpdatesChangedLinesAddsNewOnesAndLeavesTheRest)
     // Line 2 was not rewritten: its trailing blanks would have been trimmed.
     EXPECT_EQ(storedLines(), "1,Teachers,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5");
     EXPECT_EQ(shownLines(), "1,Teachers,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5") << "reloaded by number";
-    EXPECT_FALSE(rowDiffers(grid(), 4, {"LineItemText", "Amount"})) << "the saved values are the loaded ones now";
+    EXPECT_FALSE(grid().RowChanged(4)) << "the saved values are the loaded ones now";
 }
 
 TEST_P(LineItemTest, DeletingKeepsTheOtherNumbersAndNewLinesNeverReuseThem)
@@ -221,13 +222,22 @@ TEST_P(LineItemTest, LeavingWithUnsavedEditsAsksFirst)
     press(*dialog, "cmdClose");
     ASSERT_EQ(recorder->shown().size(), 1u);
     const MessageRequest &question = recorder->shown()[0].message;
-    EXPECT_EQ(question.title, "Discard Changes");
-    EXPECT_EQ(question.text, "Changing your ledger will discard any changes you made to your current ledger?\n"
-                             "Do you want to continue?");
+    EXPECT_EQ(question.title, "Discard Changes") << "the edit grid's question, whose words its tests check";
     EXPECT_EQ(question.defaultAnswer, MsgAnswer::No);
     EXPECT_NE(dialog->CloseAction(), classDialog::ClosedByWorker) << "No keeps the window and its edits";
+    // Escape and the close box ask as Close does.
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(dialog.get(), &escape);
+    dialog->show();
+    dialog->close();
+    ASSERT_EQ(recorder->shown().size(), 3u);
+    EXPECT_EQ(recorder->shown()[1].message.title, "Discard Changes");
+    EXPECT_EQ(recorder->shown()[2].message.title, "Discard Changes");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_NE(dialog->CloseAction(), classDialog::ClosedByWorker);
     recorder->answer(MsgAnswer::Yes);
-    press(*dialog, "cmdClose");
+    dialog->close();
+    EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(dialog->CloseAction(), classDialog::ClosedByWorker);
     EXPECT_EQ(storedLines(), "1,Teacher,1000.5|2,Aide  ,200|3,Books,99.25");
 }
