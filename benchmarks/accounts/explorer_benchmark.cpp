@@ -23,7 +23,7 @@ AccountCodesContext contextOn(BenchDatabase &database)
     AccountCodesContext context;
     context.connection = database.db();
     const demo::District &district = database.district();
-    context.listFunds = [&district](std::vector<FundChoice> &funds, QString &) {
+    context.listFunds = [&district](std::vector<FundEntry> &funds, QString &) {
         for (const demo::Fund &fund : district.funds)
             funds.push_back({fund.id, fund.name});
         return true;

@@ -78,22 +78,6 @@ QString ledgerCaption(const QString &ledger)
 
 } // namespace
 
-bool listInstallationFunds(std::vector<FundChoice> &funds, QString &error)
-{
-    classObjectFunds file;
-    std::vector<FundFields> records;
-    int status = file.Init(gstrRootPath, gstrFundPath);
-    if (status == 0)
-        status = file.GetList(records);
-    if (status != 0) {
-        error = file.Message();
-        return false;
-    }
-    for (const FundFields &record : records)
-        funds.push_back({record.ID.trimmed(), record.Name.trimmed()});
-    return true;
-}
-
 workerAccountCodes::workerAccountCodes(AccountCodesContext context, QObject *parent)
     : ChildWorker(parent), context_(std::move(context))
 {
@@ -193,7 +177,7 @@ void workerAccountCodes::loadFunds()
     }
     classDropDown &lists = child_->DropDown();
     lists.Clear(fundList);
-    for (const FundChoice &fund : funds_)
+    for (const FundEntry &fund : funds_)
         lists.AddItem(fundList, fund.id, fund.id + QStringLiteral(" - ") + fund.name);
     if (!funds_.empty()) {
         lists.setListIndex(fundList, 0);
@@ -288,7 +272,7 @@ void workerAccountCodes::loadTree(const QString &reselect)
         }
 
         const QString fundName = [this] {
-            for (const FundChoice &fund : funds_) {
+            for (const FundEntry &fund : funds_) {
                 if (fund.id == fund_)
                     return fund.name;
             }

@@ -4,6 +4,7 @@
 #include "childworker.h"
 #include "codechooser.h"
 #include "explorerdialogs.h"
+#include "installationfunds.h"
 #include "mdichild.h"
 #include "treesummary.h"
 
@@ -18,28 +19,18 @@
 class classDialog;
 class QMdiArea;
 
-// A fund as the Fund drop-down lists it.
-struct FundChoice {
-    QString id;
-    QString name;
-};
-
 // What the account code window needs from outside: the budget database, the
 // funds of the fund-accounting files, the selection list of Folder
 // Adjustment, and how a dialog is run (modally, unless a test answers it).
 struct AccountCodesContext {
     std::shared_ptr<DbConnection> connection;
-    // False with the reason when the funds cannot be read.
-    std::function<bool(std::vector<FundChoice> &funds, QString &error)> listFunds;
+    FundListReader listFunds;
     CodeChooser chooseCodes;
     // Opens the grid in which a fund's and ledger's accounts are edited
     // together (state and historical codes, components); returns when it closes.
     std::function<void(const QString &fund, const QString &ledger)> editAccountsInGrid;
     std::function<int(classDialog &)> runDialog;
 };
-
-// The funds of the fund-accounting installation the program was started on.
-bool listInstallationFunds(std::vector<FundChoice> &funds, QString &error);
 
 // The "Account Code Maintenance" child window: one fund's, ledger's and
 // view's folders in the explorer, the selected folder's content in the grid,
@@ -116,7 +107,7 @@ private:
     QPointer<mdiChild> child_;
     ClsAccountSummary accounts_;
     clsTreeSummary tree_;
-    std::vector<FundChoice> funds_;
+    std::vector<FundEntry> funds_;
     QString fund_;
     QString ledger_ = QStringLiteral("E");
     QString view_ = QStringLiteral("T");

@@ -5,7 +5,7 @@
 #include "codechooser.h"
 #include "equalizationwindow.h"
 #include "fundbalanceswindow.h"
-#include "fundlist.h"
+#include "installationfunds.h"
 #include "mdiparent.h"
 #include "modmain.h"
 #include "organizationwindow.h"
@@ -63,7 +63,7 @@ void registerProgramTasks(mdiParent &frame)
     frame.registerChildWorker(QStringLiteral("workerAccountCodes"), [&frame] {
         AccountCodesContext context;
         context.connection = budgetDatabase();
-        context.listFunds = listInstallationFunds;
+        context.listFunds = readInstallationFunds;
         context.chooseCodes = chooseWithQueryPopUp;
         // The budget entry grid in its account-editing display type.
         context.editAccountsInGrid = [&frame](const QString &fund, const QString &ledger) {

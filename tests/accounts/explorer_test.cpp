@@ -106,7 +106,7 @@ TEST_P(ExplorerTest, EachViewShowsItsOwnFoldersAndGridColumns)
 TEST_P(ExplorerTest, FundsThatCannotBeReadAreReportedAndTheWindowStillOpens)
 {
     AccountCodesContext broken = context();
-    broken.listFunds = [](std::vector<FundChoice> &, QString &error) {
+    broken.listFunds = [](std::vector<FundEntry> &, QString &error) {
         error = "Funds.btr: file not found";
         return false;
     };

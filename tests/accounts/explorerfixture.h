@@ -53,7 +53,7 @@ protected:
     {
         AccountCodesContext context;
         context.connection = db();
-        context.listFunds = [](std::vector<FundChoice> &funds, QString &) {
+        context.listFunds = [](std::vector<FundEntry> &funds, QString &) {
             for (const demo::Fund &fund : district().funds)
                 funds.push_back({fund.id, fund.name});
             return true;

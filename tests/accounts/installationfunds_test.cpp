@@ -13,9 +13,9 @@ TEST_F(InstallationFundsTest, ListsEveryFundOfTheInstallationAndSaysWhyWhenItCan
 {
     gstrRootPath = root();
     gstrFundPath = fund();
-    std::vector<FundChoice> funds;
+    std::vector<FundEntry> funds;
     QString error;
-    ASSERT_TRUE(listInstallationFunds(funds, error)) << error.toStdString();
+    ASSERT_TRUE(readInstallationFunds(funds, error)) << error.toStdString();
     const SampleDistrict district = smallSampleDistrict();
     ASSERT_EQ(funds.size(), district.funds.size());
     for (std::size_t i = 0; i < funds.size(); ++i) {
@@ -26,7 +26,7 @@ TEST_F(InstallationFundsTest, ListsEveryFundOfTheInstallationAndSaysWhyWhenItCan
     gstrRootPath = root() + QStringLiteral("/missing");
     gstrFundPath = gstrRootPath + QStringLiteral("\\FUND");
     funds.clear();
-    EXPECT_FALSE(listInstallationFunds(funds, error));
+    EXPECT_FALSE(readInstallationFunds(funds, error));
     EXPECT_FALSE(error.isEmpty());
     EXPECT_TRUE(funds.empty());
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fundlist.h"
+#include "installationfunds.h"
 #include "workerlineitem.h"
 
 #include "accountsummary.h"

@@ -11,8 +11,11 @@ struct FundEntry {
     QString name;
 };
 
-// Fills `funds`; false with `why` filled when they cannot be read.
+// Fills `funds`; false with `why` filled when they cannot be read. Windows
+// take one so that tests can hand them funds of their own.
 using FundListReader = std::function<bool(std::vector<FundEntry> &funds, QString &why)>;
 
-// The funds of the fund-accounting installation named by the start-up globals, in fund-ID order.
+// The funds of the fund-accounting installation named by the start-up
+// globals, in fund-ID order. `why` starts with the record manager's status,
+// then names the folder and what went wrong: "12 (C:\FUND: File not found.)".
 bool readInstallationFunds(std::vector<FundEntry> &funds, QString &why);

@@ -1,4 +1,4 @@
-#include "fundlist.h"
+#include "installationfunds.h"
 
 #include "appglobals.h"
 #include "objectfunds.h"
@@ -11,10 +11,7 @@ bool readInstallationFunds(std::vector<FundEntry> &funds, QString &why)
     if (status == 0)
         status = file.GetList(records);
     if (status != 0) {
-        why = QStringLiteral("Cannot read the funds in %1 (status %2: %3)")
-                  .arg(gstrFundPath)
-                  .arg(status)
-                  .arg(file.Message());
+        why = QStringLiteral("%1 (%2: %3)").arg(status).arg(gstrFundPath, file.Message());
         return false;
     }
     for (const FundFields &record : records)
