@@ -14,6 +14,17 @@ const QString dragTitle = QStringLiteral("Drag-Drop Operation");
 
 } // namespace
 
+bool workerAccountCodes::codeIsFree(QString &code)
+{
+    accounts_.ClearAccountCode();
+    accounts_.AccountCode().setFundID(fund_);
+    accounts_.AccountCode().setLedgerID(ledger_);
+    if (accounts_.ValidateAccount(code))
+        return true;
+    showMessage(accounts_.Error().ErrorText());
+    return false;
+}
+
 void workerAccountCodes::createAccount()
 {
     const QString selected = child_->Explorer().SelectedNode();
@@ -25,14 +36,7 @@ void workerAccountCodes::createAccount()
     AccountCodeDialog dialog(
         DialogPurpose::New, {},
         [this](AccountCodeDialog::Values &values) {
-            accounts_.ClearAccountCode();
-            accounts_.AccountCode().setFundID(fund_);
-            accounts_.AccountCode().setLedgerID(ledger_);
-            if (!accounts_.ValidateAccount(values.code)) {
-                showMessage(accounts_.Error().ErrorText());
-                return false;
-            }
-            return true;
+            return codeIsFree(values.code);
         },
         [&](const AccountCodeDialog::Values &values) {
             if (folderId != 0 && !targetExists(folderId, {})) {
@@ -93,14 +97,7 @@ void workerAccountCodes::editAccount()
             confirm.defaultAnswer = MsgAnswer::No;
             if (messages().messageBox(confirm) != MsgAnswer::Yes)
                 return false;
-            accounts_.ClearAccountCode();
-            accounts_.AccountCode().setFundID(fund_);
-            accounts_.AccountCode().setLedgerID(ledger_);
-            if (!accounts_.ValidateAccount(values.code)) {
-                showMessage(accounts_.Error().ErrorText());
-                return false;
-            }
-            return true;
+            return codeIsFree(values.code);
         },
         [&](const AccountCodeDialog::Values &values) {
             // Read afresh so that a folder another user gave the code meanwhile is kept.

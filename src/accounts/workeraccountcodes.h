@@ -98,6 +98,9 @@ private:
     bool dropCode(qint64 codeId, qint64 targetId);
     bool dropFolder(qint64 folderId, qint64 targetId);
     bool targetExists(qint64 folderId, const QString &title);
+    // Trims and upper-cases code, then checks it is valid and not yet used in
+    // this fund and ledger; the reason is shown when it is not.
+    bool codeIsFree(QString &code);
     void contextMenu();
     // A double click on a grid row shows its folder or code, read only.
     void viewRow();
