@@ -69,6 +69,8 @@ void mdiParent::buildMenu()
             action = parentMenu->addAction(entry.caption);
             if (entry.action)
                 connect(action, &QAction::triggered, this, [this, run = entry.action] { run(*this); });
+            else
+                action->setEnabled(false); // kept in its place, but never a click that does nothing
         }
         action->setObjectName(entry.name);
     }
