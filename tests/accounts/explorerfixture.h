@@ -6,6 +6,7 @@
 #include "guiapplication.h"
 #include "mdichild.h"
 #include "recordingmessages.h"
+#include "refusedwrites.h"
 #include "testdatabases.h"
 #include "treesummary.h"
 #include "workeraccountcodes.h"
@@ -132,23 +133,6 @@ protected:
                 return it->message.title + u'|' + it->message.text;
         }
         return {};
-    }
-
-    // Makes every update of the rows of `table` that `condition` picks fail, as
-    // a constraint another program added would.
-    void refuseUpdates(const QString &table, const QString &condition)
-    {
-        if (GetParam() == testdb::Backend::PostgreSQL) {
-            exec(QStringLiteral("CREATE FUNCTION refuse_update() RETURNS trigger AS $$ BEGIN RAISE EXCEPTION "
-                                "'update refused'; END $$ LANGUAGE plpgsql"));
-            exec(QStringLiteral("CREATE TRIGGER refuse BEFORE UPDATE ON %1 FOR EACH ROW WHEN (%2) EXECUTE FUNCTION "
-                                "refuse_update()")
-                     .arg(table, condition));
-        } else {
-            exec(QStringLiteral("CREATE TRIGGER refuse BEFORE UPDATE ON %1 WHEN %2 BEGIN SELECT RAISE(ABORT, "
-                                "'update refused'); END")
-                     .arg(table, condition));
-        }
     }
 
     ScopedMessages messages_;

@@ -70,7 +70,6 @@ TEST_F(QueryPopUpTest, EachModeHasItsCaption)
                                                                {TransactionQuery::Receipts, "Select Receipts"}};
     for (const auto &[mode, caption] : modes) {
         popUp.setMode(mode);
-        EXPECT_EQ(popUp.Mode(), mode);
         EXPECT_EQ(popUp.windowTitle(), caption);
         EXPECT_EQ(popUp.availableList()->isColumnHidden(1), mode != TransactionQuery::AccountCodes) << caption;
     }
@@ -128,16 +127,12 @@ TEST_F(QueryPopUpTest, FindGoesToTheNextMatchAndWrapsAround)
     items[6].description = QStringLiteral("Band uniforms");
     popUp.LoadList(items);
     const auto current = [&] { return popUp.availableList()->selectionModel()->currentIndex().row(); };
-    EXPECT_TRUE(popUp.FindInList("a001"));
-    EXPECT_EQ(current(), 9);
-    EXPECT_TRUE(popUp.FindInList("A001"));
-    EXPECT_EQ(current(), 10);
-    EXPECT_TRUE(popUp.FindInList("A001"));
-    EXPECT_EQ(current(), 11);
-    EXPECT_TRUE(popUp.FindInList("A001"));
-    EXPECT_EQ(current(), 9) << "after the last match it starts again from the top";
-    EXPECT_TRUE(popUp.FindInList("uniform"));
-    EXPECT_EQ(current(), 6);
+    // After the last match it starts again from the top; descriptions are searched too.
+    const std::pair<const char *, int> finds[] = {{"a001", 9}, {"A001", 10}, {"A001", 11}, {"A001", 9}, {"uniform", 6}};
+    for (const auto &[text, row] : finds) {
+        EXPECT_TRUE(popUp.FindInList(text)) << text;
+        EXPECT_EQ(current(), row) << text;
+    }
     EXPECT_FALSE(popUp.FindInList("0099"));
     EXPECT_EQ(popUp.statusText(), "\"0099\" is not in the list.");
     EXPECT_EQ(current(), 6);

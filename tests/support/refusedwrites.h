@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 // Makes the database refuse one kind of write to a table where `condition`
-// (on NEW) holds, as a server-side rule would, so that a test can fail a save
+// (on NEW, or OLD for an update) holds, as a server-side rule would, so that a test can fail a save
 // part way through. `operation` is "INSERT" or "UPDATE".
 inline void refuseWrites(DbConnection &db, const QString &table, const QString &operation, const QString &condition)
 {
