@@ -1,5 +1,7 @@
 #include "budgetdbconfig.h"
 
+#include "codepage.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -143,6 +145,14 @@ std::optional<BudgetDbConfig> BudgetDbConfig::load(const QString &path, QString 
         return std::nullopt;
     }
     config.LessConn = *lessConn;
+
+    config.fundCodePage = ini.value(QStringLiteral("KoraFund/CodePage")).toString().trimmed();
+    if (!config.fundCodePage.isEmpty() && !recman::CodePage::byName(config.fundCodePage.toStdString())) {
+        setError(error, QStringLiteral("%1: KoraFund/CodePage \"%2\" is not a code page Kora-Budget reads "
+                                       "(use 1252, 437, latin1, 866 or 1251).")
+                            .arg(path, config.fundCodePage));
+        return std::nullopt;
+    }
     return config;
 }
 
@@ -161,6 +171,8 @@ bool BudgetDbConfig::save(const QString &path) const
     ini.setValue(QStringLiteral("ODBC/ServerName"), ServerName);
     ini.setValue(QStringLiteral("ODBC/LessConn"), LessConn);
     ini.setValue(QStringLiteral("ODBC/Driver"), odbcDriver);
+    if (!fundCodePage.isEmpty())
+        ini.setValue(QStringLiteral("KoraFund/CodePage"), fundCodePage);
     ini.sync();
     return ini.status() == QSettings::NoError;
 }

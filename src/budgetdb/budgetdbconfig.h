@@ -28,6 +28,9 @@ struct BudgetDbConfig {
     QString odbcDriver = QStringLiteral("Pervasive ODBC Client Interface");
     QString Username;
     QString Password;
+    // The code page of the text in Kora-Fund's files ("1252", "437", "latin1",
+    // "866" or "1251"); empty for Windows-1252.
+    QString fundCodePage;
 
     // The per-user file used when neither --config nor KORA_BUDGET_CONFIG names one.
     static QString defaultConfigPath();

@@ -2,6 +2,7 @@
 
 #include "budgetdbconfig.h"
 #include "errobject.h"
+#include "fundfieldvalue.h"
 #include "messageservice.h"
 #include "programarguments.h"
 #include "programtasks.h"
@@ -31,6 +32,8 @@ ProgramStart startProgram(const ProgramArguments &arguments, std::function<void(
         result.exitCode = ProgramExit::Failed;
         return result;
     }
+    if (!config->fundCodePage.isEmpty())
+        setFundCodePage(config->fundCodePage); // a name the configuration has already checked
     auto window = std::make_unique<ProgramWindow>();
     registerProgramTasks(window->frame);
     StartupSettings settings;

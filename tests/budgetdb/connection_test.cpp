@@ -25,7 +25,8 @@ TEST(BudgetDbConfigTest, ReadsEveryBackendsSettings)
     const QString path = folder.filePath("budgetdb.ini");
     writeIni(path, "[Database]\nBackend=PostgreSQL\n[SQLite]\nFile=data/budget.sqlite\n"
                    "[PostgreSQL]\nHost=db.district.local\nPort=6543\nDatabase=budget\nUser=office\nPassword=s3cret\n"
-                   "[ODBC]\nDSNname=Budget2\nServerName=SERVER1\nLessConn=true\nDriver=Some Driver\n");
+                   "[ODBC]\nDSNname=Budget2\nServerName=SERVER1\nLessConn=true\nDriver=Some Driver\n"
+                   "[KoraFund]\nCodePage=866\n");
     QString error;
     const auto config = BudgetDbConfig::load(path, &error);
     ASSERT_TRUE(config) << error.toStdString();
@@ -40,6 +41,7 @@ TEST(BudgetDbConfigTest, ReadsEveryBackendsSettings)
     EXPECT_EQ(config->ServerName, "SERVER1");
     EXPECT_TRUE(config->LessConn);
     EXPECT_EQ(config->odbcDriver, "Some Driver");
+    EXPECT_EQ(config->fundCodePage, "866");
 
     // What save writes, load reads back.
     const QString copy = folder.filePath("copy/budgetdb.ini");
@@ -49,6 +51,7 @@ TEST(BudgetDbConfigTest, ReadsEveryBackendsSettings)
     EXPECT_EQ(again->pg.port, 6543);
     EXPECT_EQ(again->sqliteFile, config->sqliteFile);
     EXPECT_TRUE(again->LessConn);
+    EXPECT_EQ(again->fundCodePage, "866");
 }
 
 TEST(BudgetDbConfigTest, OnlyTheDefaultFileMayBeMissingAndBadValuesAreRefused)
@@ -70,7 +73,7 @@ TEST(BudgetDbConfigTest, OnlyTheDefaultFileMayBeMissingAndBadValuesAreRefused)
 
     const QString path = folder.filePath("bad.ini");
     for (const QByteArray &text : {QByteArray("[Database]\nBackend=oracle\n"), QByteArray("[PostgreSQL]\nPort=http\n"),
-                                   QByteArray("[ODBC]\nLessConn=maybe\n")}) {
+                                   QByteArray("[ODBC]\nLessConn=maybe\n"), QByteArray("[KoraFund]\nCodePage=utf-7\n")}) {
         writeIni(path, text);
         EXPECT_FALSE(BudgetDbConfig::load(path, &error)) << text.constData();
         EXPECT_TRUE(error.contains(path)) << error.toStdString();

@@ -1,6 +1,7 @@
 #include "startupfixture.h"
 
 #include "formerrordialog.h"
+#include "fundfieldvalue.h"
 #include "menudefinition.h"
 #include "programarguments.h"
 #include "programstart.h"
@@ -83,12 +84,12 @@ TEST(ProgramUsage, HelpAndAnEmptyCommandLinePrintTheUsage)
 // Starts the program as main does, with the per-user folders in the test's own folder.
 class ProgramStartTest : public StartupTest {
 protected:
-    QString writeConfig(const QString &sqliteFile)
+    QString writeConfig(const QString &sqliteFile, const QByteArray &more = {})
     {
         const QString path = copy_.filePath("budgetdb.ini");
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("[Database]\nBackend=sqlite\n[SQLite]\nFile=" + sqliteFile.toUtf8() + "\n");
+        file.write("[Database]\nBackend=sqlite\n[SQLite]\nFile=" + sqliteFile.toUtf8() + "\n" + more);
         return path;
     }
     ProgramStart startWith(const QStringList &words)
@@ -152,6 +153,15 @@ TEST_F(ProgramStartTest, ABareStartCreatesNoDefaultDatabase)
     EXPECT_TRUE(shownText().contains("SQLite file " + defaultFile + ": the file does not exist."))
         << shownText().toStdString();
     EXPECT_FALSE(QFileInfo::exists(homes_.filePath("data/kora-budget")));
+}
+
+TEST_F(ProgramStartTest, KoraFundTextIsReadInTheConfiguredCodePage)
+{
+    ProgramStart started =
+        startWith({"--config", writeConfig("budget.sqlite", "[KoraFund]\nCodePage=866\n"), "BUSINESS", root()});
+    ASSERT_NE(started.window, nullptr);
+    EXPECT_EQ(&fundCodePage(), recman::CodePage::byName("866"));
+    setFundCodePage(QStringLiteral("1252"));
 }
 
 TEST_F(ProgramStartTest, EveryMenuTaskOfTheShippedProgramIsRegisteredAndSaysWhenNotAvailable)
