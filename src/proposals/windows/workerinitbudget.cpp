@@ -11,6 +11,7 @@
 
 #include <QFileInfo>
 #include <QLabel>
+#include <QPushButton>
 #include <QSqlDatabase>
 
 namespace {
@@ -76,8 +77,12 @@ void WorkerInitBudget::FormBuild(classDialog &dialog)
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     }
 
-    dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdOk"), QStringLiteral("OK"))
-        .Move(3000, 3500, 1400);
+    DialogControl &ok =
+        dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdOk"), QStringLiteral("OK"));
+    ok.Move(3000, 3500, 1400);
+    // Enter asks to start; Escape, like Cancel, closes.
+    if (auto *button = qobject_cast<QPushButton *>(ok.field()))
+        button->setDefault(true);
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"))
         .Move(4600, 3500, 1400);
     addStatusText(dialog);

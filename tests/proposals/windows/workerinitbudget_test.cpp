@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QProgressDialog>
+#include <QPushButton>
 
 namespace {
 
@@ -111,7 +112,7 @@ TEST_P(InitBudgetWindowTest, ShowsTheClosingYearTheTwoChoicesAndHowTheDatabaseIs
     }
 }
 
-TEST_P(InitBudgetWindowTest, CancelOnTheQuestionChangesAndCopiesNothing)
+TEST_P(InitBudgetWindowTest, CancelOnTheQuestionOrEscapeChangesAndCopiesNothing)
 {
     const QString before = dump();
     recorder->answer(MsgAnswer::Cancel);
@@ -120,6 +121,12 @@ TEST_P(InitBudgetWindowTest, CancelOnTheQuestionChangesAndCopiesNothing)
     EXPECT_EQ(recorder->shown().front().message.buttons, MsgButtons::OKCancel);
     EXPECT_EQ(dump(), before);
     EXPECT_TRUE(copies().isEmpty());
+
+    EXPECT_TRUE(dialog->findChild<QPushButton *>("cmdOk")->isDefault());
+    dialog->reject(); // Escape: closed as Cancel closes it, asking nothing
+    EXPECT_EQ(dialog->CloseAction(), classDialog::ClosedByWorker);
+    EXPECT_EQ(recorder->shown().size(), 1u);
+    EXPECT_EQ(dump(), before);
 }
 
 TEST_P(InitBudgetWindowTest, OkRollsTheYearWithTheChosenOptionsAfterCopyingTheDatabase)
