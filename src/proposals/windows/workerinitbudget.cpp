@@ -175,7 +175,9 @@ void WorkerInitBudget::runInitialisation(classDialog &dialog)
         });
     }
     running_ = false;
-    showStatusText(dialog, QString());
+    // A failed step's text stays: it says where the run stopped.
+    if (done || store.Cancelled())
+        showStatusText(dialog, QString());
 
     if (done) {
         tell(MsgIcon::Information,

@@ -6,6 +6,7 @@
 
 #include "appglobals.h"
 #include "classdialog.h"
+#include "classstatusbar.h"
 #include "guiapplication.h"
 #include "recordingmessages.h"
 
@@ -69,9 +70,10 @@ protected:
     std::unique_ptr<classDialog> dialog;
 };
 
-QString critical(const QString &text)
+// A message box as shown() lists it.
+QString box(MsgIcon icon, const QString &text)
 {
-    return QString::number(int(MsgIcon::Critical)) + '|' + text;
+    return QString::number(int(icon)) + '|' + text;
 }
 
 TEST_P(InitBudgetWindowTest, ShowsTheClosingYearTheTwoChoicesAndHowTheDatabaseIsCopied)
@@ -117,7 +119,7 @@ TEST_P(InitBudgetWindowTest, CancelOnTheQuestionOrEscapeChangesAndCopiesNothing)
     const QString before = dump();
     recorder->answer(MsgAnswer::Cancel);
     pressOk();
-    EXPECT_EQ(shown(), QStringList{QString::number(int(MsgIcon::Exclamation)) + '|' + question});
+    EXPECT_EQ(shown(), QStringList{box(MsgIcon::Exclamation, question)});
     EXPECT_EQ(recorder->shown().front().message.buttons, MsgButtons::OKCancel);
     EXPECT_EQ(dump(), before);
     EXPECT_TRUE(copies().isEmpty());
@@ -138,9 +140,9 @@ TEST_P(InitBudgetWindowTest, OkRollsTheYearWithTheChosenOptionsAfterCopyingTheDa
 
     EXPECT_EQ(
         shown(),
-        QStringList({QString::number(int(MsgIcon::Exclamation)) + '|' + question,
-                     QString::number(int(MsgIcon::Information)) +
-                         "|Finished Initialize Budget New Year! Please close the application and re-open again"}));
+        QStringList({box(MsgIcon::Exclamation, question),
+                     box(MsgIcon::Information,
+                         "Finished Initialize Budget New Year! Please close the application and re-open again")}));
     EXPECT_EQ(dialog->CloseAction(), classDialog::ClosedByWorker);
     EXPECT_EQ(accountRow("A2110.450"), ",12,5,3,121200.25");
     EXPECT_EQ(count("from LnItem"), 2);
@@ -158,9 +160,10 @@ TEST_P(InitBudgetWindowTest, AFailedStepIsShownWithItsNumberAndTextAndChangesNot
 
     const QStringList texts = shown();
     ASSERT_EQ(texts.size(), 2);
-    EXPECT_TRUE(texts[1].startsWith(critical("Error "))) << texts[1].toStdString();
+    EXPECT_TRUE(texts[1].startsWith(box(MsgIcon::Critical, "Error "))) << texts[1].toStdString();
     EXPECT_TRUE(texts[1].contains("write refused by the test")) << texts[1].toStdString();
     EXPECT_TRUE(texts[1].endsWith(unchanged));
+    EXPECT_EQ(dialog->Control("sbrStatus").Statusbar().PanelText("Status"), "Updating Budget Year Files ...");
     EXPECT_EQ(dump(), before);
     EXPECT_NE(dialog->CloseAction(), classDialog::ClosedByWorker);
 }
@@ -175,8 +178,7 @@ TEST_P(InitBudgetWindowTest, CancelOnTheProgressChangesNothingAndSaysSo)
     recorder->answer(MsgAnswer::OK);
     pressOk();
 
-    EXPECT_EQ(shown().value(1),
-              QString::number(int(MsgIcon::Information)) + "|The new budget year was cancelled. " + unchanged);
+    EXPECT_EQ(shown().value(1), box(MsgIcon::Information, "The new budget year was cancelled. " + unchanged));
     EXPECT_EQ(dump(), before);
 }
 
@@ -193,7 +195,7 @@ TEST_P(InitBudgetWindowTest, ACopyThatCannotBeWrittenStopsTheRunBeforeItBegins)
 
     const QStringList texts = shown();
     ASSERT_EQ(texts.size(), 2);
-    EXPECT_TRUE(texts[1].startsWith(critical("The copy of "))) << texts[1].toStdString();
+    EXPECT_TRUE(texts[1].startsWith(box(MsgIcon::Critical, "The copy of "))) << texts[1].toStdString();
     EXPECT_TRUE(texts[1].contains("The new budget year was not started."));
     EXPECT_EQ(dump(), before);
 }
