@@ -115,19 +115,11 @@ bool clsInitNewYear::InitSummaryBudgetFiles()
 {
     cancelled_ = false;
     return atomically(accountSub, [this] {
-        LedgerReader ledgers;
-        QString why;
-        if (const int status = ledgers.open(ledgers_, why); status != 0) {
-            reportInOwnWords(Error(), status, why);
-            return false;
-        }
-        if (!rollAccounts(ledgers))
-            return false;
-        return !clearLineItem_ || run(QStringLiteral("Delete from LnItem"), accountSub);
+        return rollAccounts() && (!clearLineItem_ || run(QStringLiteral("Delete from LnItem"), accountSub));
     });
 }
 
-bool clsInitNewYear::rollAccounts(LedgerReader &ledgers)
+bool clsInitNewYear::rollAccounts()
 {
     std::vector<AccountRow> accounts;
     // Read them all first: the pass updates the table it reads.
@@ -139,6 +131,12 @@ bool clsInitNewYear::rollAccounts(LedgerReader &ledgers)
         return false;
     if (accounts.empty()) {
         report(999, noAccountSub, QStringLiteral("No Account code Found."));
+        return false;
+    }
+    LedgerReader ledgers;
+    QString why;
+    if (const int status = ledgers.open(ledgers_, why); status != 0) {
+        reportInOwnWords(Error(), status, why);
         return false;
     }
     const int total = static_cast<int>(accounts.size());

@@ -55,7 +55,7 @@ private:
     struct AccountRow;
     struct LedgerFigures;
     class LedgerReader;
-    bool rollAccounts(LedgerReader &ledgers);
+    bool rollAccounts();
     bool rollAccount(LedgerReader &ledgers, const AccountRow &account);
 
     QString currentBudgetYear_;

@@ -54,7 +54,7 @@ TEST_P(NewYearStoreTest, TheRunLeavesOneDefaultProposalTheLatestTreeAndShiftedYe
               "1,0,Instruction,|2,1,Teaching,Y");
 }
 
-TEST_P(NewYearStoreTest, RefusesAnEmptyChartAMissingTreeCopyAndAYearThatIsNoNumber)
+TEST_P(NewYearStoreTest, RefusesAnEmptyChartAMissingTreeCopyAnUnreachableKoraFundAndAYearThatIsNoNumber)
 {
     const QString before = dump();
     store.setProposedYear("2026-A");
@@ -66,6 +66,13 @@ TEST_P(NewYearStoreTest, RefusesAnEmptyChartAMissingTreeCopyAndAYearThatIsNoNumb
     EXPECT_FALSE(store.UpdateFolders());
     EXPECT_EQ(store.Error().ErrorSub(), "Update Folders");
     exec("Delete from Yearlist where TableId = 'FY2026'");
+    EXPECT_EQ(dump(), before);
+
+    // Kora-Fund out of reach is no reason to retire every account.
+    store.setLedgerSummaries({root(), root() + "\\NOWHERE"});
+    EXPECT_FALSE(runAll());
+    EXPECT_EQ(store.Error().ErrorSub(), "Init Budget Year");
+    EXPECT_TRUE(store.Error().ErrorText().contains("NOWHERE")) << store.Error().ErrorText().toStdString();
     EXPECT_EQ(dump(), before);
 
     exec("Delete from Yearlist");
