@@ -65,13 +65,23 @@ public:
     int read(const AccountRow &account, bool adjusted, LedgerFigures &figures, QString &why)
     {
         if (account.ledger.trimmed() == u"E")
-            return read(expenditure_, &ExpenditureSummaryFields::PaymentExp, account, adjusted, figures, why);
-        return read(revenue_, &RevenueSummaryFields::RevenueRec, account, adjusted, figures, why);
+            return read(
+                expenditure_,
+                ActualAmount<ExpenditureSummaryFields>{&ExpenditureSummaryFields::PaymentExp, "Payment Expense"},
+                account, adjusted, figures, why);
+        return read(revenue_, ActualAmount<RevenueSummaryFields>{&RevenueSummaryFields::RevenueRec, "Revenue Received"},
+                    account, adjusted, figures, why);
     }
 
 private:
+    // The ledger's amount that makes the year's actual, and its field name.
+    template <class Fields> struct ActualAmount {
+        MonthlyTexts Fields::*member;
+        const char *name;
+    };
+
     template <class Summary, class Fields>
-    static int read(Summary &summary, MonthlyTexts Fields::*actualAmount, const AccountRow &account, bool adjusted,
+    static int read(Summary &summary, ActualAmount<Fields> actual, const AccountRow &account, bool adjusted,
                     LedgerFigures &figures, QString &why)
     {
         summary.Clear();
@@ -97,7 +107,7 @@ private:
             };
             if (!add(summary.OpeningEntry, "Opening Entry", figures.budget) ||
                 (adjusted && !add(summary.BudgetAdj, "Budget Adjustment", figures.budget)) ||
-                !add(summary.*actualAmount, "Actual", figures.actual))
+                !add(summary.*actual.member, actual.name, figures.actual))
                 return badLedgerAmount;
         }
         return 0;
