@@ -5,6 +5,7 @@
 #include "codechooser.h"
 #include "equalizationwindow.h"
 #include "fundbalanceswindow.h"
+#include "fundfiles.h"
 #include "installationfunds.h"
 #include "mdiparent.h"
 #include "modmain.h"
@@ -13,6 +14,7 @@
 #include "workeraccountcodes.h"
 #include "workereditaccountcodes.h"
 #include "workereditgrid.h"
+#include "workerinitbudget.h"
 #include "workerproposal.h"
 #include "workerselectproposal.h"
 
@@ -31,7 +33,6 @@ const std::vector<ProgramTask> &programTasks()
         {TaskKind::Child, "workerReportGenerator", "The report generator"},
         {TaskKind::Report, "PublicBudget", "The public budget report"},
         {TaskKind::Report, "Chart", "Charts"},
-        {TaskKind::Modal, "workerInitBudget", "Budget year initialization"},
     };
     return tasks;
 }
@@ -97,6 +98,11 @@ void registerProgramTasks(mdiParent &frame)
     });
     frame.registerModalWorker(QStringLiteral("workerEqualization"), [parent](const mdiParent::EntryProperties &) {
         return std::make_unique<workerEqualization>(budgetDatabase(), parent);
+    });
+    // The ledger summaries of the latest fund-accounting year close the budget year.
+    frame.registerModalWorker(QStringLiteral("workerInitBudget"), [parent](const mdiParent::EntryProperties &) {
+        return std::make_unique<WorkerInitBudget>(
+            budgetDatabase(), LedgerSummaryPlace{gstrRootPath, GetFundDataLocation(gstrFundYear.toInt())}, parent);
     });
     // The menu opens the organisation record before it asks for this task.
     frame.registerModalWorker(QStringLiteral("workerSysParams"), [parent](const mdiParent::EntryProperties &) {

@@ -1,6 +1,6 @@
 #include "newyeartest.h"
 
-#include "windows/refusedwrites.h"
+#include "refusedwrites.h"
 
 namespace {
 

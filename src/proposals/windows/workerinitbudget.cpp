@@ -1,8 +1,8 @@
 #include "workerinitbudget.h"
 
+#include "dialogstatus.h"
 #include "newyearbackup.h"
 #include "newyearprogress.h"
-#include "statustext.h"
 
 #include "appglobals.h"
 #include "classdialog.h"
@@ -85,7 +85,7 @@ void WorkerInitBudget::FormBuild(classDialog &dialog)
         button->setDefault(true);
     dialog.AddControl(DialogControlKind::CommandButton, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"))
         .Move(4600, 3500, 1400);
-    addStatusText(dialog);
+    addStatusBar(dialog);
 }
 
 void WorkerInitBudget::LoadData(classDialog &dialog)
@@ -168,7 +168,7 @@ void WorkerInitBudget::runInitialisation(classDialog &dialog)
         store.setProgress([&progress](const NewYearProgress &at) { return progress.report(at); });
         bool accountPass = true;
         done = runNewBudgetYear(store, [&](const QString &text) {
-            showStatusText(dialog, text);
+            setStatusText(dialog, text);
             if (!accountPass)
                 progress.showStep(text);
             accountPass = false;
@@ -177,7 +177,7 @@ void WorkerInitBudget::runInitialisation(classDialog &dialog)
     running_ = false;
     // A failed step's text stays: it says where the run stopped.
     if (done || store.Cancelled())
-        showStatusText(dialog, QString());
+        setStatusText(dialog, QString());
 
     if (done) {
         tell(MsgIcon::Information,
