@@ -136,6 +136,7 @@ TEST_F(ExportTest, AWorkbookReadBackHoldsTheGridsCsvWithTotalsUnder)
     const Records sheet =
         parseCsv(run(QStringLiteral("xlsx2csv"), {QStringLiteral("-f"), QStringLiteral("%m/%d/%y"), xlsxPath}));
     ASSERT_EQ(csv.size(), 4u);
+    EXPECT_EQ(csv[0], QStringList({"Account", "Posted", "Proposed 2027", "Active", "Note, \"quoted\""}));
     ASSERT_EQ(sheet.size(), csv.size() + 1) << "header, three rows and the totals";
 
     QStringList heading = sheet[0];
