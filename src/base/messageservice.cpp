@@ -32,6 +32,14 @@ std::unique_ptr<MessageService> &installed()
 }
 } // namespace
 
+std::optional<SaveFileAnswer> MessageService::saveFileName(const SaveFileRequest &request)
+{
+    const auto name = inputBox(request.prompt, request.title, request.defaultName);
+    if (!name)
+        return std::nullopt;
+    return SaveFileAnswer{*name, QString()};
+}
+
 MessageService &messages()
 {
     return *installed();

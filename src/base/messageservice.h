@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -30,6 +31,19 @@ struct ErrorDialogRequest {
     bool showLog = false;
 };
 
+// A save dialog: the name typed or picked and the filter chosen with it
+// (empty when the service offers no filters).
+struct SaveFileRequest {
+    QString title;
+    QString prompt;
+    QString defaultName;
+    QStringList filters;
+};
+struct SaveFileAnswer {
+    QString path;
+    QString filter;
+};
+
 class MessageService {
 public:
     virtual ~MessageService() = default;
@@ -37,6 +51,9 @@ public:
     // nullopt when the user cancels; an empty string when OK is pressed on an empty field.
     virtual std::optional<QString> inputBox(const QString &prompt, const QString &title,
                                             const QString &defaultText) = 0;
+    // nullopt when the user cancels. Unless a service shows a file dialog,
+    // the name is asked for with an input box and no filter comes back.
+    virtual std::optional<SaveFileAnswer> saveFileName(const SaveFileRequest &request);
     virtual void errorDialog(const ErrorDialogRequest &request) = 0;
     virtual void beep() = 0;
 };

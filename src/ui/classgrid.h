@@ -19,7 +19,7 @@
 // columns addressed by key, with a companion view underneath that shows the
 // totals. It checks what the worker asks and leaves the work to the cells
 // (GridModel), the view (GridView), the totals (GridTotals), the sort order
-// (GridSorting) and the export (exportGridCsv). Wrong use throws WrapperError and changes nothing.
+// (GridSorting) and the exports (gridExportTable). Wrong use throws WrapperError and changes nothing.
 class classGrid : public QObject {
     Q_OBJECT
 public:
@@ -151,6 +151,7 @@ public:
     void RefreshBalance();
 
     void ShowTotals(bool on);
+    bool TotalsShown() const { return totals_.shown(); }
     void RefreshTotals();
     Currency GetColumnTotal(const QString &key) const;
 

@@ -1,6 +1,6 @@
 #include "csvexport.h"
 
-#include "classgrid.h"
+#include "gridexport.h"
 
 #include <QSaveFile>
 
@@ -29,16 +29,12 @@ QString csvRecord(const QStringList &fields, const std::vector<bool> &quoted)
 
 bool exportGridCsv(const classGrid &grid, const QString &path, QString &error)
 {
-    QStringList keys;
+    const GridExportTable table = gridExportTable(grid);
     QStringList names;
     std::vector<bool> textColumns;
-    for (int column = 1; column <= grid.CountColumns(); ++column) {
-        const QString key = grid.ColumnKey(column);
-        if (grid.ColumnHidden(key))
-            continue;
-        keys << key;
-        names << grid.Column(key).HeadingOneLine();
-        textColumns.push_back(grid.Column(key).Type() == GridColumnType::Text);
+    for (const classGridColumn &column : table.columns) {
+        names << column.HeadingOneLine();
+        textColumns.push_back(column.Type() == GridColumnType::Text);
     }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
@@ -46,12 +42,8 @@ bool exportGridCsv(const classGrid &grid, const QString &path, QString &error)
         return false;
     }
     QString text = csvRecord(names, std::vector<bool>(std::size_t(names.size()), true));
-    for (int row = 1; row <= grid.CountRows(); ++row) {
-        QStringList values;
-        for (const QString &key : keys)
-            values << grid.GetItemValue(row, key);
+    for (const QStringList &values : table.rows)
         text += csvRecord(values, textColumns);
-    }
     file.write(text.toUtf8());
     if (!file.commit()) {
         error = file.errorString();

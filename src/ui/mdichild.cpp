@@ -1,6 +1,8 @@
 #include "mdichild.h"
 
 #include "csvexport.h"
+#include "gridexport.h"
+#include "gridxlsxwriter.h"
 
 #include "messageservice.h"
 
@@ -241,15 +243,20 @@ void mdiChild::setWaiting(bool on)
 
 void mdiChild::DoExport()
 {
-    const auto answer =
-        messages().inputBox(QStringLiteral("Please enter the file name for the data you want to export to! "),
-                            exportTitle, QStringLiteral("c:\\data.csv"));
-    if (!answer || answer->trimmed().isEmpty())
+    const auto answer = messages().saveFileName(
+        {exportTitle, QStringLiteral("Please enter the file name for the data you want to export to! "),
+         QStringLiteral("c:\\data.csv"), exportFilters()});
+    if (!answer || answer->path.trimmed().isEmpty())
         return;
+    const ExportTarget target = exportTarget(answer->path.trimmed(), answer->filter);
+    const classGrid &grid = grids_[std::size_t(currentSlot_ - 1)];
     QString error;
-    if (!exportGridCsv(grids_[std::size_t(currentSlot_ - 1)], answer->trimmed(), error)) {
+    const bool written = target.format == ExportFormat::Xlsx
+                             ? GridXlsxWriter(gridExportTable(grid)).write(target.path, error)
+                             : exportGridCsv(grid, target.path, error);
+    if (!written) {
         messages().messageBox({exportTitle,
-                               QStringLiteral("Cannot write ") + answer->trimmed() + QStringLiteral(": ") + error,
+                               QStringLiteral("Cannot write ") + target.path + QStringLiteral(": ") + error,
                                MsgButtons::OK, MsgIcon::Critical, MsgAnswer::OK});
         return;
     }

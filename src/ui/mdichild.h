@@ -51,7 +51,8 @@ public:
     void Form_Resize();
     void DoPrint() { emit Command(QStringLiteral("_Print")); }
     void DoRefresh() { emit Command(QStringLiteral("_Refresh")); }
-    // Asks for a file name and writes the current grid there as CSV.
+    // Asks for a file name and writes the current grid there as CSV or as
+    // an Excel workbook, as the name's extension or the chosen filter says.
     void DoExport();
 
     int GridKeyAscii() const { return gridKeyAscii_; }

@@ -3,6 +3,7 @@
 #include "formerrordialog.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
 
@@ -93,6 +94,16 @@ std::optional<QString> WidgetMessages::inputBox(const QString &prompt, const QSt
     if (!ok)
         return std::nullopt;
     return text;
+}
+
+std::optional<SaveFileAnswer> WidgetMessages::saveFileName(const SaveFileRequest &request)
+{
+    QString filter = request.filters.value(0);
+    const QString path = QFileDialog::getSaveFileName(QApplication::activeWindow(), request.title, request.defaultName,
+                                                      request.filters.join(QStringLiteral(";;")), &filter);
+    if (path.isEmpty())
+        return std::nullopt;
+    return SaveFileAnswer{path, filter};
 }
 
 void WidgetMessages::errorDialog(const ErrorDialogRequest &request)
