@@ -2,6 +2,7 @@
 // written through the data-access control and the record objects: every
 // operation must end in a status, never a crash, overrun or hang.
 #include "dataaccesscontrol.h"
+#include "errobject.h"
 #include "fundfuzz.h"
 #include "objectfunds.h"
 #include "objectparameters.h"
@@ -104,6 +105,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const auto &tables = installationTables();
     const FundTableSpec &spec = tables[data[0] % tables.size()];
     const auto path = fundfuzz::dataFile(spec);
+    // Refused files are logged; the log belongs with the fuzzed installation, not in the working folder.
+    static const bool logBesideTheFiles = [&] {
+        clsErrObject::setLogFilePath(QString::fromStdString((path.parent_path() / "Err.txt").string()));
+        return true;
+    }();
+    (void)logBesideTheFiles;
     std::error_code ignored;
     const auto saved = path.string() + ".saved";
     if (!std::filesystem::exists(saved))
