@@ -210,8 +210,10 @@ namespace {
 bool refuseUnmigratable(const State &state, DbError *error)
 {
     if (state.kind == Kind::Foreign)
-        return fail(error, QStringLiteral("This database is not a Kora-Budget database (it holds other tables). An existing budget "
-                                          "database is brought in with \"kora-budget-admin adopt\"."));
+        return fail(
+            error,
+            QStringLiteral("This database is not a Kora-Budget database (it holds other tables). An existing budget "
+                           "database is brought in with \"kora-budget-admin adopt\"."));
     if (state.version > programVersion())
         return fail(error, QStringLiteral("The budget database has schema version %1, newer than this program "
                                           "(version %2). Use a newer Kora-Budget.")
@@ -220,25 +222,14 @@ bool refuseUnmigratable(const State &state, DbError *error)
     return true;
 }
 
-// Reads what the database holds and whether it lacks migrations; false on a
-// database this program must not touch.
-bool migrationDue(DbConnection &db, State &state, bool &due, DbError *error)
-{
-    if (!inspect(db, state, error) || !refuseUnmigratable(state, error))
-        return false;
-    due = state.version != programVersion();
-    return true;
-}
-
 } // namespace
 
 bool applyMigrations(DbConnection &db, DbError *error)
 {
     State state;
-    bool due = false;
-    if (!migrationDue(db, state, due, error))
+    if (!inspect(db, state, error) || !refuseUnmigratable(state, error))
         return false;
-    if (!due)
+    if (state.version == programVersion())
         return true;
     QStringList statements;
     if (state.kind == Kind::Empty)
@@ -256,12 +247,6 @@ bool applyMigrations(DbConnection &db, DbError *error)
 
 bool migrate(DbConnection &db, DbError *error)
 {
-    State state;
-    bool due = false;
-    if (!migrationDue(db, state, due, error))
-        return false;
-    if (!due)
-        return true;
     Transaction transaction(db);
     if (!transaction.begun())
         return fail(error, QStringLiteral("Cannot begin a transaction to create the budget schema."));
