@@ -137,17 +137,23 @@ void saveGrid(benchmark::State &state, BenchDatabase *(*open)())
     }
 }
 
-// The store calls a grid save makes, without the grid: 5,000 UpdateBatch in one transaction.
-void storeUpdateBatch(benchmark::State &state, BenchDatabase *(*open)())
+// The store on the benchmark database, and proposal 1's general-fund expenditure rows.
+std::vector<clsProposedBudgetItem> generalFundExpenditure(BenchDatabase *database, clsProposedBudget &store)
 {
-    BenchDatabase *database = open();
-    clsProposedBudget store;
     store.setAdoConnection(database->db());
     store.ProposedBudgetItem().ProposalID = QStringLiteral("1");
     store.ProposedBudgetItem().FundID = generalFund;
     store.ProposedBudgetItem().LedgerID = expenditure;
     std::vector<clsProposedBudgetItem> items;
     store.GetListNew(items);
+    return items;
+}
+
+// The store calls a grid save makes, without the grid: 5,000 UpdateBatch in one transaction.
+void storeUpdateBatch(benchmark::State &state, BenchDatabase *(*open)())
+{
+    clsProposedBudget store;
+    std::vector<clsProposedBudgetItem> items = generalFundExpenditure(open(), store);
     int round = 0;
     for (auto _ : state) {
         const Currency step = Currency::fromRaw(++round % 2 ? 100 : -100);
@@ -168,14 +174,8 @@ void storeUpdateBatch(benchmark::State &state, BenchDatabase *(*open)())
 // The other store call a grid save makes per row: 5,000 Retrieve.
 void storeRetrieve(benchmark::State &state, BenchDatabase *(*open)())
 {
-    BenchDatabase *database = open();
     clsProposedBudget store;
-    store.setAdoConnection(database->db());
-    store.ProposedBudgetItem().ProposalID = QStringLiteral("1");
-    store.ProposedBudgetItem().FundID = generalFund;
-    store.ProposedBudgetItem().LedgerID = expenditure;
-    std::vector<clsProposedBudgetItem> items;
-    store.GetListNew(items);
+    std::vector<clsProposedBudgetItem> items = generalFundExpenditure(open(), store);
     for (auto _ : state) {
         for (const clsProposedBudgetItem &item : items) {
             store.ProposedBudgetItem().ID = item.ID;
