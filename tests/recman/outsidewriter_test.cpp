@@ -82,9 +82,7 @@ TEST(OutsideWriter, AChangeToAnotherRecordOnThePageSurvivesOurUpdate)
 TEST(OutsideWriter, SixXFilesAreCheckedOnTheirCurrentPage)
 {
     recmantest::TempDir dir;
-    const auto path = dir / "GALTELA.DAT";
-    std::filesystem::copy_file(recmantest::fixture("GALTELA.DAT"), path);
-    std::filesystem::permissions(path, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    const auto path = recmantest::writableFixture(dir, "GALTELA.DAT");
     File file;
     ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
     ASSERT_EQ(file.stepFirst(), Status::Success);

@@ -57,4 +57,13 @@ private:
     std::filesystem::path path_;
 };
 
+// A copy of a fixture in `dir` that the test may write (the originals are read-only).
+inline std::filesystem::path writableFixture(const TempDir &dir, const std::string &name)
+{
+    const auto path = dir / name;
+    std::filesystem::copy_file(fixture(name), path);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    return path;
+}
+
 } // namespace recmantest

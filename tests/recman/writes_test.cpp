@@ -239,9 +239,7 @@ TEST(CreatedFiles, CollatingSequenceAndDescendingKeysSurviveTheRoundTrip)
 TEST(RecordManagerFileWrites, OnlyNonKeyBytesOfExistingRecordsChange)
 {
     recmantest::TempDir dir;
-    const auto path = dir / "GALTELA.DAT";
-    std::filesystem::copy_file(recmantest::fixture("GALTELA.DAT"), path);
-    std::filesystem::permissions(path, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    const auto path = recmantest::writableFixture(dir, "GALTELA.DAT");
     File file;
     ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
     ASSERT_EQ(file.stepFirst(), Status::Success);
@@ -275,9 +273,7 @@ TEST(RecordManagerFileWrites, OnlyNonKeyBytesOfExistingRecordsChange)
 TEST(RecordManagerFileWrites, VariableLengthRecordsAreNotRewritten)
 {
     recmantest::TempDir dir;
-    const auto path = dir / "VARIABLE.DAT";
-    std::filesystem::copy_file(recmantest::fixture("VARIABLE.DAT"), path);
-    std::filesystem::permissions(path, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    const auto path = recmantest::writableFixture(dir, "VARIABLE.DAT");
     File file;
     ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success);
     ASSERT_EQ(file.stepFirst(), Status::Success);
