@@ -23,17 +23,18 @@ const ReportValue &requireKind(const char *function, const ReportValue &value, T
     return value;
 }
 
-// A whole number from `low` to `high`.
+// A whole number from `low` to `high` (INT_MAX: no upper limit).
 qint64 requireWhole(const char *function, const ReportValue &value, qint64 low, qint64 high, int position)
 {
-    const QString expected = QStringLiteral("a whole number from %1 to %2").arg(low).arg(high);
-    if (value.type() != Type::Number || value.asNumber().raw() % Currency::Scale != 0)
+    const QString expected = high == INT_MAX ? QStringLiteral("a whole number of %1 or more").arg(low)
+                                             : QStringLiteral("a whole number from %1 to %2").arg(low).arg(high);
+    if (value.type() != Type::Number)
         failArgument(function, expected, value, position);
-    const qint64 whole = value.asNumber().raw() / Currency::Scale;
-    if (whole < low || whole > high)
+    const Currency number = value.asNumber();
+    if (number.raw() % Currency::Scale != 0 || number < Currency::fromUnits(low) || number > Currency::fromUnits(high))
         failFormula(position, QStringLiteral("Function '%1' expects %2, not %3")
-                                  .arg(QLatin1String(function), expected).arg(whole));
-    return whole;
+                                  .arg(QLatin1String(function), expected, value.toText()));
+    return number.raw() / Currency::Scale;
 }
 
 // The optional second argument: places to round to.
