@@ -30,6 +30,7 @@ struct FormulaNode {
 
     Kind kind = Kind::Literal;
     int position = 0;
+    int depth = 1;                    // of the tree below and including this node
     ReportValue literal;              // Literal
     QString table;                    // Field
     QString name;                     // Field's field; Parameter's and FormulaReference's name
