@@ -199,6 +199,14 @@ private:
         adopt(*node, std::move(value));
         expectSymbol("[");
         commaList(*node, "]");
+        const bool allNumbers = std::all_of(node->children.begin() + 1, node->children.end(), [](const NodePtr &item) {
+            return item->kind == FormulaNode::Kind::Literal && item->literal.type() == ReportValue::Type::Number;
+        });
+        if (allNumbers && node->children.size() > 1) {
+            for (auto item = node->children.begin() + 1; item != node->children.end(); ++item)
+                node->sortedNumbers.push_back((*item)->literal.asNumber());
+            std::sort(node->sortedNumbers.begin(), node->sortedNumbers.end());
+        }
         return node;
     }
 
