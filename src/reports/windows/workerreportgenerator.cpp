@@ -89,7 +89,6 @@ void workerReportGenerator::buildWindow()
     grid.AddColumn(QStringLiteral("Date"), QStringLiteral("Modified Date"), column(1500));
 
     child_->Statusbar().AddPanel(0, statusPanel, {}, {}, PanelAlignment::Left, PanelAutoSize::Spring);
-    child_->resize(900, 480);
     child_->setLoading(false);
 }
 
