@@ -260,7 +260,7 @@ void FormReportFormat::MoveRowLeft()
         showMessage(QStringLiteral("You cannot remove the default heading! "));
         return;
     }
-    chosen_.removeAll(key);
+    chosen_.removeIf([&key](const QString &chosen) { return chosen.compare(key, Qt::CaseInsensitive) == 0; });
     showHeadings();
 }
 

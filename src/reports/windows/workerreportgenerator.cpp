@@ -128,20 +128,27 @@ void workerReportGenerator::loadList(std::int32_t reselect)
         status.setPanelText(statusPanel, {});
         return;
     }
+    // By name, whatever order the database keeps its rows in.
+    std::vector<const clsReportName *> sorted;
+    for (int i = 1; i <= names.Count(); ++i)
+        sorted.push_back(&names.Item(i));
+    std::stable_sort(sorted.begin(), sorted.end(), [](const clsReportName *a, const clsReportName *b) {
+        return a->Name.compare(b->Name, Qt::CaseInsensitive) < 0;
+    });
     child_->setLoading(true);
-    status.ShowProgress(names.Count());
-    for (int i = 1; i <= names.Count(); ++i) {
-        const clsReportName &name = names.Item(i);
-        status.setPanelText(statusPanel, QStringLiteral("Loading record ") + QString::number(i));
-        status.SetProgress(i);
+    status.ShowProgress(int(sorted.size()));
+    int loaded = 0;
+    for (const clsReportName *name : sorted) {
+        status.setPanelText(statusPanel, QStringLiteral("Loading record ") + QString::number(++loaded));
+        status.SetProgress(loaded);
         // Let the status bar paint; the user's input waits until the list is whole.
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         const int row = grid.AddRow();
-        grid.SetCell(row, idColumn, QString::number(name.ID));
-        grid.SetCell(row, QStringLiteral("Name"), name.Name);
-        grid.SetCell(row, QStringLiteral("Description"), name.Description);
+        grid.SetCell(row, idColumn, QString::number(name->ID));
+        grid.SetCell(row, QStringLiteral("Name"), name->Name);
+        grid.SetCell(row, QStringLiteral("Description"), name->Description);
         grid.SetCell(row, QStringLiteral("Date"),
-                     name.ModifiedDate.isValid() ? FormatMMDDYY(name.ModifiedDate) : QString());
+                     name->ModifiedDate.isValid() ? FormatMMDDYY(name->ModifiedDate) : QString());
     }
     status.HideProgress();
     status.setPanelText(statusPanel, QStringLiteral("%1 report formats").arg(names.Count()));
