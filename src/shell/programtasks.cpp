@@ -59,7 +59,8 @@ ProposalPanel proposalPanel(mdiParent &frame)
 // Stands in for the generator report's printing until that report is written.
 void printGeneratedReportUntilWritten(std::int32_t)
 {
-    messages().messageBox({QStringLiteral("Report Format"), QStringLiteral("The generator report is not available yet.")});
+    messages().messageBox(
+        {QStringLiteral("Report Format"), QStringLiteral("The generator report is not available yet.")});
 }
 } // namespace
 

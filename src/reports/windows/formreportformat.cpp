@@ -67,8 +67,7 @@ void selectNear(classGrid &grid, int row)
 
 } // namespace
 
-FormReportFormat::FormReportFormat(std::shared_ptr<DbConnection> connection, FundListReader listFunds,
-                                   QWidget *parent)
+FormReportFormat::FormReportFormat(std::shared_ptr<DbConnection> connection, FundListReader listFunds, QWidget *parent)
     : QDialog(parent), connection_(std::move(connection)), listFunds_(std::move(listFunds))
 {
     generator_.setAdoConnection(connection_);

@@ -167,7 +167,8 @@ std::int32_t workerReportGenerator::selectedFormat(const QString &doing)
     if (row > 0)
         return grid.GetItemValue(row, idColumn).toInt();
     if (!doing.isEmpty())
-        FormReportFormat::showMessage(QStringLiteral("Please select the report to ") + doing + QStringLiteral(" first."));
+        FormReportFormat::showMessage(QStringLiteral("Please select the report to ") + doing +
+                                      QStringLiteral(" first."));
     return 0;
 }
 

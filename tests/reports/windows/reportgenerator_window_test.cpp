@@ -160,8 +160,8 @@ protected:
     void selectFormat(const QString &name) { grid().SelectRow(column(grid(), "Name").indexOf(name) + 1); }
     QString headingsOf(std::int32_t id)
     {
-        return rows(QString("select ReportHeading, SortOrder from RptHeading where ReportID = %1 order by SortOrder")
-                        .arg(id));
+        return rows(
+            QString("select ReportHeading, SortOrder from RptHeading where ReportID = %1 order by SortOrder").arg(id));
     }
 
     ScopedMessages messages;
@@ -308,7 +308,8 @@ TEST_P(ReportGeneratorWindowTest, AColumnThatCannotBeWrittenLeavesNothingWritten
         choose(form, "IncPercent");
     };
     command("Report_Create");
-    EXPECT_TRUE(lastMessage(messages.get()).startsWith("Report Format| error: ")) << lastMessage(messages.get()).toStdString();
+    EXPECT_TRUE(lastMessage(messages.get()).startsWith("Report Format| error: "))
+        << lastMessage(messages.get()).toStdString();
     EXPECT_TRUE(lastMessage(messages.get()).contains("write refused by the test"));
     EXPECT_EQ(rows("select Name from Report"), "Board Summary") << "the new format's name went back with its columns";
 
