@@ -6,7 +6,6 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGridLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
@@ -39,6 +38,8 @@ void setUpGrid(classGrid &grid, QTableView *view, const QString &caption)
 {
     grid.Init(view, nullptr);
     grid.setSingleSelection(true);
+    // The selected grid shows the printed order, which a sort would hide.
+    grid.setSorting(false);
     GridColumnOptions hidden;
     hidden.hidden = true;
     grid.AddColumn(keyColumn, keyColumn, hidden);
@@ -58,7 +59,7 @@ void addHeading(classGrid &grid, const QString &key, const QString &text, const 
     grid.SetCell(row, yearColumn, year);
 }
 
-// Keeps the current row where it was, or on the last row when the grid shrank.
+// Keeps the current row where it was (the last when the grid shrank, the first when there was none).
 void selectNear(classGrid &grid, int row)
 {
     if (grid.CountRows() > 0)
