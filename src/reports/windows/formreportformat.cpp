@@ -113,6 +113,8 @@ void FormReportFormat::buildForm()
     auto *left = new QPushButton(QStringLiteral("<"), this);
     left->setObjectName(QStringLiteral("cmdMoveLeft"));
     left->setToolTip(QStringLiteral("Take the heading off the report"));
+    for (QPushButton *button : {right, left})
+        button->setMaximumWidth(48);
     auto *buttons = new QVBoxLayout;
     buttons->addStretch();
     buttons->addWidget(right);
