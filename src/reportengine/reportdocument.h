@@ -78,7 +78,8 @@ public:
     // (1/72 inch) from the page's top-left corner of the paintable area.
     void paintPage(int index, QPainter &painter) const;
     // Every page onto a device already set up (a printer's copies and
-    // orientation, a PDF writer); returns false with `error` when painting fails.
+    // orientation, a PDF writer), each scaled down to fit when the device's
+    // paper is smaller; returns false with `error` when painting fails.
     bool paint(QPagedPaintDevice &device, QString &error) const;
 
     bool writePdf(const QString &path, QString &error) const;

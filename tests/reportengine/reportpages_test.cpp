@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QImage>
 #include <QPainter>
+#include <QPdfWriter>
 
 #include <gtest/gtest.h>
 
@@ -331,6 +332,28 @@ TEST_F(ReportPagesTest, EveryPageRasterisesAndAFailedWriteNamesTheCause)
 
     EXPECT_FALSE(document->writePdf("/nonexistent-dir/report.pdf", error));
     EXPECT_FALSE(error.isEmpty());
+}
+
+TEST_F(ReportPagesTest, ADeviceKeepsItsPaperAndThePagesShrinkToFitIt)
+{
+    const auto document = ReportDocument::fromTable(budgetTable(2, 3), {}, setupFor(PaperOrientation::Landscape));
+    const QString path = dir.filePath("a4.pdf");
+    {
+        QPdfWriter writer(path);
+        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(20, 20, 20, 20),
+                                         QPageLayout::Point));
+        QString error;
+        ASSERT_TRUE(document->paint(writer, error)) << qPrintable(error);
+    }
+    EXPECT_TRUE(programOutput("pdfinfo", {path}).contains("(A4)")) << qPrintable(programOutput("pdfinfo", {path}));
+    const std::vector<PdfPage> pages = pdfWords(path);
+    ASSERT_EQ(pages.size(), 1u);
+    EXPECT_TRUE(findWord(pages[0], "Grand"));
+    EXPECT_TRUE(findWord(pages[0], "11,171,110.41"));
+    for (const PdfWord &word : pages[0]) {
+        EXPECT_GE(word.left, 20 - 0.5) << qPrintable(word.text);
+        EXPECT_LE(word.right, 595.3 - 20 + 0.5) << qPrintable(word.text);
+    }
 }
 
 } // namespace
