@@ -217,7 +217,7 @@ TEST_F(ReportPagesTest, AWideTableGivesUpTextNeverFigures)
     for (int c = 0; c < 9; ++c) {
         table.headings << QString("Year %1\nActual").arg(2015 + c);
         table.kinds.push_back(Kind::Amount);
-        table.widths.push_back(14);
+        table.widths.push_back(10); // narrower than the figures: they win
     }
     table.headings.prepend("Description");
     table.kinds.insert(table.kinds.begin(), Kind::Text);
@@ -236,6 +236,16 @@ TEST_F(ReportPagesTest, AWideTableGivesUpTextNeverFigures)
         ASSERT_TRUE(word) << qPrintable(figure) << " is shown whole";
         EXPECT_LE(word->right, 612 - 36 + 0.5);
     }
+    // No figure runs into its neighbour.
+    PdfPage row;
+    const double top = findWord(pages[0], "-123,456,789.99")->top;
+    for (const PdfWord &word : pages[0])
+        if (std::abs(word.top - top) < 1 && word.text.startsWith("-1"))
+            row.push_back(word);
+    std::sort(row.begin(), row.end(), [](const PdfWord &a, const PdfWord &b) { return a.left < b.left; });
+    ASSERT_EQ(row.size(), 9u);
+    for (std::size_t w = 1; w < row.size(); ++w)
+        EXPECT_LT(row[w - 1].right + 2, row[w].left) << qPrintable(row[w].text);
     const QString text = pageText(pages[0]);
     EXPECT_TRUE(text.contains("Instruc")) << "the description is shortened, not dropped";
     EXPECT_FALSE(text.contains("grades kindergarten to six"));
