@@ -108,6 +108,7 @@ TEST_F(ReportPagesTest, EveryPageRepeatsTheHeadingsAndEveryRowAppearsOnceInOrder
 
     QStringList seen;
     std::vector<int> rowsOnPage;
+    int continuedPages = 0;
     for (std::size_t p = 0; p < pages.size(); ++p) {
         const QString text = pageText(pages[p]);
         EXPECT_TRUE(text.contains("Lakeview Central School District")) << p;
@@ -127,6 +128,12 @@ TEST_F(ReportPagesTest, EveryPageRepeatsTheHeadingsAndEveryRowAppearsOnceInOrder
             }
         }
         rowsOnPage.push_back(rows);
+        // Under the headings, a page begins with its folder's heading, carried
+        // on from the page before when the folder is.
+        const QString first = text.section('\n', 6, 6);
+        EXPECT_TRUE(first.startsWith("Folder ") && (first.endsWith(" Header") || first.endsWith(" Header (continued)")))
+            << "page " << p + 1 << " begins with " << qPrintable(first);
+        continuedPages += first.endsWith("(continued)");
         // A folder's heading is followed on its own page by at least one of its rows.
         for (const PdfWord &word : pages[p]) {
             if (word.text != "Header")
@@ -141,6 +148,7 @@ TEST_F(ReportPagesTest, EveryPageRepeatsTheHeadingsAndEveryRowAppearsOnceInOrder
         for (int a = 0; a < accounts; ++a)
             expected << account(f, a);
     EXPECT_EQ(seen, expected);
+    EXPECT_GE(continuedPages, 3);
     // Full pages hold about as many rows as a letter page can.
     for (std::size_t p = 0; p + 1 < rowsOnPage.size(); ++p) {
         EXPECT_GE(rowsOnPage[p], 45) << "page " << p + 1;
