@@ -35,8 +35,8 @@ struct ReportTable {
     std::vector<int> widths; // one per column, in average characters
     struct Row {
         RowKind kind = RowKind::Detail;
-        int level = 0;              // group depth for headers and totals, from 0 (indents the first column)
-        bool newPage = false;       // a group header that starts a new page
+        int level = 0;        // group depth, from 0; indents the first column
+        bool newPage = false; // a group header that starts a new page
         // Amounts and numbers as plain decimals ("1234.5"), percentages as the
         // percentage ("12.5" is 12.5 %), dates "MM/dd/yyyy"; any other text
         // ("n/a") is shown as it stands. "" for empty.
