@@ -120,6 +120,22 @@ protected:
         QString message;
         ASSERT_EQ(createSampleInstallation(fundFolder_->path(), smallSampleDistrict(), {}, message), 0)
             << message.toStdString();
+        // The sample pays every order in full: leave one open and adjust a budget, so each amount differs.
+        DataAccessControl control;
+        control.setDdfPath(fundFolder_->path());
+        control.setFileName(QStringLiteral("SummaryExpenditure"));
+        control.setLocation(QStringLiteral("FUND\\SumExp.btr"));
+        ASSERT_EQ(control.Open(), 0) << control.Message().toStdString();
+        control.setIndexNumber(0);
+        control.setFieldValue(QStringLiteral("Account Code"), QStringLiteral("A2110.450"));
+        ASSERT_EQ(control.GetEqual(), 0);
+        const auto add = [&](const char *field, const char *amount) {
+            const Currency now = control.FieldValue(QString::fromLatin1(field)).value<Currency>();
+            ASSERT_TRUE(control.setFieldValue(QString::fromLatin1(field), QVariant::fromValue(now + money(amount))));
+        };
+        add("03 Encum Placed", "1234.56");
+        add("04 Budget Adjustment", "-500.25");
+        ASSERT_EQ(control.Update(), 0) << control.Message().toStdString();
     }
     static void TearDownTestSuite()
     {
@@ -177,22 +193,34 @@ protected:
         return error;
     }
 
-    // Each account's year-to-date payments, summed here from the summary file's monthly fields.
-    static QHash<QString, Currency> paymentsInFundFiles()
+    // Each account's twelve months of the named amounts, summed here from the summary file's fields.
+    static QHash<QString, std::vector<Currency>> yearSums(const QString &record, const QString &file,
+                                                          const QStringList &amounts)
     {
         DataAccessControl control;
         control.setDdfPath(fundFolder_->path());
-        control.setFileName(QStringLiteral("SummaryExpenditure"));
-        control.setLocation(QStringLiteral("FUND\\SumExp.btr"));
-        QHash<QString, Currency> payments;
+        control.setFileName(record);
+        control.setLocation(QStringLiteral("FUND\\") + file);
+        QHash<QString, std::vector<Currency>> sums;
         EXPECT_EQ(control.Open(), 0) << control.Message().toStdString();
         for (int status = control.StepFirst(); status == 0; status = control.StepNext()) {
-            Currency sum;
-            for (int month = 1; month <= 12; ++month)
-                sum += control.FieldValue(QStringLiteral("%1 Payment Expense").arg(month, 2, 10, QLatin1Char('0')))
-                           .value<Currency>();
-            payments.insert(control.FieldValue(QStringLiteral("Account Code")).toString(), sum);
+            std::vector<Currency> year(amounts.size());
+            for (int k = 0; k < amounts.size(); ++k) {
+                for (int month = 1; month <= 12; ++month)
+                    year[k] += control.FieldValue(QStringLiteral("%1 %2").arg(month, 2, 10, QLatin1Char('0')).arg(amounts[k]))
+                                   .value<Currency>();
+            }
+            sums.insert(control.FieldValue(QStringLiteral("Account Code")).toString(), year);
         }
+        return sums;
+    }
+    static QHash<QString, Currency> paymentsInFundFiles()
+    {
+        QHash<QString, Currency> payments;
+        const auto sums = yearSums(QStringLiteral("SummaryExpenditure"), QStringLiteral("SumExp.btr"),
+                                   {QStringLiteral("Payment Expense")});
+        for (auto it = sums.cbegin(); it != sums.cend(); ++it)
+            payments.insert(it.key(), it.value()[0]);
         return payments;
     }
 
@@ -297,6 +325,62 @@ TEST_P(ReportRunTest, TheSubreportReadsTheRePointedKoraFundTableAndTheSelectionN
     }
     EXPECT_FALSE(expended.isZero());
     EXPECT_EQ(rowStarting(table, "Total Fund A").cells[2], expended.toSqlText());
+}
+
+TEST_P(ReportRunTest, KoraFundYearTablesGiveEveryAccountsTotalsForTheWholeYear)
+{
+    const QString expenditure = QStringLiteral(R"([report]
+title = Expenditure
+[main Summary]
+fund = FY2025_SummaryExpenditure
+[column]
+value = {Summary.AccountCode}
+[column]
+value = {Summary.OpeningEntry} & '|' & {Summary.BudgetAdjustment} & '|' & {Summary.RevisedBudget} & '|' &
+        {Summary.EncumPlaced} & '|' & {Summary.EncumLiquidated} & '|' & {Summary.Encumbrance} & '|' &
+        {Summary.PaymentExpense} & '|' & {Summary.UnencumberedBalance}
+)");
+    const auto sums = yearSums(QStringLiteral("SummaryExpenditure"), QStringLiteral("SumExp.btr"),
+                               {"Opening Entry", "Budget Adjustment", "Encum Placed", "Encum Liquidated",
+                                "Payment Expense"});
+    const auto document = run(*files.load(expenditure));
+    ASSERT_TRUE(document);
+    ASSERT_EQ(document->table().rows.size(), std::size_t(sums.size()));
+    bool anyEncumbrance = false;
+    for (const auto &row : document->table().rows) {
+        const std::vector<Currency> &y = sums.value(row.cells[0]);
+        ASSERT_EQ(y.size(), 5u) << row.cells[0].toStdString();
+        const Currency revised = y[0] + y[1];
+        const Currency open = y[2] - y[3];
+        anyEncumbrance |= !open.isZero();
+        const QStringList expected{y[0].toSqlText(), y[1].toSqlText(), revised.toSqlText(), y[2].toSqlText(),
+                                   y[3].toSqlText(), open.toSqlText(), y[4].toSqlText(),
+                                   (revised - open - y[4]).toSqlText()};
+        EXPECT_EQ(row.cells[1], expected.join(u'|')) << row.cells[0].toStdString();
+    }
+    EXPECT_TRUE(anyEncumbrance);
+
+    const QString revenue = QStringLiteral(R"([report]
+title = Revenue
+[main Summary]
+fund = FY2025_SummaryRevenue
+[column]
+value = {Summary.AccountCode} & '|' & {Summary.FundID} & '|' & {Summary.RevisedBudget} & '|' &
+        {Summary.RevenueReceived} & '|' & {Summary.UnearnedBalance}
+)");
+    const auto received = yearSums(QStringLiteral("SummaryRevenue"), QStringLiteral("SumRev.btr"),
+                                   {"Opening Entry", "Budget Adjustment", "Revenue Received"});
+    const auto revenues = run(*files.load(revenue));
+    ASSERT_TRUE(revenues);
+    ASSERT_EQ(revenues->table().rows.size(), std::size_t(received.size()));
+    for (const auto &row : revenues->table().rows) {
+        const QString code = row.cells[0].section(u'|', 0, 0);
+        const std::vector<Currency> &y = received.value(code);
+        ASSERT_EQ(y.size(), 3u) << code.toStdString();
+        EXPECT_EQ(row.cells[0], QStringList({code, code.left(1), (y[0] + y[1]).toSqlText(), y[2].toSqlText(),
+                                             (y[0] + y[1] - y[2]).toSqlText()})
+                                    .join(u'|'));
+    }
 }
 
 TEST_P(ReportRunTest, ParameterValuesReachTheSqlAsQuotedLiterals)
