@@ -185,6 +185,10 @@ TEST_F(DefinitionTest, ReplacingAFormulaIsRefusedWithTheReasonAndKeepsTheOldText
     EXPECT_EQ(definition->RecordSelectionFormula(), narrowed);
     EXPECT_FALSE(definition->setRecordSelectionFormula(narrowed + QStringLiteral(" and"), error));
     EXPECT_EQ(definition->RecordSelectionFormula(), narrowed);
+    // Narrowing a definition that selects every row.
+    ASSERT_TRUE(definition->setRecordSelectionFormula(QString(), error));
+    EXPECT_TRUE(definition->setRecordSelectionFormula(QStringLiteral(" and {SummaryTree.ID} in [ 1 ]"), error));
+    EXPECT_EQ(definition->RecordSelectionFormula(), QStringLiteral("{SummaryTree.ID} in [ 1 ]"));
 }
 
 TEST_F(DefinitionTest, OnlyKoraFundTablesAreRePointedAndOnlyToTheSameRecord)
