@@ -200,7 +200,7 @@ bool ReportGrouping::build(const std::vector<int> &rows, ReportTable &table, con
     std::vector<std::vector<ReportValue>> values(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (progress && i % 256 == 0 && !progress(total + static_cast<int>(i * total / rows.size()), total * 2)) {
-            error = QStringLiteral("Cancelled.");
+            error = reportCancelled;
             return false;
         }
         if (!rowValues(rows[i], values[i], error))

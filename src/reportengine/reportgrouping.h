@@ -7,6 +7,9 @@
 
 #include <vector>
 
+// What a run that progress told to stop fails with.
+inline const QString reportCancelled = QStringLiteral("Cancelled.");
+
 // Groups the selected rows: orders them by the definition's groups (folders
 // by their tree's sort order), then writes group headers, detail rows, group
 // totals and the grand total into the report's table.
