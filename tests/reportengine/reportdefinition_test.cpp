@@ -160,6 +160,9 @@ TEST_F(DefinitionTest, ReplacingAFormulaIsRefusedWithTheReasonAndKeepsTheOldText
     ASSERT_TRUE(definition);
     ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
     QString error;
+    EXPECT_EQ(details->formulaNames(), (QStringList{QStringLiteral("Col2Amount"), QStringLiteral("CalExpFundData")}));
+    EXPECT_TRUE(definition->hasFormula(QStringLiteral("change")));
+    EXPECT_FALSE(definition->hasFormula(QStringLiteral("Col2Amount")));
 
     EXPECT_FALSE(definition->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("1"), error));
     EXPECT_EQ(error, QStringLiteral("test.rpt has no formula named \"Col2Amount\""));
