@@ -242,4 +242,22 @@ TEST_F(DefinitionTest, FindsTheInstallationsCopyInAnyCaseThenTheProgramsCopy)
     EXPECT_EQ(findReportDefinition(install, QStringLiteral("NoSuchReport.rpt")), QString());
 }
 
+TEST_F(DefinitionTest, TheDocumentedExampleLoads)
+{
+    QFile doc(QStringLiteral(KORA_SOURCE_DIR "/docs/report-definitions.md"));
+    ASSERT_TRUE(doc.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(doc.readAll());
+    const qsizetype example = text.indexOf(QStringLiteral("## A complete small example"));
+    const qsizetype start = text.indexOf(QStringLiteral("```\n"), example) + 4;
+    const qsizetype end = text.indexOf(QStringLiteral("```"), start);
+    ASSERT_GT(example, 0);
+    auto definition = files.load(text.mid(start, end - start), QStringLiteral("BgtStat.rpt"));
+    ASSERT_TRUE(definition);
+    QString error;
+    ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
+    EXPECT_TRUE(details->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("{Summary.PaymentExpense}"), error));
+    EXPECT_TRUE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error))
+        << error.toStdString();
+}
+
 } // namespace
