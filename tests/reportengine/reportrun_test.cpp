@@ -383,6 +383,51 @@ value = {Summary.AccountCode} & '|' & {Summary.FundID} & '|' & {Summary.RevisedB
     }
 }
 
+TEST_P(ReportRunTest, GroupsByAFormulaCanPrintTotalsOnlyWithSharesOfTheGrandTotal)
+{
+    const auto definition = files.load(QStringLiteral(R"([report]
+title = Summary
+details = no
+grandtotal = 'Total'
+[main Accounts]
+sql = select AccountCode, Ledger, CurrentBudget from AccountCodes where HistoricalCode <> 'H' order by AccountCode
+[group]
+by = {Accounts.Ledger}
+header = 'Ledger ' & {Accounts.Ledger}
+total = 'Total ' & {Accounts.Ledger}
+newpage = {Accounts.Ledger} = 'R'
+[column]
+value = {Accounts.AccountCode}
+[column]
+name = Budget
+kind = amount
+value = {Accounts.CurrentBudget}
+total = yes
+[column]
+kind = percent
+value = 0
+totalvalue = round({Total.Budget} % {Grand.Budget}, 2)
+)"));
+    ASSERT_TRUE(definition);
+    const auto document = run(*definition);
+    ASSERT_TRUE(document);
+    const ReportTable &table = document->table();
+    EXPECT_EQ(shape(table), (QStringList{"H0 Ledger E", "T0 Total E", "H0 Ledger R^", "T0 Total R", "G0 Total"}));
+    Currency expenditure;
+    for (const Account &a : accounts) {
+        if (QLatin1String(a.ledger) == QLatin1String("E") && !*a.historical)
+            expenditure += money(a.budget);
+    }
+    const Currency revenue = money("9000000");
+    EXPECT_EQ(table.rows[1].cells[1], expenditure.toSqlText());
+    EXPECT_EQ(table.rows[3].cells[1], revenue.toSqlText());
+    EXPECT_EQ(table.rows[4].cells[1], (expenditure + revenue).toSqlText());
+    EXPECT_EQ(table.rows[4].cells[2], "100");
+    const double share = expenditure.toDouble() * 100 / (expenditure + revenue).toDouble();
+    EXPECT_NEAR(table.rows[1].cells[2].toDouble(), share, 0.005);
+    EXPECT_EQ(table.rows[1].cells[2].section(u'.', 1).size() <= 2, true);
+}
+
 TEST_P(ReportRunTest, ParameterValuesReachTheSqlAsQuotedLiterals)
 {
     const auto definition = statusDefinition();
