@@ -131,8 +131,8 @@ bool ReportDefinition::setFormula(const QString &name, const QString &text, QStr
     }
     const ReportDefinition &root = impl_->root(*this);
     const auto subs = subreportData(root.impl_->subreports);
-    const FormulaScope scope = impl_->parent ? subreportScope(root.data(), subs, impl_->data)
-                                             : reportScope(root.data(), subs);
+    const FormulaScope scope =
+        impl_->parent ? subreportScope(root.data(), subs, impl_->data) : reportScope(root.data(), subs);
     DefinitionFormula candidate{target->name, text, {}, std::nullopt};
     if (!checkFormula(candidate, scope, impl_->label, error))
         return false;
@@ -155,7 +155,8 @@ bool ReportDefinition::setRecordSelectionFormula(const QString &text, QString &e
     const auto subs = subreportData(impl_->root(*this).impl_->subreports);
     // Appending " and ..." to a definition that selects every row leaves a leading "and".
     QString selection = text;
-    static const QRegularExpression leadingAnd(QStringLiteral("^\\s*and\\s"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression leadingAnd(QStringLiteral("^\\s*and\\s"),
+                                               QRegularExpression::CaseInsensitiveOption);
     if (impl_->data.selection.text.trimmed().isEmpty())
         selection.remove(leadingAnd);
     DefinitionFormula candidate{QStringLiteral("selection"), selection, {}, std::nullopt};

@@ -101,8 +101,8 @@ std::vector<ReportGrouping::Level> ReportGrouping::levelsOf(int row, const std::
     const auto &groups = state_.report().groups;
     for (std::size_t g = 0; g < groups.size(); ++g) {
         if (!groups[g].folders) {
-            levels.push_back({QStringLiteral("%1:%2:").arg(g).arg(int(values[g].type())) + keyText(values[g]),
-                              static_cast<int>(g)});
+            levels.push_back(
+                {QStringLiteral("%1:%2:").arg(g).arg(int(values[g].type())) + keyText(values[g]), static_cast<int>(g)});
             continue;
         }
         if (const FolderNode *folder = state_.folderOf(row)) {

@@ -26,8 +26,8 @@ private:
     // One open group: what tells it apart, the label of its total, the sums of its rows.
     struct Level {
         QString identity;
-        int group = 0;                       // index into the definition's groups
-        const FolderNode *folder = nullptr;  // a folder level
+        int group = 0;                      // index into the definition's groups
+        const FolderNode *folder = nullptr; // a folder level
         bool hasTotal = false;
         QString totalLabel;
         ColumnSums sums;

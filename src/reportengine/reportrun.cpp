@@ -1,8 +1,8 @@
 #include "reportdocument.h"
 
 #include "reportdefinition.h"
-#include "reportlayout.h"
 #include "reportgrouping.h"
+#include "reportlayout.h"
 #include "reportrunstate.h"
 
 #include <QDate>
@@ -97,8 +97,7 @@ bool selectRows(const RunState &state, std::vector<int> &kept, const ReportProgr
     return true;
 }
 
-bool fillCharts(const RunState &state, const std::vector<int> &rows, std::vector<ReportChart> &charts,
-                QString &error)
+bool fillCharts(const RunState &state, const std::vector<int> &rows, std::vector<ReportChart> &charts, QString &error)
 {
     for (const DefinitionChart &definition : state.report().charts) {
         ReportChart chart;

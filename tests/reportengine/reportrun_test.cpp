@@ -103,12 +103,9 @@ struct Account {
 // Fund A's accounts of the small sample district, in three folders:
 // General Support (2, sorted first), Instruction (1, new page) and its Teaching (3).
 const std::vector<Account> accounts{
-    {"A1010.150", "E", "2", "40000.25", "38000.10"},
-    {"A1240.150", "E", "2", "0", "0"},
-    {"A2110.120", "E", "3", "3500000.50", "3400000"},
-    {"A2110.450", "E", "3", "120000", "118000.99"},
-    {"A5510.200", "E", "1", "250000", "249000"},
-    {"A1001", "R", "2", "9000000", "8900000"},
+    {"A1010.150", "E", "2", "40000.25", "38000.10"},  {"A1240.150", "E", "2", "0", "0"},
+    {"A2110.120", "E", "3", "3500000.50", "3400000"}, {"A2110.450", "E", "3", "120000", "118000.99"},
+    {"A5510.200", "E", "1", "250000", "249000"},      {"A1001", "R", "2", "9000000", "8900000"},
     {"A9999.999", "E", "2", "5", "5", "H"},
 };
 
@@ -207,8 +204,9 @@ protected:
             std::vector<Currency> year(amounts.size());
             for (int k = 0; k < amounts.size(); ++k) {
                 for (int month = 1; month <= 12; ++month)
-                    year[k] += control.FieldValue(QStringLiteral("%1 %2").arg(month, 2, 10, QLatin1Char('0')).arg(amounts[k]))
-                                   .value<Currency>();
+                    year[k] +=
+                        control.FieldValue(QStringLiteral("%1 %2").arg(month, 2, 10, QLatin1Char('0')).arg(amounts[k]))
+                            .value<Currency>();
             }
             sums.insert(control.FieldValue(QStringLiteral("Account Code")).toString(), year);
         }
@@ -236,8 +234,10 @@ QStringList shape(const ReportTable &table)
     static const char *const kinds[] = {"D", "H", "T", "G"};
     QStringList lines;
     for (const auto &row : table.rows)
-        lines << QStringLiteral("%1%2 %3%4").arg(kinds[int(row.kind)]).arg(row.level).arg(row.cells.at(0),
-                                                                                          row.newPage ? "^" : "");
+        lines << QStringLiteral("%1%2 %3%4")
+                     .arg(kinds[int(row.kind)])
+                     .arg(row.level)
+                     .arg(row.cells.at(0), row.newPage ? "^" : "");
     return lines;
 }
 
@@ -263,10 +263,10 @@ TEST_P(ReportRunTest, FoldersGroupTheSelectedAccountsWithTotalsThatAddUp)
     EXPECT_EQ(table.kinds[1], ReportTable::Kind::Amount);
     EXPECT_EQ(table.widths[0], 14);
     // The revenue account fails the selection, the historical one the SQL.
-    EXPECT_EQ(shape(table), (QStringList{"H0 General Support", "D1 A1010.150", "D1 A1240.150",
-                                         "T0 Total General Support", "H0 Instruction^", "D1 A5510.200",
-                                         "H1 Teaching", "D2 A2110.120", "D2 A2110.450", "T1 Total Teaching",
-                                         "T0 Total Instruction", "G0 Total Fund A"}));
+    EXPECT_EQ(shape(table),
+              (QStringList{"H0 General Support", "D1 A1010.150", "D1 A1240.150", "T0 Total General Support",
+                           "H0 Instruction^", "D1 A5510.200", "H1 Teaching", "D2 A2110.120", "D2 A2110.450",
+                           "T1 Total Teaching", "T0 Total Instruction", "G0 Total Fund A"}));
 
     Currency all;
     Currency prior;
@@ -304,17 +304,18 @@ TEST_P(ReportRunTest, TheSubreportReadsTheRePointedKoraFundTableAndTheSelectionN
     ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
     QString error;
     ASSERT_TRUE(details->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("{Summary.PaymentExpense}"), error));
-    ASSERT_TRUE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
+    ASSERT_TRUE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
     ASSERT_TRUE(definition->setRecordSelectionFormula(
         definition->RecordSelectionFormula() + QStringLiteral(" and {SummaryTree.ID} in [ 2, 3 ]"), error));
     const auto document = run(*definition);
     ASSERT_TRUE(document);
     const ReportTable &table = document->table();
     // Folder 1's own account is left out; Instruction still heads its Teaching.
-    EXPECT_EQ(shape(table), (QStringList{"H0 General Support", "D1 A1010.150", "D1 A1240.150",
-                                         "T0 Total General Support", "H0 Instruction^", "H1 Teaching",
-                                         "D2 A2110.120", "D2 A2110.450", "T1 Total Teaching", "T0 Total Instruction",
-                                         "G0 Total Fund A"}));
+    EXPECT_EQ(shape(table),
+              (QStringList{"H0 General Support", "D1 A1010.150", "D1 A1240.150", "T0 Total General Support",
+                           "H0 Instruction^", "H1 Teaching", "D2 A2110.120", "D2 A2110.450", "T1 Total Teaching",
+                           "T0 Total Instruction", "G0 Total Fund A"}));
 
     const QHash<QString, Currency> payments = paymentsInFundFiles();
     Currency expended;
@@ -340,9 +341,9 @@ value = {Summary.OpeningEntry} & '|' & {Summary.BudgetAdjustment} & '|' & {Summa
         {Summary.EncumPlaced} & '|' & {Summary.EncumLiquidated} & '|' & {Summary.Encumbrance} & '|' &
         {Summary.PaymentExpense} & '|' & {Summary.UnencumberedBalance}
 )");
-    const auto sums = yearSums(QStringLiteral("SummaryExpenditure"), QStringLiteral("SumExp.btr"),
-                               {"Opening Entry", "Budget Adjustment", "Encum Placed", "Encum Liquidated",
-                                "Payment Expense"});
+    const auto sums =
+        yearSums(QStringLiteral("SummaryExpenditure"), QStringLiteral("SumExp.btr"),
+                 {"Opening Entry", "Budget Adjustment", "Encum Placed", "Encum Liquidated", "Payment Expense"});
     const auto document = run(*files.load(expenditure));
     ASSERT_TRUE(document);
     ASSERT_EQ(document->table().rows.size(), std::size_t(sums.size()));
@@ -353,9 +354,9 @@ value = {Summary.OpeningEntry} & '|' & {Summary.BudgetAdjustment} & '|' & {Summa
         const Currency revised = y[0] + y[1];
         const Currency open = y[2] - y[3];
         anyEncumbrance |= !open.isZero();
-        const QStringList expected{y[0].toSqlText(), y[1].toSqlText(), revised.toSqlText(), y[2].toSqlText(),
-                                   y[3].toSqlText(), open.toSqlText(), y[4].toSqlText(),
-                                   (revised - open - y[4]).toSqlText()};
+        const QStringList expected{
+            y[0].toSqlText(), y[1].toSqlText(), revised.toSqlText(), y[2].toSqlText(),
+            y[3].toSqlText(), open.toSqlText(), y[4].toSqlText(),    (revised - open - y[4]).toSqlText()};
         EXPECT_EQ(row.cells[1], expected.join(u'|')) << row.cells[0].toStdString();
     }
     EXPECT_TRUE(anyEncumbrance);
@@ -444,12 +445,14 @@ TEST_P(ReportRunTest, FailuresNameTheDefinitionAndWhatIsWrong)
     ASSERT_TRUE(definition);
     ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
     QString error;
-    ASSERT_TRUE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY1999_SummaryExpenditure"), error));
+    ASSERT_TRUE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY1999_SummaryExpenditure"), error));
     error = runError(*definition, fundFolder_->path());
     EXPECT_TRUE(error.contains("BgtStat.rpt")) << error.toStdString();
     EXPECT_TRUE(error.contains("no year with the table id \"FY1999\"")) << error.toStdString();
 
-    ASSERT_TRUE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
+    ASSERT_TRUE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
     EXPECT_TRUE(runError(*definition, QString()).contains("no Kora-Fund installation was given"));
 
     // A column the SQL does not give is found missing when the report runs.
@@ -474,8 +477,8 @@ TEST_P(ReportRunTest, ProgressIsReportedAndCancelStopsTheRun)
     }));
     EXPECT_GE(calls, 2);
     QString error;
-    EXPECT_FALSE(ReportDocument::run(*definition, {db().get(), fundFolder_->path()}, error,
-                                     [&](int, int) { return false; }));
+    EXPECT_FALSE(
+        ReportDocument::run(*definition, {db().get(), fundFolder_->path()}, error, [&](int, int) { return false; }));
     EXPECT_EQ(error, "Cancelled.");
 }
 
@@ -517,7 +520,7 @@ value = {Towns.TaxRate}
 kind = percent
 value = round({Towns.Share} % {Towns.Levy}, 2)
 )"),
-                                      QStringLiteral("TaxRev.rpt"));
+                                       QStringLiteral("TaxRev.rpt"));
     ASSERT_TRUE(definition);
     definition->setParameter(QStringLiteral("LedgerID"), ReportValue::text(QStringLiteral("E")));
     const auto document = run(*definition);
