@@ -154,11 +154,25 @@ QStringList folderIndexes(SqlDialect)
             "CREATE INDEX IF NOT EXISTS BudgetSummaryTree_TrimmedID ON BudgetSummaryTree ((Rtrim(ltrim(ID))))")};
 }
 
+// Every change to the budget figures, column by column (see AuditTrail).
+// Written in the change's own transaction; read newest first.
+QStringList auditTrail(SqlDialect d)
+{
+    return {
+        table(QStringLiteral("AuditTrail"),
+              {generatedKey(d), text(QStringLiteral("ChangedAt")), text(QStringLiteral("UserID")),
+               text(QStringLiteral("Workstation")), text(QStringLiteral("Task")), text(QStringLiteral("TableName")),
+               text(QStringLiteral("RowKey")), text(QStringLiteral("AccountCode")), text(QStringLiteral("ColumnName")),
+               text(QStringLiteral("OldValue")), text(QStringLiteral("NewValue"))})
+            .sql,
+        QStringLiteral("CREATE INDEX AuditTrail_ChangedAt ON AuditTrail (ChangedAt)")};
+}
+
 using Migration = std::function<QStringList(SqlDialect)>;
 
 const std::vector<Migration> &migrations()
 {
-    static const std::vector<Migration> all{wholeSchema, folderIndexes};
+    static const std::vector<Migration> all{wholeSchema, folderIndexes, auditTrail};
     return all;
 }
 
