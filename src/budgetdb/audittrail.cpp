@@ -24,13 +24,8 @@ QString valueText(const Recordset &row, const AuditColumn &column)
     case AuditColumn::Kind::Text:
         break;
     }
+    // Blanks that pad a text are no change of it.
     return row.text(column.name).trimmed();
-}
-
-// sqlText trims; old and new values are kept exactly as they were.
-QString untrimmed(const QString &text)
-{
-    return u'\'' + QString(text).replace(u'\'', QStringLiteral("''")) + u'\'';
 }
 
 QString rowKey(const Recordset &row, const QStringList &key)
@@ -157,8 +152,8 @@ bool record(DbConnection &db, const QString &task, std::vector<AuditEntry> entri
         values << u'(' +
                       QStringList{sqlText(change.changedAt),   sqlText(change.user),   sqlText(change.workstation),
                                   sqlText(change.task),        sqlText(change.table),  sqlText(change.rowKey),
-                                  sqlText(change.accountCode), sqlText(change.column), untrimmed(change.oldValue),
-                                  untrimmed(change.newValue)}
+                                  sqlText(change.accountCode), sqlText(change.column), sqlText(change.oldValue),
+                                  sqlText(change.newValue)}
                           .join(u',') +
                       u')';
         if (std::size_t(values.size()) == rowsPerInsert && !flush())
