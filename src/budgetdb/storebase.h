@@ -39,8 +39,7 @@ public:
     bool AbortTransaction();
     bool Endtransaction();
 
-    // The task the audit trail names for this store's changes ("Proposed Budget", ...).
-    const QString &auditTask() const { return auditTask_; }
+    // The task the audit trail names for this store's changes (AuditTask).
     void setAuditTask(QString task) { auditTask_ = std::move(task); }
 
 protected:

@@ -105,7 +105,7 @@ TEST_P(ReportGeneratorTest, DeleteTakesTheColumnsAlongUnlessTheCallerAborts)
 
 TEST_P(ReportGeneratorTest, EveryChangeToAFormatIsAuditedAndAnAbortedOneIsNot)
 {
-    generator.setAuditTask("Report Formats");
+    generator.setAuditTask(AuditTask::ReportFormats);
     const std::int32_t id = addFormat("Mine", {"CurBudget", "Increment"});
     const QString since =
         "select Task, TableName, RowKey, ColumnName, OldValue, NewValue from AuditTrail where ID > %1 "

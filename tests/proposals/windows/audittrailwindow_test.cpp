@@ -5,8 +5,10 @@
 #include "workeraudittrail.h"
 
 #include <QDateEdit>
+#include <QFile>
 #include <QLineEdit>
 #include <QMdiArea>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -94,6 +96,17 @@ TEST_P(AuditTrailWindowTest, ListsNewestFirstAndNarrowsByAccountUserTaskAndDays)
     ASSERT_EQ(messages->shown().size(), 1u);
     EXPECT_EQ(messages->shown()[0].error.text, "The day \"To\" (2026-03-02) is before the day \"From\" (2026-03-03).");
     EXPECT_EQ(shown(), "03-02 00:00 BUSINESS Chalk|03-01 23:59 CLERK 75") << "the list stays as it was";
+
+    // The list leaves the program as shown.
+    QTemporaryDir folder;
+    messages->answerText(folder.filePath("trail.csv"));
+    worker->mwfrmChild_Command("Export");
+    QFile written(folder.filePath("trail.csv"));
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const QStringList lines = QString::fromUtf8(written.readAll()).split("\r\n", Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 3) << lines.join('\n').toStdString();
+    EXPECT_TRUE(lines[0].startsWith("\"When (UTC)\"")) << lines[0].toStdString();
+    EXPECT_TRUE(lines[1].contains("Chalk")) << lines[1].toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(Backends, AuditTrailWindowTest,
