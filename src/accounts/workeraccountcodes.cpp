@@ -82,7 +82,9 @@ workerAccountCodes::workerAccountCodes(AccountCodesContext context, QObject *par
     : ChildWorker(parent), context_(std::move(context))
 {
     accounts_.setAdoConnection(context_.connection);
+    accounts_.setAuditTask(AuditTask::AccountCodes);
     tree_.setAdoConnection(context_.connection);
+    tree_.setAuditTask(AuditTask::AccountCodes);
 }
 
 workerAccountCodes::~workerAccountCodes()

@@ -26,6 +26,30 @@ void fillCode(const Recordset &row, clsAccountCode &code, bool withAmount)
         code.setProjectedAmount(row.amount(QStringLiteral("ProjectedAmount")));
 }
 
+// An account code by ID, or, for one being added, by its code. The budgets
+// are the new year's to write, not a window's.
+AuditedRows auditedCodes(const QString &where)
+{
+    QStringList texts{QStringLiteral("Ledger"),      QStringLiteral("FundID"),    QStringLiteral("AccountCode"),
+                      QStringLiteral("AccountName"), QStringLiteral("ParentID"),  QStringLiteral("ProgramID"),
+                      QStringLiteral("BuildingID"),  QStringLiteral("StateCode"), QStringLiteral("HistoricalCode"),
+                      QStringLiteral("CatAFlag"),    QStringLiteral("CatPFlag"),  QStringLiteral("CatCFlag")};
+    std::vector<AuditColumn> columns;
+    for (const QString &name : texts)
+        columns.push_back({name});
+    columns.push_back({QStringLiteral("ProjectedAmount"), AuditColumn::Kind::Amount});
+    return {QStringLiteral("AccountCodes"),
+            {QStringLiteral("ID")},
+            std::move(columns),
+            where,
+            QStringLiteral("AccountCode")};
+}
+
+AuditedRows auditedCode(qint64 id)
+{
+    return auditedCodes(QStringLiteral("id = ") + number(id));
+}
+
 } // namespace
 
 void clsAccountCode::setLedgerID(const QString &ledger)
@@ -62,7 +86,8 @@ bool ClsAccountSummary::Add()
                                        "Values (") +
                         quoted.join(u',') + u')';
     return changeRows(sql, QStringLiteral("Account Codes"), Expect::ExactlyOne,
-                      always(QStringLiteral("Invalid number of records added!")));
+                      always(QStringLiteral("Invalid number of records added!")),
+                      auditedCodes(QStringLiteral("AccountCode = ") + sqlText(a.AccountCode())));
 }
 
 QString ClsAccountSummary::updateStatement() const
@@ -84,7 +109,7 @@ QString ClsAccountSummary::updateStatement() const
 bool ClsAccountSummary::Update()
 {
     return changeRows(updateStatement(), QStringLiteral("Update"), Expect::ExactlyOne,
-                      always(QStringLiteral("No record found to be Update.")));
+                      always(QStringLiteral("No record found to be Update.")), auditedCode(accountCode_.ID()));
 }
 
 bool ClsAccountSummary::UpdateBatch()
@@ -94,9 +119,10 @@ bool ClsAccountSummary::UpdateBatch()
 
 bool ClsAccountSummary::Delete()
 {
-    return changeRows(
-        QStringLiteral("Update AccountCodes Set HistoricalCode = 'H' Where id = ") + number(accountCode_.ID()),
-        QStringLiteral("Delete"), Expect::AtLeastOne, always(QStringLiteral("No record found to be delete.")));
+    return changeRows(QStringLiteral("Update AccountCodes Set HistoricalCode = 'H' Where id = ") +
+                          number(accountCode_.ID()),
+                      QStringLiteral("Delete"), Expect::AtLeastOne,
+                      always(QStringLiteral("No record found to be delete.")), auditedCode(accountCode_.ID()));
 }
 
 bool ClsAccountSummary::readCodes(const QString &sql, const QString &sub, std::vector<clsAccountCode> &codes,

@@ -205,11 +205,25 @@ QStringList proposalAmountView(SqlDialect d)
                      number(QStringLiteral("CatCAmount"), "CatCAmount"), parts)};
 }
 
+// Every change to the budget figures, column by column (see AuditTrail).
+// Written in the change's own transaction; read newest first.
+QStringList auditTrail(SqlDialect d)
+{
+    return {
+        table(QStringLiteral("AuditTrail"),
+              {generatedKey(d), text(QStringLiteral("ChangedAt")), text(QStringLiteral("UserID")),
+               text(QStringLiteral("Workstation")), text(QStringLiteral("Task")), text(QStringLiteral("TableName")),
+               text(QStringLiteral("RowKey")), text(QStringLiteral("AccountCode")), text(QStringLiteral("ColumnName")),
+               text(QStringLiteral("OldValue")), text(QStringLiteral("NewValue"))})
+            .sql,
+        QStringLiteral("CREATE INDEX AuditTrail_ChangedAt ON AuditTrail (ChangedAt)")};
+}
+
 using Migration = std::function<QStringList(SqlDialect)>;
 
 const std::vector<Migration> &migrations()
 {
-    static const std::vector<Migration> all{wholeSchema, folderIndexes, proposalAmountView};
+    static const std::vector<Migration> all{wholeSchema, folderIndexes, proposalAmountView, auditTrail};
     return all;
 }
 

@@ -100,9 +100,46 @@ bool StoreBase::executeCounted(const QString &sql, const QString &sub, Expect ex
     return false;
 }
 
-bool StoreBase::changeRows(const QString &sql, const QString &sub, Expect expect, const FailText &failText)
+bool StoreBase::changeRows(const QString &sql, const QString &sub, Expect expect, const FailText &failText,
+                           const AuditedRows &rows)
 {
-    return atomically(sub, [&] { return executeCounted(sql, sub, expect, failText); });
+    return atomicallyAudited(sub, rows, [&] { return executeCounted(sql, sub, expect, failText); });
+}
+
+bool StoreBase::atomicallyAudited(const QString &sub, const AuditedRows &rows, const std::function<bool()> &write)
+{
+    return atomically(sub, [&] { return audited(sub, rows, write); });
+}
+
+bool StoreBase::audited(const QString &sub, const AuditedRows &rows, const std::function<bool()> &write)
+{
+    AuditTrail::Snapshot before;
+    AuditTrail::Snapshot after;
+    DbError error;
+    if (!AuditTrail::snapshot(db(), rows, before, &error)) {
+        reportDbError(sub, error);
+        return false;
+    }
+    if (!write())
+        return false;
+    if (!AuditTrail::snapshot(db(), rows, after, &error) ||
+        !AuditTrail::record(db(), auditTask_, AuditTrail::changes(rows, before, after), &error)) {
+        reportDbError(sub, error);
+        return false;
+    }
+    return true;
+}
+
+bool StoreBase::recordSummary(const QString &sub, const QString &table, const QString &text)
+{
+    AuditEntry entry;
+    entry.table = table;
+    entry.newValue = text;
+    DbError error;
+    if (AuditTrail::record(db(), auditTask_, {entry}, &error))
+        return true;
+    reportDbError(sub, error);
+    return false;
 }
 
 bool StoreBase::run(const QString &sql, const QString &sub, qint64 *affected)

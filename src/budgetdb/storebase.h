@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audittrail.h"
 #include "dbconnection.h"
 #include "errobject.h"
 
@@ -18,6 +19,9 @@
 // undone back to where it began, so the caller can still commit the rest or
 // abort it all. The ...Batch operations follow the same rule; their names only
 // say that callers group them between BeginTransaction and Endtransaction.
+//
+// Every write is recorded in the audit trail inside the same work, under the
+// task the window that owns the store has set (setAuditTask).
 class StoreBase {
 public:
     explicit StoreBase(QString className);
@@ -34,6 +38,9 @@ public:
     bool BeginTransaction();
     bool AbortTransaction();
     bool Endtransaction();
+
+    // The task the audit trail names for this store's changes (AuditTask).
+    void setAuditTask(QString task) { auditTask_ = std::move(task); }
 
 protected:
     DbConnection &db();
@@ -59,8 +66,18 @@ protected:
     // reports (999, sub, failText(count)). No transaction of its own: for use
     // inside atomically().
     bool executeCounted(const QString &sql, const QString &sub, Expect expect, const FailText &failText);
-    // executeCounted as one all-or-nothing operation.
-    bool changeRows(const QString &sql, const QString &sub, Expect expect, const FailText &failText);
+    // executeCounted as one all-or-nothing operation, audited over `rows`.
+    bool changeRows(const QString &sql, const QString &sub, Expect expect, const FailText &failText,
+                    const AuditedRows &rows);
+
+    // Runs `write` and records each column it changed among `rows`. No
+    // transaction of its own: for use inside atomically(), so the entries
+    // stand or fall with the change.
+    bool audited(const QString &sub, const AuditedRows &rows, const std::function<bool()> &write);
+    // audited() as one all-or-nothing operation.
+    bool atomicallyAudited(const QString &sub, const AuditedRows &rows, const std::function<bool()> &write);
+    // One entry for bulk work on `table`, described by `text` (inside atomically()).
+    bool recordSummary(const QString &sub, const QString &table, const QString &text);
 
     // Runs a statement with no count rule; false (and reported) on a database error.
     bool run(const QString &sql, const QString &sub, qint64 *affected = nullptr);
@@ -92,4 +109,5 @@ protected:
 private:
     std::shared_ptr<DbConnection> connection_;
     clsErrObject error_;
+    QString auditTask_;
 };

@@ -30,6 +30,18 @@ void fillNode(const Recordset &row, clsTreeItem &item)
     item.ForceNewPage = row.text(QStringLiteral("ForceNewPage")).trimmed() == u"Y";
 }
 
+AuditedRows auditedNode(qint64 id)
+{
+    std::vector<AuditColumn> columns;
+    for (const char *name : {"NodeType", "FundID", "LedgerID", "ParentID", "SortOrder", "Name", "ForceNewPage"})
+        columns.push_back({QLatin1String(name)});
+    return {QStringLiteral("BudgetSummaryTree"),
+            {QStringLiteral("ID")},
+            std::move(columns),
+            QStringLiteral("Rtrim(Ltrim(ID)) = ") + sqlText(number(id)),
+            {}};
+}
+
 } // namespace
 
 clsTreeSummary::clsTreeSummary() : StoreBase(QStringLiteral("clsTreeSummary"))
@@ -73,8 +85,10 @@ bool clsTreeSummary::insertNewNode()
                         sqlText(t.FundID) + u',' + sqlText(t.LedgerID) + u',' + sqlText(number(t.ParentID)) +
                         QStringLiteral(",'") + paddedSortOrder(t.SortOrder) + QStringLiteral("',") + sqlText(t.Name) +
                         QStringLiteral(",'") + yesNo(t.ForceNewPage) + QStringLiteral(" ')");
-    return executeCounted(sql, QStringLiteral("BudgetSummaryTree"), Expect::ExactlyOne,
-                          always(QStringLiteral("Invalid number of records added!")));
+    return audited(QStringLiteral("BudgetSummaryTree"), auditedNode(t.ID), [&] {
+        return executeCounted(sql, QStringLiteral("BudgetSummaryTree"), Expect::ExactlyOne,
+                              always(QStringLiteral("Invalid number of records added!")));
+    });
 }
 
 QString clsTreeSummary::updateStatement() const
@@ -90,7 +104,7 @@ QString clsTreeSummary::updateStatement() const
 bool clsTreeSummary::Update()
 {
     return changeRows(updateStatement(), QStringLiteral("Update"), Expect::ExactlyOne,
-                      always(QStringLiteral("No record found to be Update.")));
+                      always(QStringLiteral("No record found to be Update.")), auditedNode(treeItem_.ID));
 }
 
 bool clsTreeSummary::UpdateBatch()
@@ -103,7 +117,7 @@ bool clsTreeSummary::Delete()
     return changeRows(QStringLiteral("Delete from BudgetSummaryTree where Rtrim(Ltrim(Id)) = ") +
                           sqlText(number(treeItem_.ID)),
                       QStringLiteral("TreeSummary:Delete"), Expect::AtLeastOne,
-                      always(QStringLiteral("No record found to be delete.")));
+                      always(QStringLiteral("No record found to be delete.")), auditedNode(treeItem_.ID));
 }
 
 QString clsTreeSummary::childConditions(const clsTreeItem &selector)

@@ -181,7 +181,7 @@ struct PrivilegeDef {
     const char *description;
 };
 
-const std::array<PrivilegeDef, 21> budgetPrivileges{{
+const std::array<PrivilegeDef, 22> budgetPrivileges{{
     {"FILE", "mnuFileProposedBudget", "Enter the proposed budget"},
     {"EDIT", "mnuBudgetAccountCodes", "Edit account codes"},
     {"REPORTS", "mnuReportBudgetStatus", "Budget status report"},
@@ -203,6 +203,7 @@ const std::array<PrivilegeDef, 21> budgetPrivileges{{
     {"MAINT", "mnuMaintEqualDistricts", "Maintain equalization districts"},
     {"UTIL", "mnuInitializeBudget", "Initialize a new budget year"},
     {"UTIL", "mnuChooseProposal", "Change the active proposal"},
+    {"UTIL", "mnuUtilitiesAuditTrail", "Read the audit trail of budget changes"},
 }};
 
 void writeSecurity(const fs::path &fund)

@@ -22,6 +22,23 @@ void fillDistrict(const Recordset &row, clsEqualizationItem &item)
     item.PriorTaxableAssessment = row.amount("PrevTaxAssess");
 }
 
+// A district by its ID, or, for one being added, by its name.
+AuditedRows auditedDistricts(const QString &where)
+{
+    using Kind = AuditColumn::Kind;
+    return {QStringLiteral("TaxRate"),
+            {QStringLiteral("ID")},
+            {{QStringLiteral("TownShip")},
+             {QStringLiteral("CurrentEqualRate"), Kind::Rate},
+             {QStringLiteral("CurrentAssessment"), Kind::Amount},
+             {QStringLiteral("CurrentTaxAssess"), Kind::Amount},
+             {QStringLiteral("PrevEqualRate"), Kind::Rate},
+             {QStringLiteral("PrevAssessment"), Kind::Amount},
+             {QStringLiteral("PrevTaxAssess"), Kind::Amount}},
+            where,
+            {}};
+}
+
 } // namespace
 
 clsEqualization::clsEqualization() : CountedStore(QStringLiteral("clsEqualization"))
@@ -31,7 +48,8 @@ clsEqualization::clsEqualization() : CountedStore(QStringLiteral("clsEqualizatio
 bool clsEqualization::DeleteBatch()
 {
     return changeRows("Delete from TaxRate " + QStringLiteral(" where id = ") + QString::number(item_.ID),
-                      QStringLiteral("Delete"), Expect::ExactlyOne, countThen(QStringLiteral(" records to be Delete")));
+                      QStringLiteral("Delete"), Expect::ExactlyOne, countThen(QStringLiteral(" records to be Delete")),
+                      auditedDistricts("id = " + QString::number(item_.ID)));
 }
 
 bool clsEqualization::UpdateBatch()
@@ -45,7 +63,8 @@ bool clsEqualization::UpdateBatch()
                         ", PrevTaxAssess = " + item_.PriorTaxableAssessment.toSqlText() +
                         " where id = " + QString::number(item_.ID);
     return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be update")));
+                      countThen(QStringLiteral(" records to be update")),
+                      auditedDistricts("id = " + QString::number(item_.ID)));
 }
 
 bool clsEqualization::AddBatch()
@@ -57,7 +76,8 @@ bool clsEqualization::AddBatch()
                         "," + rateText(item_.PriorRate) + "," + item_.PriorTaxableAssessment.toSqlText() + "," +
                         item_.PriorTotalAssessment.toSqlText() + ")";
     return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be Added. ")));
+                      countThen(QStringLiteral(" records to be Added. ")),
+                      auditedDistricts("TownShip = " + sqlText(item_.DistrickName)));
 }
 
 bool clsEqualization::GetList(std::vector<clsEqualizationItem> &items)

@@ -8,6 +8,16 @@ void fillBalances(const Recordset &row, clsFundBalanceItem &item)
     item.PreviousYearBalance = row.amount("PreviousBalance");
 }
 
+AuditedRows auditedBalances(const QString &fund)
+{
+    return {QStringLiteral("Bals"),
+            {QStringLiteral("Fund")},
+            {{QStringLiteral("CurrentBalance"), AuditColumn::Kind::Amount},
+             {QStringLiteral("PreviousBalance"), AuditColumn::Kind::Amount}},
+            "Fund = " + sqlText(fund),
+            {}};
+}
+
 } // namespace
 
 clsFundBalance::clsFundBalance() : CountedStore(QStringLiteral("clsFundBalance"))
@@ -20,7 +30,7 @@ bool clsFundBalance::UpdateBatch()
         "Update Bals Set " + QStringLiteral(" CurrentBalance = ") + item_.CurrentYearBalance.toSqlText() + "," +
         " PreviousBalance = " + item_.PreviousYearBalance.toSqlText() + " where Fund = " + sqlText(item_.Fund);
     return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be update")));
+                      countThen(QStringLiteral(" records to be update")), auditedBalances(item_.Fund));
 }
 
 bool clsFundBalance::AddBatch()
@@ -28,7 +38,7 @@ bool clsFundBalance::AddBatch()
     const QString sql = "Insert into Bals (Fund, CurrentBalance, PreviousBalance) values (" + sqlText(item_.Fund) +
                         "," + item_.CurrentYearBalance.toSqlText() + "," + item_.PreviousYearBalance.toSqlText() + ")";
     return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be Added. ")));
+                      countThen(QStringLiteral(" records to be Added. ")), auditedBalances(item_.Fund));
 }
 
 bool clsFundBalance::GetList(std::vector<clsFundBalanceItem> &items)

@@ -125,11 +125,16 @@ bool clsInitNewYear::InitSummaryBudgetFiles()
 {
     cancelled_ = false;
     return atomically(accountSub, [this] {
-        return rollAccounts() && (!clearLineItem_ || run(QStringLiteral("Delete from LnItem"), accountSub));
+        QString summary;
+        if (!rollAccounts(summary) || (clearLineItem_ && !run(QStringLiteral("Delete from LnItem"), accountSub)))
+            return false;
+        if (clearLineItem_)
+            summary += QStringLiteral("; line items cleared");
+        return recordSummary(accountSub, QStringLiteral("AccountCodes"), summary);
     });
 }
 
-bool clsInitNewYear::rollAccounts()
+bool clsInitNewYear::rollAccounts(QString &summary)
 {
     std::vector<AccountRow> accounts;
     // Read them all first: the pass updates the table it reads.
@@ -150,19 +155,25 @@ bool clsInitNewYear::rollAccounts()
         return false;
     }
     const int total = static_cast<int>(accounts.size());
+    int retired = 0;
     for (int done = 0; done < total; ++done) {
         if (progress_ && !progress_({done, total, accounts[done].code.trimmed()})) {
             cancelled_ = true;
             reportInOwnWords(Error(), 0, QStringLiteral("Stopped by the user."));
             return false;
         }
-        if (!rollAccount(ledgers, accounts[done]))
+        if (!rollAccount(ledgers, accounts[done], retired))
             return false;
     }
+    summary = QStringLiteral("%1 accounts rolled from budget year %2 (%3 budget), %4 made historical")
+                  .arg(total)
+                  .arg(currentBudgetYear_.trimmed(),
+                       budgetFrom_.trimmed() == u"A" ? QStringLiteral("adjusted") : QStringLiteral("original"))
+                  .arg(retired);
     return true;
 }
 
-bool clsInitNewYear::rollAccount(LedgerReader &ledgers, const AccountRow &account)
+bool clsInitNewYear::rollAccount(LedgerReader &ledgers, const AccountRow &account, int &retired)
 {
     LedgerFigures figures;
     QString why;
@@ -183,6 +194,7 @@ bool clsInitNewYear::rollAccount(LedgerReader &ledgers, const AccountRow &accoun
               : "Update Accountcodes set " + QStringLiteral("HistoricalCode = 'H',") + "Parentid = '0'," +
                     "ProgramID = '0'," + "BuildingID = '0'" + " Where Accountcode = " + sqlText(account.code);
     const FailText failText = countThen(QStringLiteral(" records to be update"));
+    retired += found ? 0 : 1;
     return executeCounted(history, accountSub, Expect::ExactlyOne, failText) &&
            executeCounted(update, accountSub, Expect::ExactlyOne, failText);
 }
@@ -202,7 +214,9 @@ bool clsInitNewYear::UpdateFolders()
             return false;
         }
         return run(QStringLiteral("Delete from BudgetSummaryTree "), folderSub) &&
-               run("Insert into BudgetSummaryTree select * from " + tableId + "_Summarytree", folderSub);
+               run("Insert into BudgetSummaryTree select * from " + tableId + "_Summarytree", folderSub) &&
+               recordSummary(folderSub, QStringLiteral("BudgetSummaryTree"),
+                             QStringLiteral("Replaced by the tree of fund year table %1").arg(tableId));
     });
 }
 
@@ -227,7 +241,10 @@ bool clsInitNewYear::UpdateYearTable()
                            QStringLiteral("No budget year found."),
                            [&](const Recordset &row) { oldest = row.text("YearID"); }))
             return false;
-        return run("Delete from BudgetYears where YearID = " + sqlText(oldest), yearSub);
+        return run("Delete from BudgetYears where YearID = " + sqlText(oldest), yearSub) &&
+               recordSummary(yearSub, QStringLiteral("BudgetYears"),
+                             QStringLiteral("Fiscal Year %1 current, Proposed Year %2 added, year %3 removed")
+                                 .arg(proposedYear_.trimmed(), next, oldest.trimmed()));
     });
 }
 
@@ -242,7 +259,11 @@ bool clsInitNewYear::UpdateProposal()
                                   "CatCProposal = 0 where ProposalID = '1'"),
                    proposalSub) &&
                run(QStringLiteral("delete from ProposalBudget "), proposalSub) &&
-               run(QStringLiteral("INSERT INTO ProposalBudget SELECT ID, '1',0,0,0,0 FROM Accountcodes "), proposalSub);
+               run(QStringLiteral("INSERT INTO ProposalBudget SELECT ID, '1',0,0,0,0 FROM Accountcodes "),
+                   proposalSub) &&
+               recordSummary(proposalSub, QStringLiteral("Proposal"),
+                             QStringLiteral("Proposal 1 \"Default Proposal\" open and active with zero amounts for "
+                                            "every account; the other proposals freed"));
     });
 }
 

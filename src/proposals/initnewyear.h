@@ -25,7 +25,8 @@ using NewYearProgressHandler = std::function<bool(const NewYearProgress &)>;
 // and new budget from Kora-Fund's ledger summaries, the summary tree from
 // the latest fund year's copy, the year table shifted, the proposals reset.
 // Each operation is all or nothing (a savepoint inside the caller's
-// transaction); runNewBudgetYear below makes the four one.
+// transaction); runNewBudgetYear below makes the four one. Each leaves one
+// summary entry in the audit trail, not one per account.
 class clsInitNewYear : public StoreBase {
 public:
     clsInitNewYear();
@@ -55,8 +56,10 @@ private:
     struct AccountRow;
     struct LedgerFigures;
     class LedgerReader;
-    bool rollAccounts();
-    bool rollAccount(LedgerReader &ledgers, const AccountRow &account);
+    // Fills what the audit trail says of the pass.
+    bool rollAccounts(QString &summary);
+    // `retired` counts the accounts Kora-Fund no longer has.
+    bool rollAccount(LedgerReader &ledgers, const AccountRow &account, int &retired);
 
     QString currentBudgetYear_;
     QString proposedYear_;

@@ -1,5 +1,7 @@
 #include "line.h"
 
+#include "proposedbudget.h"
+
 namespace {
 
 void fillLine(const Recordset &row, clsLineItem &item)
@@ -8,6 +10,15 @@ void fillLine(const Recordset &row, clsLineItem &item)
     item.LineItemNumber = static_cast<std::int32_t>(row.number("LineItemNumber"));
     item.LineItemText = row.text("LineItemText");
     item.LineItemAmount = row.amount("LineItemAmount");
+}
+
+AuditedRows auditedLine(std::int32_t accountId, std::int32_t lineNumber)
+{
+    return {QStringLiteral("LnItem"),
+            {QStringLiteral("AcctId"), QStringLiteral("LineItemNumber")},
+            {{QStringLiteral("LineItemText")}, {QStringLiteral("LineItemAmount"), AuditColumn::Kind::Amount}},
+            "AcctId = " + QString::number(accountId) + " and LineItemNumber = " + QString::number(lineNumber),
+            AuditTrail::accountCodeOf(QStringLiteral("LnItem"))};
 }
 
 } // namespace
@@ -23,7 +34,8 @@ bool clsLine::UpdateBatch()
                         " where AcctID = " + QString::number(item_.AcctId) +
                         " And LineItemNumber =  " + QString::number(item_.LineItemNumber);
     return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be update")));
+                      countThen(QStringLiteral(" records to be update")),
+                      auditedLine(item_.AcctId, item_.LineItemNumber));
 }
 
 bool clsLine::AddBatch()
@@ -32,7 +44,8 @@ bool clsLine::AddBatch()
                         QString::number(item_.AcctId) + "," + QString::number(item_.LineItemNumber) + "," +
                         sqlText(item_.LineItemText) + "," + item_.LineItemAmount.toSqlText() + ")";
     return changeRows(sql, QStringLiteral("Add"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be Added. ")));
+                      countThen(QStringLiteral(" records to be Added. ")),
+                      auditedLine(item_.AcctId, item_.LineItemNumber));
 }
 
 bool clsLine::UpdateLineTotal(const QString &proposalID)
@@ -41,7 +54,8 @@ bool clsLine::UpdateLineTotal(const QString &proposalID)
                         item_.LineItemAmount.toSqlText() + " where AcctID = " + QString::number(item_.AcctId) +
                         " and ProposalID = " + sqlText(proposalID);
     return changeRows(sql, QStringLiteral("Update line total"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be update")));
+                      countThen(QStringLiteral(" records to be update")),
+                      clsProposedBudget::auditedAmounts(item_.AcctId, proposalID));
 }
 
 bool clsLine::Delete()
@@ -49,7 +63,8 @@ bool clsLine::Delete()
     const QString sql = "Delete from LnItem where AcctId = " + QString::number(item_.AcctId) +
                         " and LineItemNumber = " + QString::number(item_.LineItemNumber);
     return changeRows(sql, QStringLiteral("Delete"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be deleted")));
+                      countThen(QStringLiteral(" records to be deleted")),
+                      auditedLine(item_.AcctId, item_.LineItemNumber));
 }
 
 bool clsLine::GetList(std::vector<clsLineItem> &items)

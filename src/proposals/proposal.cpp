@@ -21,6 +21,25 @@ bool isKnownSource(const QString &source)
     return known.contains(source, Qt::CaseInsensitive);
 }
 
+// The slots by ID; empty `where`: every slot (making one active clears the others).
+AuditedRows auditedSlots(const QString &where)
+{
+    return {QStringLiteral("Proposal"),
+            {QStringLiteral("ID")},
+            {{QStringLiteral("Name")}, {QStringLiteral("Status")}, {QStringLiteral("Active")}},
+            where,
+            {}};
+}
+
+// What the audit trail says of a new proposal's amounts: one entry, not one per account.
+QString filledFrom(const QString &id, const QString &source)
+{
+    const QString from = source == u"E"   ? QStringLiteral("with zero amounts")
+                         : source == u"C" ? QStringLiteral("from the current budget")
+                                          : QStringLiteral("from proposal ") + source;
+    return QStringLiteral("Proposal %1 filled %2 for every account").arg(id.trimmed(), from);
+}
+
 } // namespace
 
 clsProposal::clsProposal() : CountedStore(QStringLiteral("clsProposal"))
@@ -34,7 +53,7 @@ bool clsProposal::UpdateBatch()
                         " Active = " + sqlText(item_.Active ? QStringLiteral("Y") : QString()) +
                         " where ID = " + sqlText(item_.ID);
     return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be update")));
+                      countThen(QStringLiteral(" records to be update")), auditedSlots("ID = " + sqlText(item_.ID)));
 }
 
 bool clsProposal::InitNewProposal(QString &source)
@@ -42,13 +61,17 @@ bool clsProposal::InitNewProposal(QString &source)
     const QString claim = "Update Proposal Set " + QStringLiteral(" Name = ") + sqlText(item_.Name) +
                           ", Status = 'O', Active = 'Y' where ID = " + sqlText(item_.ID);
     return atomically(initSub, [&] {
-        if (!run(QStringLiteral("Update Proposal Set Active = 'N' "), initSub) ||
-            !executeCounted(claim, initSub, Expect::ExactlyOne, countThen(QStringLiteral(" records to be update"))))
+        if (!audited(initSub, auditedSlots({}), [&] {
+                return run(QStringLiteral("Update Proposal Set Active = 'N' "), initSub) &&
+                       executeCounted(claim, initSub, Expect::ExactlyOne,
+                                      countThen(QStringLiteral(" records to be update")));
+            }))
             return false;
         if (!isKnownSource(source))
             source = QStringLiteral("E");
         return run("Delete from ProposalBudget where ProposalID = " + sqlText(item_.ID), initSub) &&
-               fillSlotAmounts(source.toUpper());
+               fillSlotAmounts(source.toUpper()) &&
+               recordSummary(initSub, QStringLiteral("ProposalBudget"), filledFrom(item_.ID, source.toUpper()));
     });
 }
 
@@ -101,7 +124,8 @@ bool clsProposal::Delete()
     const QString sub = QStringLiteral("Delete");
     const QString sql = "Update Proposal Set " + QStringLiteral(" Name = ") + sqlText(item_.Name) +
                         ", Status = '', Active = 'N' where ID = " + sqlText(item_.ID);
-    return changeRows(sql, sub, Expect::ExactlyOne, countThen(QStringLiteral(" records to be update")));
+    return changeRows(sql, sub, Expect::ExactlyOne, countThen(QStringLiteral(" records to be update")),
+                      auditedSlots("ID = " + sqlText(item_.ID)));
 }
 
 bool clsProposal::GetList(std::vector<clsProposalItem> &items)

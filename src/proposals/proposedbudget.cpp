@@ -92,10 +92,23 @@ QString clsProposedBudget::insertStatement() const
            item_.ProposedCatP.toSqlText() + "," + item_.ProposedCatC.toSqlText() + " )";
 }
 
+AuditedRows clsProposedBudget::auditedAmounts(std::int32_t accountId, const QString &proposalId)
+{
+    using Kind = AuditColumn::Kind;
+    return {QStringLiteral("ProposalBudget"),
+            {QStringLiteral("AcctId"), QStringLiteral("ProposalID")},
+            {{QStringLiteral("ProposedBudget"), Kind::Amount},
+             {QStringLiteral("CatAProposal"), Kind::Amount},
+             {QStringLiteral("CatPProposal"), Kind::Amount},
+             {QStringLiteral("CatCProposal"), Kind::Amount}},
+            "AcctId = " + QString::number(accountId) + " and ProposalID = " + sqlText(proposalId),
+            AuditTrail::accountCodeOf(QStringLiteral("ProposalBudget"))};
+}
+
 bool clsProposedBudget::UpdateBatch()
 {
     return changeRows(updateStatement(), QStringLiteral("Update"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be update")));
+                      countThen(QStringLiteral(" records to be update")), auditedAmounts(item_.ID, item_.ProposalID));
 }
 
 bool clsProposedBudget::GetList(std::vector<clsProposedBudgetItem> &items)
@@ -225,13 +238,14 @@ bool clsProposedBudget::Add()
 
 bool clsProposedBudget::AddBatch()
 {
-    return changeRows(insertStatement(), addSub, Expect::ExactlyOne, always(addFailure));
+    return changeRows(insertStatement(), addSub, Expect::ExactlyOne, always(addFailure),
+                      auditedAmounts(item_.ID, item_.ProposalID));
 }
 
 bool clsProposedBudget::Update()
 {
     const QString sub = QStringLiteral("Update Budget ");
-    return atomically(sub, [&] {
+    return atomicallyAudited(sub, auditedAmounts(item_.ID, item_.ProposalID), [&] {
         qint64 affected = 0;
         if (!run(updateStatement(), sub, &affected))
             return false;

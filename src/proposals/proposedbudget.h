@@ -39,6 +39,9 @@ public:
     // Loads the amounts of (ID, ProposalID).
     bool Retrieve();
 
+    // The audit trail's view of one account's amounts in one proposal.
+    static AuditedRows auditedAmounts(std::int32_t accountId, const QString &proposalId);
+
 private:
     bool isGeneralFundExpenditure() const;
     QString insertStatement() const;

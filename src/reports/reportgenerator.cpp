@@ -51,6 +51,24 @@ void fillName(const Recordset &row, clsReportName &name)
     name.ModifiedDate = date;
 }
 
+// A format by ID, or, for one being added, by its name.
+AuditedRows auditedFormats(const QString &where)
+{
+    std::vector<AuditColumn> columns;
+    for (const char *name : {"Name", "Description", "Ledger", "FundID", "Date"})
+        columns.push_back({QLatin1String(name)});
+    return {QStringLiteral("Report"), {QStringLiteral("ID")}, std::move(columns), where, {}};
+}
+
+AuditedRows auditedHeadings(const QString &reportId)
+{
+    return {QStringLiteral("RptHeading"),
+            {QStringLiteral("ReportID"), QStringLiteral("SortOrder")},
+            {{QStringLiteral("ReportHeading")}},
+            "ReportID = " + reportId,
+            {}};
+}
+
 QString dateText(const QDate &date)
 {
     return date.isValid() ? FormatYYYYMMDD(date) : QString();
@@ -73,7 +91,8 @@ bool clsReportGenerator::AddReportName()
     const QString sql = "Insert into Report (Name, Description,Ledger,FundID, Date) " + QStringLiteral("Values (") +
                         sqlText(name_.Name) + "," + sqlText(name_.Description) + "," + sqlText(name_.Ledger) + "," +
                         sqlText(name_.FundID) + "," + sqlText(dateText(name_.ModifiedDate)) + ")";
-    return atomically(reportSource, [&] { return changeOne(sql); });
+    return atomicallyAudited(reportSource, auditedFormats("Name = " + sqlText(name_.Name)),
+                             [&] { return changeOne(sql); });
 }
 
 bool clsReportGenerator::UpdateReportName()
@@ -83,13 +102,14 @@ bool clsReportGenerator::UpdateReportName()
                         "Description = " + sqlText(name_.Description) + "," + "FundID = " + sqlText(name_.FundID) +
                         "," + "Ledger = " + sqlText(name_.Ledger) + "," +
                         "Date = " + sqlText(dateText(name_.ModifiedDate)) + "Where id = " + QString::number(name_.ID);
-    return atomically(reportSource, [&] { return changeOne(sql); });
+    return atomicallyAudited(reportSource, auditedFormats("id = " + QString::number(name_.ID)),
+                             [&] { return changeOne(sql); });
 }
 
 bool clsReportGenerator::AddReportHeadings(const QStringList &headingKeys)
 {
     const QString id = QString::number(name_.ID);
-    return atomically(reportSource, [&] {
+    return atomicallyAudited(reportSource, auditedHeadings(id), [&] {
         if (!run("Delete from RptHeading where ReportId = " + id, reportSource))
             return false;
         for (qsizetype i = 0; i < headingKeys.size(); ++i) {
@@ -105,9 +125,11 @@ bool clsReportGenerator::Delete()
 {
     const QString id = QString::number(name_.ID);
     const QString sub = QStringLiteral("Delete");
-    return atomically(sub, [&] {
-        return run("Delete from Report where Id = " + id, sub) &&
-               run("Delete from RptHeading where ReportId = " + id, sub);
+    return atomicallyAudited(sub, auditedFormats("Id = " + id), [&] {
+        return audited(sub, auditedHeadings(id), [&] {
+            return run("Delete from Report where Id = " + id, sub) &&
+                   run("Delete from RptHeading where ReportId = " + id, sub);
+        });
     });
 }
 

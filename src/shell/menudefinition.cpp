@@ -114,6 +114,7 @@ std::vector<MenuEntry> build()
                           frame.RunModalWorker(name);
                   })),
         item("mnuChooseProposal", "&Change Active Proposal", "mnuUtilities", modal("workerSelectProposal")),
+        item("mnuUtilitiesAuditTrail", "Audit &Trail", "mnuUtilities", child("workerAuditTrail")),
         item("mnuWindow", "&Window", ""),
         item("mnuRefresh", "&Refresh", "mnuWindow"),
         separator("mnuWindowSep1", "mnuWindow"),

@@ -22,7 +22,7 @@ const QHash<QString, QString> &menuKeys()
               "mnuReportsExpenditureVsBudget", "mnuReportRevenueStatus", "mnuReportRevenueVsBudget", "mnuReportTax",
               "mnuReportsGenerator", "mnuReportsPublicBudget", "mnuReportCharts", "mnuMaintOrganization",
               "mnuMaintProposal", "mnuMaintAccountCodes", "mnuMaintFundBalances", "mnuMaintEqualDistricts",
-              "mnuInitializeBudget", "mnuChooseProposal"})
+              "mnuInitializeBudget", "mnuChooseProposal", "mnuUtilitiesAuditTrail"})
             map.insert(privilegeKeyIdentity(QLatin1String(item)), QLatin1String(item));
         map.insert(privilegeKeyIdentity(QStringLiteral("mnuChartsRevenue")), QStringLiteral("mnuReportCharts"));
         map.insert(privilegeKeyIdentity(QStringLiteral("mnuChartsExpenditure")), QStringLiteral("mnuReportCharts"));

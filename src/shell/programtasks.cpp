@@ -14,6 +14,7 @@
 #include "organizationwindow.h"
 #include "systemparameters.h"
 #include "workeraccountcodes.h"
+#include "workeraudittrail.h"
 #include "workereditaccountcodes.h"
 #include "workereditgrid.h"
 #include "workerinitbudget.h"
@@ -77,9 +78,10 @@ void registerProgramTasks(mdiParent &frame)
         context.chooseCodes = chooseWithQueryPopUp;
         // The budget entry grid in its account-editing display type.
         context.editAccountsInGrid = [&frame](const QString &fund, const QString &ledger) {
-            frame.RunModalWorker(QStringLiteral("workerEditGrid"), {{QStringLiteral("DisplayType"), QStringLiteral("AC")},
-                                                                    {QStringLiteral("FundID"), fund},
-                                                                    {QStringLiteral("LedgerID"), ledger}});
+            frame.RunModalWorker(QStringLiteral("workerEditGrid"),
+                                 {{QStringLiteral("DisplayType"), QStringLiteral("AC")},
+                                  {QStringLiteral("FundID"), fund},
+                                  {QStringLiteral("LedgerID"), ledger}});
         };
         return std::make_unique<workerAccountCodes>(std::move(context));
     });
@@ -91,6 +93,8 @@ void registerProgramTasks(mdiParent &frame)
         context.lockToolbar = LockToolbar;
         return std::make_unique<workerReportGenerator>(std::move(context));
     });
+    frame.registerChildWorker(QStringLiteral("workerAuditTrail"),
+                              [] { return std::make_unique<workerAuditTrail>(budgetDatabase()); });
     frame.registerModalWorker(QStringLiteral("workerEditGrid"), [](const mdiParent::EntryProperties &entry) {
         auto worker = std::make_unique<workerEditGrid>(budgetDatabase(), readInstallationFunds);
         worker->setDisplayType(entry.value(QStringLiteral("DisplayType")));

@@ -196,6 +196,14 @@ TEST_P(ExplorerTest, EditFolderWritesNameAndPagingAndSaysWhenTheFolderIsGone)
     EXPECT_EQ(rows("select Name, ForceNewPage from BudgetSummaryTree where ID = '" + QString::number(id) + "'"),
               "New name,Y");
     EXPECT_EQ(explorer().Node(workerAccountCodes::folderKey(id)).text, "New name");
+    // The set-up's folders were added by a store of no task.
+    EXPECT_EQ(rows("select Task, TableName, RowKey, ColumnName, OldValue, NewValue from AuditTrail where Task <> '' "
+                   "order by ID")
+                  .toStdString(),
+              QString("Account Codes,BudgetSummaryTree,ID=%1,Name,Old name,New name|"
+                      "Account Codes,BudgetSummaryTree,ID=%1,ForceNewPage,N,Y")
+                  .arg(id)
+                  .toStdString());
 
     // What the user types reaches the database as text, quotes and all.
     fill = typeFolder("O'Neil's'); drop table Parms;--");
@@ -284,6 +292,7 @@ TEST_P(ExplorerTest, AMoveWhoseSecondWriteFailsLeavesBothFoldersAsTheyWere)
         rows(QString("select ID, SortOrder from BudgetSummaryTree where ParentID = '%1' order by ID").arg(parent)),
         before);
     EXPECT_FALSE(db()->inTransaction());
+    EXPECT_EQ(count("AuditTrail where Task <> ''"), "0") << "the first folder's entry went with its write";
     EXPECT_EQ(explorer().ChildKeys(workerAccountCodes::folderKey(parent)).last(), workerAccountCodes::folderKey(third));
     select(workerAccountCodes::folderKey(second));
     command("Folder_Down");
@@ -356,6 +365,9 @@ TEST_P(ExplorerTest, ChangingACodeIsConfirmedAndValidatedNameChangesAreNot)
               "Renamed,S1");
     EXPECT_EQ(explorer().Node(key).text, code.code + "  -  Renamed");
     EXPECT_TRUE(messages_->shown().empty());
+    EXPECT_EQ(rows("select Task, AccountCode, ColumnName, NewValue from AuditTrail order by ID").toStdString(),
+              ("Account Codes," + code.code + ",AccountName,Renamed|Account Codes," + code.code + ",StateCode,S1")
+                  .toStdString());
 
     fill = typeAccount("a9000.1", "Renamed");
     messages_->answer(MsgAnswer::No);

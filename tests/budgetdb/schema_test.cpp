@@ -70,10 +70,11 @@ TEST_P(SchemaTest, InsertsByPositionAndGeneratedKeysWork)
 
 TEST_P(SchemaTest, OlderDatabaseIsMigratedInPlaceKeepingItsRows)
 {
-    // Wind the database back to the first release: no folder indexes, no amount view, version 1.
+    // Wind the database back to the first release: no folder indexes, no amount view, no audit trail, version 1.
     for (const char *index : {"AccountCodes_Folder", "BudgetSummaryTree_Children", "BudgetSummaryTree_TrimmedID"})
         exec(QStringLiteral("DROP INDEX %1").arg(index));
     exec("DROP VIEW ProposalAmount");
+    exec("DROP TABLE AuditTrail");
     exec("DELETE FROM KoraSchema");
     exec("INSERT INTO KoraSchema (Version) VALUES (1)");
     exec("Insert into Bals values ('A', 100.5, 90)");
@@ -89,6 +90,7 @@ TEST_P(SchemaTest, OlderDatabaseIsMigratedInPlaceKeepingItsRows)
     kept.Close();
     // The index is back: creating it again must fail.
     EXPECT_FALSE(db()->execute("CREATE INDEX AccountCodes_Folder ON AccountCodes (FundID)", nullptr, &error));
+    EXPECT_EQ(rows("select ID from AuditTrail"), "") << "the audit trail is back, empty";
 }
 
 TEST_P(SchemaTest, VersionTwoGainsTheProposalAmountView)

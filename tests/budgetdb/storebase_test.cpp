@@ -1,9 +1,13 @@
+#include "appglobals.h"
+#include "refusedwrites.h"
 #include "storebase.h"
 #include "testdatabases.h"
 #include "years.h"
 
+#include <QDateTime>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QSysInfo>
 
 #include <gtest/gtest.h>
 
@@ -25,7 +29,13 @@ public:
     bool zeroOne(const QString &condition)
     {
         return changeRows(QStringLiteral("Update Bals set CurrentBalance = 0 where ") + condition,
-                          QStringLiteral("zeroOne"), Expect::ExactlyOne, countThen(QStringLiteral(" rows")));
+                          QStringLiteral("zeroOne"), Expect::ExactlyOne, countThen(QStringLiteral(" rows")),
+                          {QStringLiteral("Bals"),
+                           {QStringLiteral("Fund")},
+                           {{QStringLiteral("CurrentBalance"), AuditColumn::Kind::Amount},
+                            {QStringLiteral("PreviousBalance"), AuditColumn::Kind::Amount}},
+                           condition,
+                           {}});
     }
 };
 
@@ -146,6 +156,64 @@ TEST_P(StoreBaseTest, ABusySqliteFileSaysAnotherUserIsSaving)
     }
     QSqlDatabase::removeDatabase(holder);
     EXPECT_TRUE(store.addTwo("A", "Insert into Bals values ('B', 2, 0)")) << store.Error().ErrorText().toStdString();
+}
+
+// The audit trail: written with the change, gone with its rollback.
+TEST_P(StoreBaseTest, AWriteIsAuditedColumnByColumnAndARollbackLeavesNoEntry)
+{
+    gstrUserID = "BUSINESS";
+    store.setAuditTask("Fund Balances");
+    exec("Insert into Bals values ('A', 5, 0)");
+    exec("Insert into Bals values ('B', 6.25, 3)");
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+    ASSERT_TRUE(store.zeroOne("Fund = 'B'"));
+    EXPECT_EQ(auditTrail(), "Fund Balances,Bals,Fund=B,,CurrentBalance,6.25,0") << "the unchanged column is left out";
+    EXPECT_EQ(rows("select UserID, Workstation from AuditTrail").toStdString(),
+              "BUSINESS," + QSysInfo::machineHostName().toStdString());
+    const QDateTime when = QDateTime::fromString(scalar("select ChangedAt from AuditTrail"), Qt::ISODateWithMs);
+    EXPECT_EQ(when.timeSpec(), Qt::UTC);
+    EXPECT_TRUE(when >= before && when <= QDateTime::currentDateTimeUtc()) << when.toString().toStdString();
+
+    ASSERT_TRUE(store.BeginTransaction());
+    EXPECT_TRUE(store.zeroOne("Fund = 'A'"));
+    ASSERT_TRUE(store.AbortTransaction());
+    EXPECT_FALSE(store.zeroOne("Fund = 'Z'"));
+    EXPECT_EQ(rows("select RowKey from AuditTrail"), "Fund=B");
+
+    // An entry that cannot be written takes its change with it.
+    refuseWrites(*db(), "AuditTrail", "INSERT", "NEW.RowKey = 'Fund=A'");
+    EXPECT_FALSE(store.zeroOne("Fund = 'A'"));
+    EXPECT_EQ(funds(), "A,5|B,0");
+    resetAppGlobals();
+}
+
+TEST_P(StoreBaseTest, TheTrailIsReadNewestFirstThroughItsFilters)
+{
+    const auto entry = [this](const char *when, const char *user, const char *task, const char *account) {
+        exec(QString("Insert into AuditTrail (ChangedAt, UserID, Task, AccountCode, NewValue) values "
+                     "('%1','%2','%3','%4','%1')")
+                 .arg(when, user, task, account));
+    };
+    entry("2026-03-01T23:59:59.999Z", "CLERK", "Proposed Budget", "A2100");
+    entry("2026-03-02T00:00:00.000Z", "BUSINESS", "Line Items", "A2100.1");
+    entry("2026-03-03T08:00:00.000Z", "CLERK", "Proposed Budget", "B2100");
+    entry("2026-02-28T12:00:00.000Z", "CLERK", "Fund Balances", "");
+    const auto read = [this](const AuditFilter &filter) {
+        std::vector<AuditEntry> entries;
+        DbError error;
+        EXPECT_TRUE(AuditTrail::read(*db(), filter, entries, &error)) << error.text.toStdString();
+        QStringList when;
+        for (const AuditEntry &e : entries)
+            when << e.changedAt.mid(5, 5);
+        return when.join(' ').toStdString();
+    };
+    EXPECT_EQ(read({}), "03-03 03-02 03-01 02-28");
+    EXPECT_EQ(read({"A21", {}, {}, {}, {}}), "03-02 03-01");
+    EXPECT_EQ(read({{}, "CLERK", "Proposed Budget", {}, {}}), "03-03 03-01");
+    EXPECT_EQ(read({{}, {}, {}, QDate(2026, 3, 1), QDate(2026, 3, 2)}), "03-02 03-01") << "both days whole";
+    QStringList users;
+    ASSERT_TRUE(AuditTrail::users(*db(), users, nullptr));
+    EXPECT_EQ(users, QStringList({"BUSINESS", "CLERK"}));
 }
 
 KORA_ALL_BACKENDS(StoreBaseTest);

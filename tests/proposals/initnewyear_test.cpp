@@ -52,6 +52,14 @@ TEST_P(NewYearStoreTest, TheRunLeavesOneDefaultProposalTheLatestTreeAndShiftedYe
               "2025, Fiscal Year 2025,H|2026, Fiscal Year 2026,C|2027,Proposed Year 2027,P");
     EXPECT_EQ(rows("select ID, ParentID, Name, ForceNewPage from BudgetSummaryTree order by ID"),
               "1,0,Instruction,|2,1,Teaching,Y");
+    // One entry per step, not one per account.
+    EXPECT_EQ(
+        auditTrail(),
+        "New Budget Year,AccountCodes,,,,,12 accounts rolled from budget year 2025 (original budget), 1 made "
+        "historical|New Budget Year,BudgetSummaryTree,,,,,Replaced by the tree of fund year table FY2025|"
+        "New Budget Year,BudgetYears,,,,,Fiscal Year 2026 current, Proposed Year 2027 added, year 2024 removed|"
+        "New Budget Year,Proposal,,,,,Proposal 1 \"Default Proposal\" open and active with zero amounts for every "
+        "account; the other proposals freed");
 }
 
 TEST_P(NewYearStoreTest, RefusesAnEmptyChartAMissingTreeCopyAnUnreachableKoraFundAndAYearThatIsNoNumber)

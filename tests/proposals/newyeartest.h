@@ -89,6 +89,7 @@ protected:
         exec("Insert into Budgets values(" + line + ",'2024',90,80)");
 
         store.setAdoConnection(db());
+        store.setAuditTask(AuditTask::NewBudgetYear);
         store.setCurrentBudgetYear("2025");
         store.setProposedYear("2026");
         store.setClearLineItem(false);
@@ -147,6 +148,7 @@ protected:
             {"Report", "ID, Name, Description, Ledger, FundID, Date"},
             {"RptHeading", "ReportID, ReportHeading, SortOrder"},
             {"Budgets", "AcctId, YearID, CurrentBudget, ActualAmount"},
+            {"AuditTrail", "ID, ChangedAt, Task, TableName, NewValue"},
         };
         QStringList out;
         for (const auto &[table, columnList] : tables) {

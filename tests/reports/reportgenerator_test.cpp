@@ -103,6 +103,41 @@ TEST_P(ReportGeneratorTest, DeleteTakesTheColumnsAlongUnlessTheCallerAborts)
     EXPECT_EQ(headings().size(), 1);
 }
 
+TEST_P(ReportGeneratorTest, EveryChangeToAFormatIsAuditedAndAnAbortedOneIsNot)
+{
+    generator.setAuditTask(AuditTask::ReportFormats);
+    const std::int32_t id = addFormat("Mine", {"CurBudget", "Increment"});
+    const QString since =
+        "select Task, TableName, RowKey, ColumnName, OldValue, NewValue from AuditTrail where ID > %1 "
+        "order by ID";
+    EXPECT_EQ(rows(since.arg(0)).toStdString(),
+              QString("Report Formats,Report,ID=%1,Name,,Mine|Report Formats,Report,ID=%1,Description,,By fund|"
+                      "Report Formats,Report,ID=%1,Ledger,,E|Report Formats,Report,ID=%1,FundID,,A|"
+                      "Report Formats,Report,ID=%1,Date,,20240309|"
+                      "Report Formats,RptHeading,ReportID=%1, SortOrder=1,ReportHeading,,CurBudget|"
+                      "Report Formats,RptHeading,ReportID=%1, SortOrder=2,ReportHeading,,Increment")
+                  .arg(id)
+                  .toStdString());
+    const auto last = [this] { return rows("select ID from AuditTrail order by ID").section('|', -1); };
+    QString seen = last();
+    ASSERT_TRUE(generator.AddReportHeadings({"Increment"}));
+    EXPECT_EQ(rows(since.arg(seen)).toStdString(),
+              QString("Report Formats,RptHeading,ReportID=%1, SortOrder=1,ReportHeading,CurBudget,Increment|"
+                      "Report Formats,RptHeading,ReportID=%1, SortOrder=2,ReportHeading,Increment,")
+                  .arg(id)
+                  .toStdString());
+
+    seen = last();
+    ASSERT_TRUE(generator.BeginTransaction());
+    ASSERT_TRUE(generator.Delete());
+    ASSERT_TRUE(generator.AbortTransaction());
+    EXPECT_EQ(rows(since.arg(seen)).toStdString(), "");
+    ASSERT_TRUE(generator.Delete());
+    EXPECT_EQ(
+        rows("select ColumnName, OldValue, NewValue from AuditTrail where ID > " + seen + " order by ID").toStdString(),
+        "ReportHeading,Increment,|Name,Mine,|Description,By fund,|Ledger,E,|FundID,A,|Date,20240309,");
+}
+
 TEST(ReportHeadings, AvailableColumnsFollowTheFormatsLedgerAndYear)
 {
     clsReportGenerator generator;

@@ -93,6 +93,7 @@ TEST_F(FrameTest, TheMenuTreeHasEveryItemByName)
         {"mnuUtilities", "&Utilities"},
         {"mnuInitializeBudget", "Initialize &Budget"},
         {"mnuChooseProposal", "&Change Active Proposal"},
+        {"mnuUtilitiesAuditTrail", "Audit &Trail"},
         {"mnuWindow", "&Window"},
         {"mnuRefresh", "&Refresh"},
         {"mnuWindowTileHorizontally", "Tile &Horizontally"},

@@ -76,6 +76,13 @@ protected:
     QString rows(const QString &sql);
     // The first cell of rows(sql).
     QString scalar(const QString &sql) { return rows(sql).section('|', 0, 0).section(',', 0, 0); }
+    // The audit trail in the order written: task, table, row, account, column, old and new value.
+    std::string auditTrail()
+    {
+        return rows("select Task, TableName, RowKey, AccountCode, ColumnName, OldValue, NewValue from AuditTrail "
+                    "order by ID")
+            .toStdString();
+    }
     // rows(sql) over a new connection, for reading after this test's session has ended.
     QString rowsOverNewConnection(const QString &sql);
     // Makes the PostgreSQL server end this test's session as it writes a row

@@ -73,6 +73,7 @@ void showFailure(const QString &text)
 workerEqualization::workerEqualization(std::shared_ptr<DbConnection> connection, QWidget *parent) : parent_(parent)
 {
     store_.setAdoConnection(std::move(connection));
+    store_.setAuditTask(AuditTask::Equalization);
 }
 
 void workerEqualization::DoModalForm()

@@ -29,6 +29,7 @@ workerFundBalances::workerFundBalances(std::shared_ptr<DbConnection> connection,
     : ddfPath_(std::move(ddfPath)), fundDataFolder_(std::move(fundDataFolder)), parent_(parent)
 {
     store_.setAdoConnection(std::move(connection));
+    store_.setAuditTask(AuditTask::FundBalances);
 }
 
 bool workerFundBalances::Initialise()

@@ -44,7 +44,10 @@ workerEditGrid::workerEditGrid(std::shared_ptr<DbConnection> connection, FundLis
     : connection_(std::move(connection)), readFunds_(std::move(funds))
 {
     budget_.setAdoConnection(connection_);
+    budget_.setAuditTask(AuditTask::ProposedBudget);
+    // The grid's account-editing display type writes account codes.
     accounts_.setAdoConnection(connection_);
+    accounts_.setAuditTask(AuditTask::AccountCodes);
 }
 
 workerEditGrid::~workerEditGrid() = default;

@@ -153,6 +153,7 @@ void WorkerInitBudget::runInitialisation(classDialog &dialog)
 
     clsInitNewYear store;
     store.setAdoConnection(connection_);
+    store.setAuditTask(AuditTask::NewBudgetYear);
     store.setCurrentBudgetYear(gstrBudgetYearID);
     store.setProposedYear(gstrProposedYearID);
     store.setClearLineItem(dialog.Control(clearList).DropDown().GetSelectedByKey(clearList) == u"true");

@@ -25,6 +25,7 @@ workerLineItem::workerLineItem(std::shared_ptr<DbConnection> connection, LineIte
     : connection_(std::move(connection)), account_(std::move(account)), parent_(parent)
 {
     lines_.setAdoConnection(connection_);
+    lines_.setAuditTask(AuditTask::LineItems);
 }
 
 QString workerLineItem::caption() const
@@ -233,6 +234,7 @@ void workerLineItem::forwardTotal()
     const Currency total = grid().GetColumnTotal(amountKey);
     clsProposedBudget budget;
     budget.setAdoConnection(connection_);
+    budget.setAuditTask(AuditTask::LineItems);
     clsProposedBudgetItem &item = budget.ProposedBudgetItem();
     item.ID = account_.ID;
     item.ProposalID = account_.ProposalID;

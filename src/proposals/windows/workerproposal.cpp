@@ -51,6 +51,7 @@ workerProposal::workerProposal(std::shared_ptr<DbConnection> connection, Proposa
     : panel_(std::move(panel)), parent_(parent)
 {
     store_.setAdoConnection(std::move(connection));
+    store_.setAuditTask(AuditTask::Proposals);
 }
 
 void workerProposal::DoModalForm()

@@ -164,6 +164,13 @@ TEST_P(EditGridTest, SavesChangedRowsOnlyComponentsWithoutTheirTotalAndInsertsMi
     EXPECT_EQ(stored(missing), "0,0,0,12.5");
     EXPECT_EQ(stored(both), "30,7,20,0");
     EXPECT_FALSE(grid().RowChanged(row("A100.2")));
+    EXPECT_EQ(
+        rows("select Task, AccountCode, ColumnName, OldValue, NewValue from AuditTrail order by ID").toStdString(),
+        "Proposed Budget,A100.2,CatPProposal,70,75|Proposed Budget,A100.4,ProposedBudget,,0|"
+        "Proposed Budget,A100.4,CatAProposal,,0|Proposed Budget,A100.4,CatPProposal,,0|"
+        "Proposed Budget,A100.4,CatCProposal,,12.5");
+    EXPECT_EQ(rows("select RowKey from AuditTrail where AccountCode = 'A100.2'").toStdString(),
+              QString("AcctId=%1, ProposalID=1").arg(programOnly).toStdString());
 
     // Nothing changed: nothing written, and the save still succeeds.
     exec(QString("Update ProposalBudget set CatPProposal = 1 where AcctId = %1").arg(programOnly));
@@ -199,6 +206,7 @@ TEST_P(EditGridTest, AFailedRowRollsBackTheWholeSaveAndKeepsTheEdits)
     for (const char *code : {"A100.1", "A100.2", "A100.4"})
         EXPECT_TRUE(grid().RowChanged(row(code))) << code;
     EXPECT_EQ(amount("A100.2", "CatP"), "75");
+    EXPECT_EQ(auditTrail(), "") << "the rows saved before the failure were rolled back with their entries";
 }
 
 TEST_P(EditGridTest, SwitchingLedgerAsksBeforeDiscardingEdits)
@@ -366,6 +374,15 @@ TEST_P(EditGridTest, AccountEditingSetsFlagsCodesAndProjectedAmount)
     EXPECT_EQ(rows(QString("select StateCode from AccountCodes where ID = %1").arg(none)), "A2110.12");
     EXPECT_EQ(rows(QString("select ProjectedAmount, CatAFlag, CatPFlag from AccountCodes where ID = %1").arg(both)),
               "1500.75,A,P");
+    // The set-up left the hierarchy blank; the grid writes it back as numbers, and that is a change too.
+    EXPECT_EQ(rows("select Task, AccountCode, ColumnName, OldValue, NewValue from AuditTrail where ColumnName not in "
+                   "('ParentID', 'ProgramID', 'BuildingID') order by ID")
+                  .toStdString(),
+              "Account Codes,A100.1,ProjectedAmount,0,1500.75|Account Codes,A100.2,CatCFlag,,C|"
+              "Account Codes,A100.3,StateCode,,A2110.12");
+    EXPECT_EQ(rows("select ColumnName, OldValue, NewValue from AuditTrail where AccountCode = 'A100.3' order by ID")
+                  .toStdString(),
+              "ParentID,,0|ProgramID,,0|BuildingID,,0|StateCode,,A2110.12");
 
     // An account gone behind the grid: the message names it and nothing is kept half-written.
     grid().SetCell(row("A100.1"), "HistCode", QString("H"));
@@ -375,6 +392,8 @@ TEST_P(EditGridTest, AccountEditingSetsFlagsCodesAndProjectedAmount)
     ASSERT_EQ(recorder->shown().size(), 1u);
     EXPECT_EQ(recorder->shown()[0].message.text, "Cannot Retrieve Account Code: A100.4. error:Record not Found.");
     EXPECT_EQ(rows(QString("select HistoricalCode from AccountCodes where ID = %1").arg(both)), "");
+    EXPECT_EQ(rows("select AccountCode from AuditTrail where ColumnName = 'HistoricalCode'").toStdString(), "")
+        << "the failed save's entries went with it";
 }
 
 KORA_ALL_BACKENDS(EditGridTest);

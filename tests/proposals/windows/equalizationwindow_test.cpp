@@ -58,6 +58,12 @@ TEST_P(EqualizationWindowTest, ANewDistrictIsStoredWithItsPriorPairCrossedAnEdit
     ASSERT_TRUE(dialog->Save()) << shownTexts().join('\n').toStdString();
     EXPECT_EQ(stored(), "North,0.8,1000,900,0.7,810,700|South,0.9,2000,1900,0.6,600,500|"
                         "Maple Falls,0.5,300,200,0.25,80,100");
+    // What was stored, the crossed prior pair included.
+    EXPECT_EQ(rows("select Task, TableName, ColumnName, OldValue, NewValue from AuditTrail order by ID").toStdString(),
+              "Equalization,TaxRate,PrevAssessment,800,810|Equalization,TaxRate,TownShip,,Maple Falls|"
+              "Equalization,TaxRate,CurrentEqualRate,,0.5|Equalization,TaxRate,CurrentAssessment,,300|"
+              "Equalization,TaxRate,CurrentTaxAssess,,200|Equalization,TaxRate,PrevEqualRate,,0.25|"
+              "Equalization,TaxRate,PrevAssessment,,80|Equalization,TaxRate,PrevTaxAssess,,100");
 }
 
 TEST_P(EqualizationWindowTest, ARowThatIsNotAllNumbersSavesNothing)
@@ -85,6 +91,7 @@ TEST_P(EqualizationWindowTest, FailedWritesAreNamedAndUndone)
     EXPECT_FALSE(dialog->Save());
     EXPECT_TRUE(shownTexts().value(0).startsWith("Equalization Districts|Error adding Equalization Districts: "));
     EXPECT_EQ(stored(), northAndSouth);
+    EXPECT_EQ(auditTrail(), "");
 
     // South erased behind the window's back: neither its edit nor its erasure can be carried out.
     recorder->clear();

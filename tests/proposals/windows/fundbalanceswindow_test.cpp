@@ -81,6 +81,9 @@ TEST_P(FundBalancesWindowTest, SavingUpdatesKeptRowsAndInsertsMissingOnesOnlyWhe
     ASSERT_TRUE(dialog->Save());
     EXPECT_EQ(stored(), "A,-1234.5,2|C,0,99999999999.9999|Z,7,8");
     EXPECT_TRUE(recorder->shown().empty());
+    EXPECT_EQ(auditTrail(), "Fund Balances,Bals,Fund=A,,CurrentBalance,1,-1234.5|"
+                            "Fund Balances,Bals,Fund=C,,CurrentBalance,,0|"
+                            "Fund Balances,Bals,Fund=C,,PreviousBalance,,99999999999.9999");
 }
 
 TEST_P(FundBalancesWindowTest, AFailedRowRollsBackTheWholeSaveAndKeepsTheEdits)
@@ -93,6 +96,7 @@ TEST_P(FundBalancesWindowTest, AFailedRowRollsBackTheWholeSaveAndKeepsTheEdits)
     type("F", "PreviousBalance", "30");
     EXPECT_FALSE(dialog->Save());
     EXPECT_EQ(stored(), "A,1,2|Z,7,8") << "A was updated and C inserted before F failed";
+    EXPECT_EQ(auditTrail(), "");
     EXPECT_EQ(shown(), "A,10,2|Z,7,8|C,20,0|F,0,30");
     EXPECT_EQ(recorder->shown().back().message.title, "Fund Balances");
     EXPECT_TRUE(lastMessage().starts_with("Error adding Fund Balance: ") && lastMessage().ends_with(")"))

@@ -81,6 +81,14 @@ TEST_P(LineItemTest, SaveUpdatesChangedLinesAddsNewOnesAndLeavesTheRest)
     EXPECT_EQ(storedLines(), "1,Teachers,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5");
     EXPECT_EQ(shownLines(), "1,Teachers,1000.5|2,Aide  ,200|3,Books,120|4,Supplies,-5") << "reloaded by number";
     EXPECT_FALSE(grid().RowChanged(4)) << "the saved values are the loaded ones now";
+    EXPECT_EQ(rows("select Task, RowKey, AccountCode, ColumnName, OldValue, NewValue from AuditTrail order by ID")
+                  .toStdString(),
+              QString("Line Items,AcctId=%1, LineItemNumber=1,A-100,LineItemText,Teacher,Teachers|"
+                      "Line Items,AcctId=%1, LineItemNumber=3,A-100,LineItemAmount,99.25,120|"
+                      "Line Items,AcctId=%1, LineItemNumber=4,A-100,LineItemText,,Supplies|"
+                      "Line Items,AcctId=%1, LineItemNumber=4,A-100,LineItemAmount,,-5")
+                  .arg(acct)
+                  .toStdString());
 }
 
 TEST_P(LineItemTest, DeletingKeepsTheOtherNumbersAndNewLinesNeverReuseThem)
@@ -162,6 +170,7 @@ TEST_P(LineItemTest, AFailedSaveWritesNoLineAndKeepsTheEdits)
     EXPECT_TRUE(shownTexts()[0].contains("refused by the test"));
     EXPECT_EQ(storedLines(), "1,Teacher,1000.5|2,Aide  ,200|3,Books,99.25") << "line 1's update was rolled back";
     EXPECT_EQ(shownLines(), "1,Head teacher,1000.5|2,Aide  ,200|3,Books,99.25|4,,-1");
+    EXPECT_EQ(auditTrail(), "");
 }
 
 TEST_P(LineItemTest, TheServerGoingAwayMidSaveLeavesNoLine)

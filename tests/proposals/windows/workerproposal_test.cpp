@@ -81,6 +81,7 @@ TEST_P(ProposalWindowTest, SavingWritesOnlyTheChangedRowsInOneGo)
     EXPECT_EQ(storedSlots(), "1,Default Proposal,O,Y|2,Two years ago,C,|3,,,N");
     EXPECT_EQ(panel, QStringList{" Proposal :1"});
     EXPECT_TRUE(shownTexts().isEmpty());
+    EXPECT_EQ(auditTrail(), "Proposals,Proposal,ID=2,,Name,Last year,Two years ago|Proposals,Proposal,ID=2,,Active,N,");
 
     panel.clear();
     ASSERT_TRUE(dialog->Save()) << "nothing changed is still a save";
@@ -108,6 +109,7 @@ TEST_P(ProposalWindowTest, AFailedSaveWritesNothingAndKeepsTheEdits)
     EXPECT_FALSE(dialog->Save());
     EXPECT_EQ(shownTexts(), QStringList{"Proposal Maintenance|Cannot Save Data.0 records to be update"});
     EXPECT_EQ(storedSlots(), "1,Default Proposal,O,Y|3,,,N") << "the first row's update was rolled back";
+    EXPECT_EQ(auditTrail(), "");
     EXPECT_EQ(row(1), "1,Renamed,Open,1");
     EXPECT_EQ(row(2), "2,Last year,Open,0");
     EXPECT_TRUE(panel.isEmpty());
@@ -148,6 +150,10 @@ TEST_P(ProposalWindowTest, CreateFillsTheFreeSlotFromTheChosenSourceAndMakesItCu
               QString("%1,250").arg(acct));
     EXPECT_EQ(gstrProposalID, "3");
     EXPECT_EQ(panel, QStringList{"Proposal :3"});
+    // The slots column by column; the amounts in one entry, not one per account.
+    EXPECT_EQ(auditTrail(), "Proposals,Proposal,ID=1,,Active,Y,N|Proposals,Proposal,ID=3,,Name,,Lean year|"
+                            "Proposals,Proposal,ID=3,,Status,,O|Proposals,Proposal,ID=3,,Active,N,Y|"
+                            "Proposals,ProposalBudget,,,,,Proposal 3 filled from proposal 1 for every account");
     EXPECT_EQ(row(3), "3,Lean year,Open,1") << "the grid was reloaded";
     EXPECT_EQ(locks(3), "----");
 }
