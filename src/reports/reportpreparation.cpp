@@ -1,0 +1,446 @@
+#include "reportpreparation.h"
+
+#include "adoconnection.h"
+#include "appglobals.h"
+#include "customername.h"
+#include "reportdefinition.h"
+#include "reportgenerator.h"
+#include "treesummary.h"
+#include "years.h"
+
+#include <QHash>
+
+namespace {
+
+constexpr std::int32_t reportError = 999;
+
+// The error handler's name for each report's procedure.
+QString procedureOf(ReportKind kind)
+{
+    switch (kind) {
+    case ReportKind::Status:
+        return QStringLiteral("PrintStatusReport");
+    case ReportKind::TaxRevenue:
+        return QStringLiteral("PrintTaxRevenueReport");
+    case ReportKind::PublicBudget:
+        return QStringLiteral("PrintPublicBudgetReport");
+    case ReportKind::VersusProposed:
+        return QStringLiteral("PrintVsProposedReport");
+    case ReportKind::Historical:
+        return QStringLiteral("PrintHistoricalReport");
+    case ReportKind::AccountCodes:
+        return QStringLiteral("PrintAccountCodeListing");
+    case ReportKind::Chart:
+        return QStringLiteral("PrintChart");
+    case ReportKind::Generated:
+        return QStringLiteral("PrintGeneratedReport");
+    }
+    return {};
+}
+
+// The public budget's categories: the component code the folders are read
+// with, the Category formula's text and the definition's own selection formula.
+struct CategoryRule {
+    const char *choice;
+    const char *code;
+    const char *title;
+    const char *selectionFormula;
+};
+
+constexpr CategoryRule categoryRules[] = {
+    {"Administrative", "A", "'Administrative Component'", ""},
+    {"Program", "P", "'Program Component'", "CatPRecordSelection"},
+    {"Capital", "C", "'Capital Component'", "CatCRecordSelection"},
+    {"No Category Defined", "", "'No Category Defined'", "NoCatSelectionRecord"},
+};
+
+const CategoryRule *categoryRule(const QString &choice)
+{
+    for (const CategoryRule &rule : categoryRules)
+        if (choice.compare(QLatin1String(rule.choice), Qt::CaseInsensitive) == 0)
+            return &rule;
+    return nullptr;
+}
+
+bool isAllComponents(const QString &category)
+{
+    return category.isEmpty() || category.compare(publicBudgetCategories().first(), Qt::CaseInsensitive) == 0;
+}
+
+// A parameter's text as a value of the field's declared type.
+ReportValue valueFor(const ParameterField &field, const QString &text)
+{
+    switch (field.Type) {
+    case ReportValue::Type::Number:
+        if (const std::optional<Currency> number = Currency::parse(text))
+            return ReportValue::number(*number);
+        return {};
+    case ReportValue::Type::Boolean:
+        return ReportValue::boolean(text == u"Y" || text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0);
+    default:
+        return ReportValue::text(text);
+    }
+}
+
+// A text for the formula language, in single quotes.
+QString quoted(QString text)
+{
+    return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QLatin1String("''")) + QLatin1Char('\'');
+}
+
+QString idList(const std::vector<qint64> &ids)
+{
+    QStringList texts;
+    for (qint64 id : ids)
+        texts << QString::number(id);
+    return texts.join(QLatin1String(", "));
+}
+
+// The formulas of the "Details" subreports when they read the current year's
+// Kora-Fund summaries: the second amount column is the year's actual so far,
+// and the flag tells the subreport its figures come from the fund files.
+QString actualFormulaName(const QString &ledger)
+{
+    return ledger == u"R" ? QStringLiteral("CalRevFundData") : QStringLiteral("CalExpFundData");
+}
+
+QString summaryRecord(const QString &ledger)
+{
+    return ledger == u"R" ? QStringLiteral("SummaryRevenue") : QStringLiteral("SummaryExpenditure");
+}
+
+const QStringList detailSubreports{QStringLiteral("Details"), QStringLiteral("Details - 01")};
+
+} // namespace
+
+ReportEnvironment ReportEnvironment::fromAppContext()
+{
+    ReportEnvironment environment;
+    environment.db = gadoConnection ? gadoConnection->dbConnection() : nullptr;
+    environment.rootPath = gstrRootPath;
+    environment.fundPath = gstrFundPath;
+    environment.proposalId = gstrProposalID;
+    environment.proposedYear = gstrProposedYearID;
+    environment.calendarYear = gbCalendarYear;
+    return environment;
+}
+
+bool compareYearsFor(const QString &option, const std::vector<QString> &historical, CompareYears &years, QString &why)
+{
+    const qsizetype index = statusOptions().indexOf(option);
+    if (index < 0) {
+        why = QStringLiteral("Unknown option \"%1\"; the options are: %2.").arg(option, statusOptions().join("; "));
+        return false;
+    }
+    if (historical.empty()) {
+        why = QStringLiteral("There is no historical budget year to compare with.");
+        return false;
+    }
+    years = {};
+    years.rptOption = int(index) + 1;
+    if (years.rptOption == 1) {
+        if (historical.size() < 2) {
+            why = QStringLiteral("\"%1\" needs two historical years; the budget has only %2.")
+                      .arg(option, historical.back());
+            return false;
+        }
+        years.year = historical[historical.size() - 2];
+        years.year2 = historical.back();
+    } else {
+        years.year = historical.back();
+    }
+    return true;
+}
+
+QString effectiveCompareCode(const ReportChoices &choices)
+{
+    return choices.records == 2 && !choices.compareCode.trimmed().isEmpty() ? choices.compareCode : QString();
+}
+
+struct ReportPreparation::Run {
+    ReportKind kind;
+    const ReportChoices &choices;
+    QString sub;
+    QString ledger;
+    QString fund;
+    QHash<QString, QString> values; // by parameter name
+    std::vector<std::pair<QString, QString>> formulas; // name, text
+    std::unique_ptr<ReportDefinition> definition;
+    std::optional<QString> category; // the public budget's component code, when one was chosen
+    QStringList selectionFormulas; // the definition's own formulas joined into the selection
+    std::vector<qint64> folders;
+};
+
+ReportPreparation::ReportPreparation(ReportEnvironment environment) : environment_(std::move(environment))
+{
+    error_.setErrorCls(QStringLiteral("modReports"));
+}
+
+ReportPreparation::~ReportPreparation() = default;
+
+bool ReportPreparation::fail(const QString &sub, const QString &text)
+{
+    error_.setDatabaseError(reportError, sub, text);
+    return false;
+}
+
+bool ReportPreparation::readYears()
+{
+    clsYears years;
+    years.setAdoConnection(environment_.db);
+    historical_.clear();
+    if (!years.GetHistYears(historical_) || !years.GetCurrentBudgetYear()) {
+        error_ = years.Error();
+        return false;
+    }
+    currentYear_ = years.YearItem().ID;
+    return true;
+}
+
+const QString &ReportPreparation::customerName()
+{
+    if (!customerName_)
+        customerName_ = GetCustomerName(environment_.rootPath, environment_.fundPath);
+    return *customerName_;
+}
+
+std::unique_ptr<ReportDefinition> ReportPreparation::prepare(ReportKind kind, const ReportChoices &choices)
+{
+    error_.Clear();
+    const ReportSpec &spec = reportSpec(kind);
+    Run run{kind, choices, procedureOf(kind), choices.ledger == u"R" ? QStringLiteral("R") : QStringLiteral("E"),
+            choices.fund.trimmed(), {}, {}, nullptr, {}, {}, {}};
+    if (kind == ReportKind::TaxRevenue) {
+        // The levy is the general fund's: its appropriations against its revenues.
+        run.fund = QStringLiteral("A");
+        run.ledger = QStringLiteral("E");
+    }
+
+    const QString compareCode = effectiveCompareCode(choices);
+    run.values = {
+        {"NodeType", kind == ReportKind::AccountCodes ? choices.nodeType : QStringLiteral("T")},
+        {"LedgerID", run.ledger},
+        {"Ledger", run.ledger},
+        {"FundID", run.fund},
+        {"ProposalID", environment_.proposalId},
+        {"CustomerName", customerName()},
+        {"ProposedYear", environment_.proposedYear},
+        {"CurBudgetYear", currentYear_},
+        {"CompareCode", compareCode},
+        {"RptType", choices.type},
+        {"Percent", choices.percent ? QStringLiteral("Y") : QStringLiteral("N")},
+        {"CalenderYear", environment_.calendarYear ? QStringLiteral("Y") : QStringLiteral("N")},
+        {"CalendarYear", environment_.calendarYear ? QStringLiteral("Y") : QStringLiteral("N")},
+    };
+    // The comparisons: the current budget year against the proposed one, and
+    // the four latest historical years, oldest first ("" where there are fewer).
+    run.values.insert("Year1", currentYear_);
+    run.values.insert("Year2", environment_.proposedYear);
+    if (kind == ReportKind::Historical) {
+        for (int n = 1; n <= 4; ++n) {
+            const qsizetype at = qsizetype(historical_.size()) - 5 + n;
+            run.values.insert(QStringLiteral("Year%1").arg(n), at >= 0 ? historical_[size_t(at)] : QString());
+        }
+    }
+
+    if (kind == ReportKind::Status && !statusValues(run))
+        return nullptr;
+    if (kind == ReportKind::Generated && !generatorValues(run))
+        return nullptr;
+
+    const QString path = findReportDefinition(environment_.rootPath, spec.file);
+    if (path.isEmpty()) {
+        fail(run.sub, QStringLiteral("The report definition %1 is neither in %2/reports/budget nor among the "
+                                     "program's reports.")
+                          .arg(spec.file, environment_.rootPath));
+        return nullptr;
+    }
+    QString why;
+    run.definition = ReportDefinition::load(path, why);
+    if (!run.definition) {
+        fail(run.sub, why);
+        return nullptr;
+    }
+    applyParameters(run);
+
+    if (kind == ReportKind::Status && !currentActuals(run))
+        return nullptr;
+    if (kind == ReportKind::PublicBudget && !applyCategory(run))
+        return nullptr;
+    for (const auto &[formula, text] : run.formulas) {
+        if (!run.definition->setFormula(formula, text, why)) {
+            fail(run.sub, why);
+            return nullptr;
+        }
+    }
+    run.definition->setOrientation(choices.orientation == 2 ? PaperOrientation::Landscape
+                                                            : PaperOrientation::Portrait);
+    if (kind != ReportKind::TaxRevenue && kind != ReportKind::Chart && !narrow(run))
+        return nullptr;
+    return std::move(run.definition);
+}
+
+bool ReportPreparation::statusValues(Run &run)
+{
+    CompareYears years;
+    QString why;
+    if (!compareYearsFor(run.choices.option, historical_, years, why))
+        return fail(run.sub, why);
+    run.values.insert("RptOption", QString::number(years.rptOption));
+    run.values.insert("CompareYear", years.year);
+    run.values.insert("CompareYear2", years.year2);
+    return true;
+}
+
+void ReportPreparation::applyParameters(Run &run)
+{
+    const QStringList &names = reportSpec(run.kind).parameters;
+    for (ParameterField &field : run.definition->ParameterFields()) {
+        for (const QString &name : names) {
+            if (field.Name.compare(name, Qt::CaseInsensitive) == 0 && run.values.contains(name)) {
+                field.CurrentValue = valueFor(field, run.values.value(name));
+                break;
+            }
+        }
+    }
+}
+
+bool ReportPreparation::currentActuals(Run &run)
+{
+    const int option = run.values.value("RptOption").toInt();
+    if (option != 4 && option != 5)
+        return true;
+    clsYears years;
+    years.setAdoConnection(environment_.db);
+    years.YearItem().ID = currentYear_;
+    QString tableId;
+    if (!years.GetFundYearTableId(tableId)) {
+        error_ = years.Error();
+        return false;
+    }
+    const QString alias = summaryRecord(run.ledger);
+    const QString table = tableId + u'_' + alias;
+    const QString flag = actualFormulaName(run.ledger);
+    for (const QString &name : detailSubreports) {
+        ReportDefinition *details = run.definition->OpenSubreport(name);
+        if (!details)
+            return fail(run.sub, QStringLiteral("The report definition %1 has no subreport \"%2\".")
+                                     .arg(run.definition->path(), name));
+        QString why;
+        if (!details->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("{@CurrentActual}"), why) ||
+            !details->setFormula(flag, QStringLiteral("true"), why) || !details->setTableLocation(alias, table, why))
+            return fail(run.sub, why);
+    }
+    return true;
+}
+
+bool ReportPreparation::applyCategory(Run &run)
+{
+    if (isAllComponents(run.choices.category))
+        return true;
+    const CategoryRule *rule = categoryRule(run.choices.category);
+    if (!rule)
+        return fail(run.sub, QStringLiteral("Unknown category \"%1\"; the categories are: %2.")
+                                 .arg(run.choices.category, publicBudgetCategories().join("; ")));
+    run.formulas.emplace_back(QStringLiteral("Category"), QLatin1String(rule->title));
+    run.category = QLatin1String(rule->code);
+    if (*rule->selectionFormula)
+        run.selectionFormulas << QLatin1String(rule->selectionFormula);
+    return true;
+}
+
+bool ReportPreparation::foldersCarrying(const QString &fund, const QString &ledger, const QString &compareCode,
+                                        const std::optional<QString> &category, std::vector<qint64> &ids)
+{
+    clsTreeSummary tree;
+    tree.setAdoConnection(environment_.db);
+    tree.setCompareCode(compareCode);
+    tree.setCat(category.has_value());
+    tree.setCategory(category.value_or(QString()));
+    tree.TreeItem().NodeType = QStringLiteral("T");
+    tree.TreeItem().FundID = fund;
+    tree.TreeItem().LedgerID = ledger;
+    tree.TreeItem().ParentID = 0;
+    std::vector<clsTreeItem> top;
+    if (!tree.GetChildren(top)) {
+        error_ = tree.Error();
+        return false;
+    }
+    for (const clsTreeItem &folder : top) {
+        if (!tree.GetFoldersAcctCodeCount(folder, 1)) {
+            error_ = tree.Error();
+            return false;
+        }
+    }
+    ids.clear();
+    for (const clsTreeItem &folder : tree)
+        if (folder.RecCount > 0)
+            ids.push_back(folder.ID);
+    return true;
+}
+
+bool ReportPreparation::narrow(Run &run)
+{
+    const QString compareCode = run.values.value("CompareCode");
+    if (!foldersCarrying(run.fund, run.ledger, compareCode, run.category, run.folders))
+        return false;
+    // Nothing to print is said rather than printed as an empty report.
+    if (run.folders.empty())
+        return fail(run.sub, compareCode.trimmed().isEmpty()
+                                 ? QStringLiteral("Fund %1, ledger %2 has no account codes to report.")
+                                       .arg(run.fund, run.ledger)
+                                 : QStringLiteral("No account code of fund %1, ledger %2 begins with \"%3\".")
+                                       .arg(run.fund, run.ledger, compareCode.trimmed()));
+    QString selection = run.definition->RecordSelectionFormula();
+    for (const QString &formula : std::as_const(run.selectionFormulas))
+        selection += QStringLiteral(" and {@") + formula + u'}';
+    selection += QStringLiteral(" and {SummaryTree.ID} in [ ") + idList(run.folders) + QStringLiteral("]");
+    QString why;
+    if (!run.definition->setRecordSelectionFormula(selection, why))
+        return fail(run.sub, why);
+    if (run.kind == ReportKind::Generated && !run.definition->setParameter(QStringLiteral("FolderList"),
+                                                                           ReportValue::text(idList(run.folders))))
+        return fail(run.sub, QStringLiteral("The report definition %1 has no parameter FolderList.")
+                                 .arg(run.definition->path()));
+    return true;
+}
+
+bool ReportPreparation::generatorValues(Run &run)
+{
+    clsReportGenerator generator;
+    generator.setAdoConnection(environment_.db);
+    generator.ReportName().ID = run.choices.formatId;
+    std::vector<clsReportHeadings> headings;
+    if (!generator.RetrieveReportName(false) || !generator.GetReportHeadings(headings)) {
+        error_ = generator.Error();
+        return false;
+    }
+    const clsReportName &format = generator.ReportName();
+    if (run.fund.isEmpty())
+        run.fund = format.FundID.trimmed();
+    run.ledger = format.Ledger.trimmed().toUpper() == u"R" ? QStringLiteral("R") : QStringLiteral("E");
+    run.values.insert("LedgerID", run.ledger);
+    run.values.insert("FundID", run.fund);
+    run.values.insert("ReportName", format.Name);
+    const QString prior = historical_.empty() ? QString() : historical_.back();
+    const QString prior2 = historical_.size() < 2 ? QString() : historical_[historical_.size() - 2];
+    run.values.insert("PriorYear", prior);
+    run.values.insert("Prior2Year", prior2);
+
+    generator.BugdetYear = currentYear_;
+    generator.ProposedYear = environment_.proposedYear;
+    generator.PriorYear = prior;
+    generator.Prior1Year = prior2;
+    // The columns' headings (the year on a second line) and the report variables behind them.
+    run.formulas.emplace_back(QStringLiteral("ColumnsDisplay"), QString::number(headings.size()));
+    int column = 0;
+    for (const clsReportHeadings &heading : headings) {
+        ++column;
+        run.formulas.emplace_back(QStringLiteral("HdgCol%1").arg(column),
+                                  quoted(heading.ReportHeadingDesc) + QStringLiteral(" & chr(13) & ") +
+                                      quoted(generator.HeadingYear(heading.ReportHeading)));
+        run.formulas.emplace_back(QStringLiteral("Col%1").arg(column),
+                                  QStringLiteral("{@") + heading.ReportVariable + u'}');
+    }
+    return true;
+}
