@@ -18,7 +18,7 @@ struct ReportChoices {
     QString compareCode;  // as typed; used only with records 2
     bool percent = false; // "Show Percent Inc/Dec"
     std::int32_t formatId = 0; // generated report: the format's ID
-    int orientation = 1;  // 1 portrait, 2 landscape
+    int orientation = 0;  // 1 portrait, 2 landscape, 0 as the definition has it
     int copies = 1;
     bool preview = false;
 };

@@ -96,19 +96,27 @@ QString idList(const std::vector<qint64> &ids)
     return texts.join(QLatin1String(", "));
 }
 
-// The formulas of the "Details" subreports when they read the current year's
-// Kora-Fund summaries: the second amount column is the year's actual so far,
-// and the flag tells the subreport its figures come from the fund files.
-QString actualFormulaName(const QString &ledger)
+// The "Details" subreports when they read the current year's Kora-Fund
+// summaries: their table (known to them as "Summary") is re-pointed at the
+// year's summary of the ledger, the second amount column becomes the year's
+// actual so far, and the ledger's flag tells the subreport its figures come
+// from the fund files.
+struct CurrentActuals {
+    QString record;  // the Kora-Fund record name of the ledger's summary
+    QString flag;    // the formula set to 'Y'
+    QString actual;  // Col2Amount
+};
+
+CurrentActuals currentActualsOf(const QString &ledger)
 {
-    return ledger == u"R" ? QStringLiteral("CalRevFundData") : QStringLiteral("CalExpFundData");
+    if (ledger == u"R")
+        return {QStringLiteral("SummaryRevenue"), QStringLiteral("CalRevFundData"),
+                QStringLiteral("{Summary.RevenueReceived}")};
+    return {QStringLiteral("SummaryExpenditure"), QStringLiteral("CalExpFundData"),
+            QStringLiteral("{Summary.PaymentExpense}")};
 }
 
-QString summaryRecord(const QString &ledger)
-{
-    return ledger == u"R" ? QStringLiteral("SummaryRevenue") : QStringLiteral("SummaryExpenditure");
-}
-
+const QString summaryAlias = QStringLiteral("Summary");
 const QStringList detailSubreports{QStringLiteral("Details"), QStringLiteral("Details - 01")};
 
 } // namespace
@@ -273,8 +281,9 @@ std::unique_ptr<ReportDefinition> ReportPreparation::prepare(ReportKind kind, co
             return nullptr;
         }
     }
-    run.definition->setOrientation(choices.orientation == 2 ? PaperOrientation::Landscape
-                                                            : PaperOrientation::Portrait);
+    if (choices.orientation != 0)
+        run.definition->setOrientation(choices.orientation == 2 ? PaperOrientation::Landscape
+                                                                : PaperOrientation::Portrait);
     if (kind != ReportKind::TaxRevenue && kind != ReportKind::Chart && !narrow(run))
         return nullptr;
     return std::move(run.definition);
@@ -318,17 +327,17 @@ bool ReportPreparation::currentActuals(Run &run)
         error_ = years.Error();
         return false;
     }
-    const QString alias = summaryRecord(run.ledger);
-    const QString table = tableId + u'_' + alias;
-    const QString flag = actualFormulaName(run.ledger);
+    const CurrentActuals actuals = currentActualsOf(run.ledger);
+    const QString table = tableId + u'_' + actuals.record;
     for (const QString &name : detailSubreports) {
         ReportDefinition *details = run.definition->OpenSubreport(name);
         if (!details)
             return fail(run.sub, QStringLiteral("The report definition %1 has no subreport \"%2\".")
                                      .arg(run.definition->path(), name));
         QString why;
-        if (!details->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("{@CurrentActual}"), why) ||
-            !details->setFormula(flag, QStringLiteral("true"), why) || !details->setTableLocation(alias, table, why))
+        if (!details->setFormula(QStringLiteral("Col2Amount"), actuals.actual, why) ||
+            !details->setFormula(actuals.flag, QStringLiteral("'Y'"), why) ||
+            !details->setTableLocation(summaryAlias, table, why))
             return fail(run.sub, why);
     }
     return true;
@@ -391,7 +400,10 @@ bool ReportPreparation::narrow(Run &run)
                                        .arg(run.fund, run.ledger)
                                  : QStringLiteral("No account code of fund %1, ledger %2 begins with \"%3\".")
                                        .arg(run.fund, run.ledger, compareCode.trimmed()));
-    QString selection = run.definition->RecordSelectionFormula();
+    // An empty selection keeps every row; the narrowing still needs something to follow.
+    QString selection = run.definition->RecordSelectionFormula().trimmed();
+    if (selection.isEmpty())
+        selection = QStringLiteral("true");
     for (const QString &formula : std::as_const(run.selectionFormulas))
         selection += QStringLiteral(" and {@") + formula + u'}';
     selection += QStringLiteral(" and {SummaryTree.ID} in [ ") + idList(run.folders) + QStringLiteral("]");
