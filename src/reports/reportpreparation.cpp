@@ -10,6 +10,8 @@
 
 #include <QHash>
 
+#include <array>
+
 namespace {
 
 constexpr std::int32_t reportError = 999;
@@ -98,26 +100,40 @@ QString idList(const std::vector<qint64> &ids)
 
 // The "Details" subreports when they read the current year's Kora-Fund
 // summaries: their table (known to them as "Summary") is re-pointed at the
-// year's summary of the ledger, the second amount column becomes the year's
-// actual so far, and the ledger's flag tells the subreport its figures come
-// from the fund files.
+// year's summary of the ledger. "Details" gives the year's actual so far
+// (Col2Amount) and what is still open: the outstanding encumbrances of an
+// expenditure, the unrealized balance of a revenue; "Details - 01" gives the
+// transfers and adjustments and the revised budget.
+struct SubreportFormulas {
+    QString subreport;
+    QString col2Amount;
+    QString fundData; // the ledger's CalExpFundData or CalRevFundData
+};
+
 struct CurrentActuals {
-    QString record;  // the Kora-Fund record name of the ledger's summary
-    QString flag;    // the formula set to 'Y'
-    QString actual;  // Col2Amount
+    QString record;     // the Kora-Fund record name of the ledger's summary
+    QString fundDataName;
+    std::array<SubreportFormulas, 2> subreports;
 };
 
 CurrentActuals currentActualsOf(const QString &ledger)
 {
+    const SubreportFormulas adjustments{QStringLiteral("Details - 01"), QStringLiteral("{Summary.BudgetAdjustment}"),
+                                        QStringLiteral("{Summary.RevisedBudget}")};
     if (ledger == u"R")
-        return {QStringLiteral("SummaryRevenue"), QStringLiteral("CalRevFundData"),
-                QStringLiteral("{Summary.RevenueReceived}")};
-    return {QStringLiteral("SummaryExpenditure"), QStringLiteral("CalExpFundData"),
-            QStringLiteral("{Summary.PaymentExpense}")};
+        return {QStringLiteral("SummaryRevenue"),
+                QStringLiteral("CalRevFundData"),
+                {{{QStringLiteral("Details"), QStringLiteral("{Summary.RevenueReceived}"),
+                   QStringLiteral("{Summary.UnearnedBalance}")},
+                  adjustments}}};
+    return {QStringLiteral("SummaryExpenditure"),
+            QStringLiteral("CalExpFundData"),
+            {{{QStringLiteral("Details"), QStringLiteral("{Summary.PaymentExpense}"),
+               QStringLiteral("{Summary.Encumbrance}")},
+              adjustments}}};
 }
 
 const QString summaryAlias = QStringLiteral("Summary");
-const QStringList detailSubreports{QStringLiteral("Details"), QStringLiteral("Details - 01")};
 
 } // namespace
 
@@ -329,14 +345,14 @@ bool ReportPreparation::currentActuals(Run &run)
     }
     const CurrentActuals actuals = currentActualsOf(run.ledger);
     const QString table = tableId + u'_' + actuals.record;
-    for (const QString &name : detailSubreports) {
-        ReportDefinition *details = run.definition->OpenSubreport(name);
+    for (const SubreportFormulas &formulas : actuals.subreports) {
+        ReportDefinition *details = run.definition->OpenSubreport(formulas.subreport);
         if (!details)
             return fail(run.sub, QStringLiteral("The report definition %1 has no subreport \"%2\".")
-                                     .arg(run.definition->path(), name));
+                                     .arg(run.definition->path(), formulas.subreport));
         QString why;
-        if (!details->setFormula(QStringLiteral("Col2Amount"), actuals.actual, why) ||
-            !details->setFormula(actuals.flag, QStringLiteral("'Y'"), why) ||
+        if (!details->setFormula(QStringLiteral("Col2Amount"), formulas.col2Amount, why) ||
+            !details->setFormula(actuals.fundDataName, formulas.fundData, why) ||
             !details->setTableLocation(summaryAlias, table, why))
             return fail(run.sub, why);
     }
