@@ -10,6 +10,7 @@
 
 #include <QHash>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -287,7 +288,7 @@ std::unique_ptr<ReportDefinition> ReportPreparation::prepare(ReportKind kind, co
     }
     applyParameters(run);
 
-    if (kind == ReportKind::Status && !currentActuals(run))
+    if (!currentActuals(run))
         return nullptr;
     if (kind == ReportKind::PublicBudget && !applyCategory(run))
         return nullptr;
@@ -300,7 +301,11 @@ std::unique_ptr<ReportDefinition> ReportPreparation::prepare(ReportKind kind, co
     if (choices.orientation != 0)
         run.definition->setOrientation(choices.orientation == 2 ? PaperOrientation::Landscape
                                                                 : PaperOrientation::Portrait);
-    if (kind != ReportKind::TaxRevenue && kind != ReportKind::Chart && !narrow(run))
+    // The folders carrying a compare code are "T" folders: a listing by
+    // buildings or programs is not narrowed.
+    const bool byFolders = kind != ReportKind::TaxRevenue && kind != ReportKind::Chart &&
+                           (kind != ReportKind::AccountCodes || run.values.value("NodeType") == u"T");
+    if (byFolders && !narrow(run))
         return nullptr;
     return std::move(run.definition);
 }
@@ -332,8 +337,14 @@ void ReportPreparation::applyParameters(Run &run)
 
 bool ReportPreparation::currentActuals(Run &run)
 {
+    // The status report shows the current year's actuals for options 4 and 5
+    // only; the comparison with the proposal and the generator's current-year
+    // columns always do.
     const int option = run.values.value("RptOption").toInt();
-    if (option != 4 && option != 5)
+    const bool wanted = run.kind == ReportKind::Status ? option == 4 || option == 5
+                                                       : run.kind == ReportKind::VersusProposed ||
+                                                             run.kind == ReportKind::Generated;
+    if (!wanted)
         return true;
     clsYears years;
     years.setAdoConnection(environment_.db);
@@ -460,9 +471,19 @@ bool ReportPreparation::generatorValues(Run &run)
     generator.PriorYear = prior;
     generator.Prior1Year = prior2;
     // The columns' headings (the year on a second line) and the report variables behind them.
-    run.formulas.emplace_back(QStringLiteral("ColumnsDisplay"), QString::number(headings.size()));
+
+    std::vector<clsReportHeadings> available;
+    generator.getAvailHeadingList(available);
+    const auto offered = [&available](const clsReportHeadings &heading) {
+        return std::any_of(available.begin(), available.end(), [&heading](const clsReportHeadings &known) {
+            return known.ReportHeading.compare(heading.ReportHeading.trimmed(), Qt::CaseInsensitive) == 0;
+        });
+    };
     int column = 0;
     for (const clsReportHeadings &heading : headings) {
+        // The account code and name always print; only the amount columns are the format's choice.
+        if (!offered(heading))
+            continue;
         ++column;
         run.formulas.emplace_back(QStringLiteral("HdgCol%1").arg(column),
                                   quoted(heading.ReportHeadingDesc) + QStringLiteral(" & chr(13) & ") +
@@ -470,5 +491,6 @@ bool ReportPreparation::generatorValues(Run &run)
         run.formulas.emplace_back(QStringLiteral("Col%1").arg(column),
                                   QStringLiteral("{@") + heading.ReportVariable + u'}');
     }
+    run.formulas.emplace_back(QStringLiteral("ColumnsDisplay"), QString::number(column));
     return true;
 }

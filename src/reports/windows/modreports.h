@@ -22,7 +22,7 @@ struct ReportServices {
     ReportEnvironment environment;
     FundListReader listFunds;
     std::function<std::unique_ptr<ReportSelection>()> makeSelection;
-    ReportOutput *output = nullptr; // not owned
+    std::shared_ptr<ReportOutput> output;
 };
 
 // The report procedures of the Reports menu, the account code explorer and
