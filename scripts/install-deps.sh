@@ -9,7 +9,7 @@ packages=(
   build-essential cmake ninja-build ccache pkg-config git
   qt6-base-dev qt6-base-dev-tools qt6-charts-dev libqt6opengl6-dev libgl-dev qt6-qpa-plugins
   libqt6sql6-sqlite libqt6sql6-psql libqt6sql6-odbc fonts-dejavu-core
-  libxlsxwriter-dev zlib1g-dev
+  libxlsxwriter-dev zlib1g-dev libgmp-dev
   libgtest-dev libgmock-dev libbenchmark-dev xlsx2csv
   sqlite3 postgresql-15 postgresql-client-15 unixodbc unixodbc-dev libsqliteodbc
   xvfb xauth poppler-utils clang libclang-rt-14-dev

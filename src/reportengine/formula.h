@@ -3,6 +3,7 @@
 #include "reportvalue.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -26,7 +27,9 @@ public:
     virtual std::optional<ReportValue> formula(const QString &name) const = 0;
 };
 
-// Where and why a formula was refused. `position` counts characters from 0.
+// Where and why a formula was refused. `position` counts characters from 0;
+// `message` names the fault and ends with " at position N", e.g.
+// "Expected ')' at position 14", "Text and a number cannot be compared at position 6".
 struct FormulaError {
     int position = 0;
     QString message;
@@ -48,6 +51,22 @@ struct FormulaError {
 // Functions: chr(n), totext(x[, decimals]), round(x[, decimals]), abs(x), trim(t),
 // left(t, n), upper(t), isnull(x), date(y, m, d), year(d).
 // An empty formula text evaluates to null.
+//
+// Meaning:
+// - Numbers are exact to four places; '*', '/' and '%' round half away from
+//   zero to four places. 'a % b' is a as a percentage of b (a / b * 100).
+//   Dividing by zero is an evaluation error.
+// - '&' joins any two values as text (ReportValue::toText; null joins as "");
+//   '+' of two texts joins them too. chr(13) is the line break of a heading.
+// - Null in arithmetic, and as any function's argument but isnull's and
+//   totext's, gives null. Null equals only null ('=' and '<>'), and '<', '>',
+//   '<=', '>=' with a null side are false. A null condition (if, and, or, not)
+//   counts as false.
+// - Comparisons need two values of the same kind: texts compare case-sensitively
+//   and by character code, truth values false before true; a number compared
+//   with text is an error. 'x in [ ... ]' is x = some item; '[ ]' holds nothing.
+// - Dates: date +/- whole days, and date - date gives days.
+// - if/and/or evaluate only the side they need, so a guard protects a division.
 class Formula {
 public:
     static std::optional<Formula> parse(const QString &text, FormulaError &error);

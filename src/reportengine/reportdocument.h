@@ -12,6 +12,7 @@ class DbConnection;
 class QPainter;
 class QPagedPaintDevice;
 class ReportDefinition;
+struct ReportPageSetup;
 
 // Where a report's data comes from: the budget database, and the Kora-Fund
 // installation whose year tables ("<TableId>_SummaryExpenditure") are read
@@ -34,9 +35,12 @@ struct ReportTable {
     std::vector<int> widths; // one per column, in average characters
     struct Row {
         RowKind kind = RowKind::Detail;
-        int level = 0;              // group depth for headers and totals, from 0
+        int level = 0;              // group depth for headers and totals, from 0 (indents the first column)
         bool newPage = false;       // a group header that starts a new page
-        std::vector<QString> cells; // amounts as plain decimals ("1234.5"), "" for empty
+        // Amounts and numbers as plain decimals ("1234.5"), percentages as the
+        // percentage ("12.5" is 12.5 %), dates "MM/dd/yyyy"; any other text
+        // ("n/a") is shown as it stands. "" for empty.
+        std::vector<QString> cells;
     };
     std::vector<Row> rows;
 };
@@ -61,6 +65,10 @@ public:
     // (or "Cancelled." when progress said stop).
     static std::unique_ptr<ReportDocument> run(const ReportDefinition &definition, const ReportSources &sources,
                                                QString &error, const ReportProgress &progress = {});
+    // A document of rows and charts already made, laid out on pages: where a
+    // run ends, and how tests and tools build one directly.
+    static std::unique_ptr<ReportDocument> fromTable(ReportTable table, std::vector<ReportChart> charts,
+                                                     const ReportPageSetup &setup);
     ~ReportDocument();
 
     const QString &title() const;

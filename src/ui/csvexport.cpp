@@ -1,31 +1,7 @@
 #include "csvexport.h"
 
+#include "csvrecord.h"
 #include "gridexport.h"
-
-#include <QSaveFile>
-
-namespace {
-
-bool mustQuote(const QString &field)
-{
-    return field.contains(QLatin1Char(',')) || field.contains(QLatin1Char('"')) || field.contains(QLatin1Char('\n')) ||
-           field.contains(QLatin1Char('\r'));
-}
-
-} // namespace
-
-QString csvRecord(const QStringList &fields, const std::vector<bool> &quoted)
-{
-    QStringList out;
-    for (int i = 0; i < fields.size(); ++i) {
-        const QString &field = fields[i];
-        const bool quote = (std::size_t(i) < quoted.size() && quoted[std::size_t(i)]) || mustQuote(field);
-        out << (quote ? QLatin1Char('"') + QString(field).replace(QLatin1Char('"'), QStringLiteral("\"\"")) +
-                            QLatin1Char('"')
-                      : field);
-    }
-    return out.join(QLatin1Char(',')) + QStringLiteral("\r\n");
-}
 
 bool exportGridCsv(const classGrid &grid, const QString &path, QString &error)
 {
@@ -36,18 +12,8 @@ bool exportGridCsv(const classGrid &grid, const QString &path, QString &error)
         names << column.HeadingOneLine();
         textColumns.push_back(column.Type() == GridColumnType::Text);
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        error = file.errorString();
-        return false;
-    }
     QString text = csvRecord(names, std::vector<bool>(std::size_t(names.size()), true));
     for (const QStringList &values : table.rows)
         text += csvRecord(values, textColumns);
-    file.write(text.toUtf8());
-    if (!file.commit()) {
-        error = file.errorString();
-        return false;
-    }
-    return true;
+    return writeCsvFile(path, text, error);
 }

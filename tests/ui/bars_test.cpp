@@ -1,6 +1,6 @@
 #include "classstatusbar.h"
 #include "classtoolbar.h"
-#include "csvexport.h"
+#include "csvrecord.h"
 #include "twips.h"
 #include "wrappererror.h"
 

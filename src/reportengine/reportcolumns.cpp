@@ -1,0 +1,134 @@
+#include "reportcolumns.h"
+
+#include "reportcells.h"
+#include "reportfonts.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+constexpr qreal baseSize = 8;
+constexpr qreal smallestSize = 7;  // the smallest the text gets before text columns give way
+constexpr qreal minimumSize = 4;   // for tables whose figures alone are wider than the page
+constexpr qreal referenceSize = 10; // widths measured once here scale with the size
+constexpr int fallbackWidth = 10;   // characters, for a column the table gives no width
+constexpr int narrowestText = 6;    // characters a text column keeps
+
+// Widths at the reference size, without padding.
+struct Measured {
+    qreal averageChar = 0;
+    std::vector<qreal> chars;   // the table's widths
+    std::vector<qreal> figures; // widest shown cell of a number column, 0 for text
+};
+
+// The widest shown cell of a number column (bold, as totals are): only the
+// cells within a character of the longest are measured.
+qreal widestFigure(std::size_t column, const std::vector<ReportTable::Row> &rows, const QString &heading,
+                   const QFontMetricsF &bold)
+{
+    qsizetype longest = 0;
+    for (const ReportTable::Row &row : rows)
+        longest = std::max(longest, row.cells[column].size());
+    qreal widest = 0;
+    for (const ReportTable::Row &row : rows)
+        if (row.cells[column].size() >= longest - 1)
+            widest = std::max(widest, bold.horizontalAdvance(row.cells[column]));
+    // The heading wraps at blanks, so its longest word sets the least width.
+    for (const QString &word : QString(heading).replace(QLatin1Char('\n'), QLatin1Char(' ')).split(QLatin1Char(' ')))
+        widest = std::max(widest, bold.horizontalAdvance(word));
+    return widest;
+}
+
+Measured measure(const ReportTable &table, const std::vector<ReportTable::Kind> &kinds,
+                 const std::vector<ReportTable::Row> &rows)
+{
+    const QFontMetricsF regular = pointMetrics(referenceSize, false);
+    const QFontMetricsF bold = pointMetrics(referenceSize, true);
+    Measured measured;
+    measured.averageChar = regular.averageCharWidth();
+    for (std::size_t c = 0; c < kinds.size(); ++c) {
+        const int chars = c < table.widths.size() && table.widths[c] > 0 ? table.widths[c] : fallbackWidth;
+        measured.chars.push_back(chars * measured.averageChar);
+        measured.figures.push_back(isNumericKind(kinds[c]) ? widestFigure(c, rows, table.headings[qsizetype(c)], bold)
+                                                           : 0);
+    }
+    return measured;
+}
+
+ColumnFit sized(qreal size, std::size_t count)
+{
+    ColumnFit fit;
+    fit.size = size;
+    fit.pad = size * 1.25;
+    fit.indent = size;
+    fit.width.assign(count, 0);
+    return fit;
+}
+
+// Places the columns left to right.
+ColumnFit &placed(ColumnFit &fit)
+{
+    fit.left.clear();
+    qreal x = 0;
+    for (const qreal width : fit.width) {
+        fit.left.push_back(x);
+        x += width;
+    }
+    return fit;
+}
+
+} // namespace
+
+ColumnFit fitColumns(const ReportTable &table, const std::vector<ReportTable::Kind> &kinds,
+                     const std::vector<ReportTable::Row> &shownRows, qreal pageWidth)
+{
+    const Measured measured = measure(table, kinds, shownRows);
+    const std::size_t count = kinds.size();
+    const auto natural = [&](const ColumnFit &fit, std::size_t c) {
+        const qreal scale = fit.size / referenceSize;
+        return std::max(measured.chars[c], measured.figures[c]) * scale + fit.pad;
+    };
+    // The text a little smaller, then every column in proportion.
+    for (qreal size = baseSize; size >= smallestSize; size -= 0.5) {
+        ColumnFit fit = sized(size, count);
+        for (std::size_t c = 0; c < count; ++c)
+            fit.width[c] = natural(fit, c);
+        const qreal total = std::accumulate(fit.width.begin(), fit.width.end(), qreal(0));
+        if (total <= pageWidth) {
+            // The room left over goes to the text, the figures staying together.
+            qreal texts = 0;
+            for (std::size_t c = 0; c < count; ++c)
+                texts += isNumericKind(kinds[c]) ? 0 : fit.width[c];
+            for (std::size_t c = 0; c < count; ++c)
+                if (texts <= 0 || !isNumericKind(kinds[c]))
+                    fit.width[c] += (pageWidth - total) * fit.width[c] / (texts > 0 ? texts : total);
+            return placed(fit);
+        }
+    }
+    // The text columns give way, down to a few characters each, while the
+    // figures keep their width.
+    for (qreal size = smallestSize;; size -= 0.5) {
+        ColumnFit fit = sized(size, count);
+        const qreal scale = size / referenceSize;
+        qreal figures = 0;
+        qreal texts = 0;
+        qreal narrowest = 0;
+        for (std::size_t c = 0; c < count; ++c) {
+            if (isNumericKind(kinds[c])) {
+                fit.width[c] = natural(fit, c);
+                figures += fit.width[c];
+            } else {
+                texts += natural(fit, c);
+                narrowest += narrowestText * measured.averageChar * scale + fit.pad;
+            }
+        }
+        if (figures + narrowest <= pageWidth || size <= minimumSize) {
+            const qreal share = texts > 0 ? std::max(qreal(0), pageWidth - figures) / texts : 0;
+            for (std::size_t c = 0; c < count; ++c)
+                if (!isNumericKind(kinds[c]))
+                    fit.width[c] = natural(fit, c) * share;
+            return placed(fit);
+        }
+    }
+}

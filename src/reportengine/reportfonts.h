@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QFont>
+#include <QFontMetricsF>
+
+class QPaintDevice;
+
+// The one type face of every report. Sizes are in points of the painter's
+// coordinates: a report is painted with its painter scaled to points, so the
+// font is made for the device's resolution to come out at that size.
+QFont reportFont(qreal points, bool bold, const QPaintDevice *device);
+
+// Metrics in points, for laying out before any device exists.
+QFontMetricsF pointMetrics(qreal points, bool bold);
+
+// `text` broken at blanks into lines no wider than `width`; a word wider than
+// the width stays whole on its own line.
+QStringList wrappedLines(const QString &text, const QFontMetricsF &metrics, qreal width);
