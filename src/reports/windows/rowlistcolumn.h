@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+class classGrid;
+
+// Makes a text column of the grid edit through a drop-down whose entries
+// differ from row to row: each row holds them in the column `listKey`, joined
+// with tabs. The cell holds the entry's text; a row with no entries is not edited.
+void setRowListColumn(classGrid &grid, const QString &key, const QString &listKey);
