@@ -153,6 +153,20 @@ std::optional<BudgetDbConfig> BudgetDbConfig::load(const QString &path, QString 
                             .arg(path, config.fundCodePage));
         return std::nullopt;
     }
+
+    const QString taxKey = QStringLiteral("Reports/PropertyTaxCodes");
+    if (ini.contains(taxKey)) {
+        config.propertyTaxCodes.clear();
+        for (const QString &code : ini.value(taxKey).toStringList())
+            if (!code.trimmed().isEmpty())
+                config.propertyTaxCodes << code.trimmed();
+        if (config.propertyTaxCodes.isEmpty()) {
+            setError(error, QStringLiteral("%1: %2 is empty; it names the revenue codes (or their beginnings) that "
+                                           "are the real property tax, A1001 by default.")
+                                .arg(path, taxKey));
+            return std::nullopt;
+        }
+    }
     return config;
 }
 
@@ -173,6 +187,8 @@ bool BudgetDbConfig::save(const QString &path) const
     ini.setValue(QStringLiteral("ODBC/Driver"), odbcDriver);
     if (!fundCodePage.isEmpty())
         ini.setValue(QStringLiteral("KoraFund/CodePage"), fundCodePage);
+    if (propertyTaxCodes != defaultPropertyTaxCodes())
+        ini.setValue(QStringLiteral("Reports/PropertyTaxCodes"), propertyTaxCodes);
     ini.sync();
     return ini.status() == QSettings::NoError;
 }

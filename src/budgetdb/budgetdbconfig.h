@@ -31,10 +31,15 @@ struct BudgetDbConfig {
     // The code page of the text in Kora-Fund's files ("1252", "437", "latin1",
     // "866" or "1251"); empty for Windows-1252.
     QString fundCodePage;
+    // The general fund's revenue codes that are the real property tax, each a
+    // code or the beginning of codes ("A1001" takes "A1001" and "A1001.01"):
+    // the tax levy is what the budget needs from them.
+    QStringList propertyTaxCodes = defaultPropertyTaxCodes();
 
     // The per-user file used when neither --config nor KORA_BUDGET_CONFIG names one.
     static QString defaultConfigPath();
     static QString defaultSqliteFile();
+    static QStringList defaultPropertyTaxCodes() { return {QStringLiteral("A1001")}; }
     // --config FILE (or --config=FILE) in arguments, else $KORA_BUDGET_CONFIG, else the default.
     static QString resolvePath(const QStringList &arguments);
 

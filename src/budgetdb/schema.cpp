@@ -154,11 +154,62 @@ QStringList folderIndexes(SqlDialect)
             "CREATE INDEX IF NOT EXISTS BudgetSummaryTree_TrimmedID ON BudgetSummaryTree ((Rtrim(ltrim(ID))))")};
 }
 
+// Whether a flag column holds anything but blanks, tabs and line breaks (the
+// stores' test: a trimmed flag that is not empty).
+QString flagSet(const QString &column, SqlDialect d)
+{
+    // The characters themselves: SQL string literals take no backslash escapes.
+    const QString blanks = QStringLiteral("' \t\n\v\f\r'");
+    return (d == SqlDialect::SQLite ? QStringLiteral("TRIM(COALESCE(%1, ''), %2) <> ''")
+                                    : QStringLiteral("BTRIM(COALESCE(%1, ''), %2) <> ''"))
+        .arg(column, blanks);
+}
+
+// The one proposed amount of an account in a proposal (docs/proposal-amounts.md):
+// in the general fund's expenditure ledger an account that takes part in a
+// component is proposed at the sum of its components, the entry grid's figure;
+// everywhere else the stored ProposedBudget stands.
+QStringList proposalAmountView(SqlDialect d)
+{
+    const auto component = [d](const char *flag, const char *amount, const char *name) {
+        return QStringLiteral("CASE WHEN Components = 1 AND %1 THEN COALESCE(%2, 0) ELSE 0 END AS %3")
+            .arg(flagSet(QLatin1String(flag), d), QLatin1String(amount), QLatin1String(name));
+    };
+    const QString anyFlag = QStringList{flagSet(QStringLiteral("CatAFlag"), d), flagSet(QStringLiteral("CatPFlag"), d),
+                                        flagSet(QStringLiteral("CatCFlag"), d)}
+                                .join(QStringLiteral(" OR "));
+    const QString parts =
+        QStringLiteral("SELECT AcctId, ProposalID, FundID, Ledger, COALESCE(ProposedBudget, 0) AS ProposedBudget, %1, "
+                       "%2, %3, CASE WHEN Components = 1 AND (%4) THEN 1 ELSE 0 END AS InComponents FROM ("
+                       "SELECT ProposalBudget.*, AccountCodes.FundID, AccountCodes.Ledger, AccountCodes.CatAFlag, "
+                       "AccountCodes.CatPFlag, AccountCodes.CatCFlag, CASE WHEN UPPER(TRIM(AccountCodes.FundID)) = 'A' "
+                       "AND UPPER(TRIM(AccountCodes.Ledger)) = 'E' THEN 1 ELSE 0 END AS Components "
+                       "FROM ProposalBudget INNER JOIN AccountCodes ON AccountCodes.ID = ProposalBudget.AcctId) Joined")
+            .arg(component("CatAFlag", "CatAProposal", "CatAAmount"),
+                 component("CatPFlag", "CatPProposal", "CatPAmount"),
+                 component("CatCFlag", "CatCProposal", "CatCAmount"), anyFlag);
+    // SQLite gives computed columns no declared type, and its ODBC driver then
+    // types a column by its first row: an amount that happens to be whole there
+    // would make the column an integer. Real numbers keep every row's decimals.
+    const auto number = [d](const QString &expression, const char *name) {
+        return (d == SqlDialect::SQLite ? QStringLiteral("CAST(%1 AS REAL) AS %2") : QStringLiteral("%1 AS %2"))
+            .arg(expression, QLatin1String(name));
+    };
+    return {QStringLiteral("CREATE VIEW ProposalAmount AS SELECT AcctId, ProposalID, FundID, Ledger, %1, %2, %3, %4 "
+                           "FROM (%5) Parts")
+                .arg(number(QStringLiteral("CASE WHEN InComponents = 1 THEN CatAAmount + CatPAmount + CatCAmount "
+                                           "ELSE ProposedBudget END"),
+                            "Amount"),
+                     number(QStringLiteral("CatAAmount"), "CatAAmount"),
+                     number(QStringLiteral("CatPAmount"), "CatPAmount"),
+                     number(QStringLiteral("CatCAmount"), "CatCAmount"), parts)};
+}
+
 using Migration = std::function<QStringList(SqlDialect)>;
 
 const std::vector<Migration> &migrations()
 {
-    static const std::vector<Migration> all{wholeSchema, folderIndexes};
+    static const std::vector<Migration> all{wholeSchema, folderIndexes, proposalAmountView};
     return all;
 }
 

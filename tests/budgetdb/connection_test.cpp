@@ -26,7 +26,7 @@ TEST(BudgetDbConfigTest, ReadsEveryBackendsSettings)
     writeIni(path, "[Database]\nBackend=PostgreSQL\n[SQLite]\nFile=data/budget.sqlite\n"
                    "[PostgreSQL]\nHost=db.district.local\nPort=6543\nDatabase=budget\nUser=office\nPassword=s3cret\n"
                    "[ODBC]\nDSNname=Budget2\nServerName=SERVER1\nLessConn=true\nDriver=Some Driver\n"
-                   "[KoraFund]\nCodePage=866\n");
+                   "[KoraFund]\nCodePage=866\n[Reports]\nPropertyTaxCodes=A1001, A1002.1\n");
     QString error;
     const auto config = BudgetDbConfig::load(path, &error);
     ASSERT_TRUE(config) << error.toStdString();
@@ -42,6 +42,7 @@ TEST(BudgetDbConfigTest, ReadsEveryBackendsSettings)
     EXPECT_TRUE(config->LessConn);
     EXPECT_EQ(config->odbcDriver, "Some Driver");
     EXPECT_EQ(config->fundCodePage, "866");
+    EXPECT_EQ(config->propertyTaxCodes, QStringList({"A1001", "A1002.1"}));
 
     // What save writes, load reads back.
     const QString copy = folder.filePath("copy/budgetdb.ini");
@@ -52,6 +53,7 @@ TEST(BudgetDbConfigTest, ReadsEveryBackendsSettings)
     EXPECT_EQ(again->sqliteFile, config->sqliteFile);
     EXPECT_TRUE(again->LessConn);
     EXPECT_EQ(again->fundCodePage, "866");
+    EXPECT_EQ(again->propertyTaxCodes, config->propertyTaxCodes);
 }
 
 TEST(BudgetDbConfigTest, OnlyTheDefaultFileMayBeMissingAndBadValuesAreRefused)
@@ -65,6 +67,7 @@ TEST(BudgetDbConfigTest, OnlyTheDefaultFileMayBeMissingAndBadValuesAreRefused)
     EXPECT_EQ(defaults->backend, BudgetDbConfig::Backend::SQLite);
     EXPECT_EQ(defaults->DSNname, "Korawin");
     EXPECT_FALSE(defaults->LessConn);
+    EXPECT_EQ(defaults->propertyTaxCodes, QStringList{"A1001"});
 
     const QString mistyped = folder.filePath("budgetdb.ni");
     QString error;
@@ -73,7 +76,8 @@ TEST(BudgetDbConfigTest, OnlyTheDefaultFileMayBeMissingAndBadValuesAreRefused)
 
     const QString path = folder.filePath("bad.ini");
     for (const QByteArray &text : {QByteArray("[Database]\nBackend=oracle\n"), QByteArray("[PostgreSQL]\nPort=http\n"),
-                                   QByteArray("[ODBC]\nLessConn=maybe\n"), QByteArray("[KoraFund]\nCodePage=utf-7\n")}) {
+                                   QByteArray("[ODBC]\nLessConn=maybe\n"), QByteArray("[KoraFund]\nCodePage=utf-7\n"),
+                                   QByteArray("[Reports]\nPropertyTaxCodes=\n")}) {
         writeIni(path, text);
         EXPECT_FALSE(BudgetDbConfig::load(path, &error)) << text.constData();
         EXPECT_TRUE(error.contains(path)) << error.toStdString();

@@ -24,9 +24,9 @@ TEST_P(SchemaTest, FreshDatabaseHoldsEveryTableAtTheProgramsVersion)
     ASSERT_TRUE(BudgetSchema::inspect(*db(), state));
     EXPECT_EQ(state.kind, BudgetSchema::Kind::Budget);
     EXPECT_EQ(state.version, BudgetSchema::programVersion());
-    for (const char *table :
-         {"AccountCodes", "BudgetSummaryTree", "Proposal", "ProposalBudget", "Proposal_GenFund", "BudgetYears",
-          "Yearlist", "Parms", "LnItem", "Bals", "TaxRate", "Report", "RptHeading", "Budgets", "SummaryTree"}) {
+    for (const char *table : {"AccountCodes", "BudgetSummaryTree", "Proposal", "ProposalBudget", "Proposal_GenFund",
+                              "BudgetYears", "Yearlist", "Parms", "LnItem", "Bals", "TaxRate", "Report", "RptHeading",
+                              "Budgets", "SummaryTree", "ProposalAmount"}) {
         Recordset rows;
         DbError error;
         EXPECT_TRUE(db()->open(QStringLiteral("select * from %1").arg(table), rows, &error))
@@ -70,9 +70,10 @@ TEST_P(SchemaTest, InsertsByPositionAndGeneratedKeysWork)
 
 TEST_P(SchemaTest, OlderDatabaseIsMigratedInPlaceKeepingItsRows)
 {
-    // Wind the database back to the first release: no folder indexes, version 1.
+    // Wind the database back to the first release: no folder indexes, no amount view, version 1.
     for (const char *index : {"AccountCodes_Folder", "BudgetSummaryTree_Children", "BudgetSummaryTree_TrimmedID"})
         exec(QStringLiteral("DROP INDEX %1").arg(index));
+    exec("DROP VIEW ProposalAmount");
     exec("DELETE FROM KoraSchema");
     exec("INSERT INTO KoraSchema (Version) VALUES (1)");
     exec("Insert into Bals values ('A', 100.5, 90)");
@@ -88,6 +89,24 @@ TEST_P(SchemaTest, OlderDatabaseIsMigratedInPlaceKeepingItsRows)
     kept.Close();
     // The index is back: creating it again must fail.
     EXPECT_FALSE(db()->execute("CREATE INDEX AccountCodes_Folder ON AccountCodes (FundID)", nullptr, &error));
+}
+
+TEST_P(SchemaTest, VersionTwoGainsTheProposalAmountView)
+{
+    exec("DROP VIEW ProposalAmount");
+    exec("UPDATE KoraSchema SET Version = 2");
+    exec("Insert into AccountCodes (Ledger, FundID, AccountCode, CatAFlag, CatPFlag, CatCFlag) "
+         "values ('E','A','A2110','A','P','')");
+    exec("Insert into ProposalBudget values (1,'1',999,10.25,20.5,40)");
+    EXPECT_TRUE(rows("select Version from KoraSchema").startsWith("2"));
+
+    DbError error;
+    ASSERT_TRUE(BudgetSchema::migrate(*db(), &error)) << error.text.toStdString();
+    EXPECT_EQ(rows("select Version from KoraSchema"), QString::number(BudgetSchema::programVersion()));
+    // The stored total (999) gives way to the components the account takes part in.
+    EXPECT_EQ(rows("select AcctId, ProposalID, FundID, Ledger, Amount, CatAAmount, CatPAmount, CatCAmount "
+                   "from ProposalAmount"),
+              "1,1,A,E,30.75,10.25,20.5,0");
 }
 
 TEST_P(SchemaTest, YearTreeCopyFeedsTheLiveTree)
