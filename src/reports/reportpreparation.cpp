@@ -5,6 +5,7 @@
 #include "customername.h"
 #include "reportdefinition.h"
 #include "reportgenerator.h"
+#include "taxlevy.h"
 #include "treesummary.h"
 #include "years.h"
 
@@ -147,6 +148,8 @@ ReportEnvironment ReportEnvironment::fromAppContext()
     environment.proposalId = gstrProposalID;
     environment.proposedYear = gstrProposedYearID;
     environment.calendarYear = gbCalendarYear;
+    environment.propertyTaxCodes =
+        gadoConnection ? gadoConnection->config().propertyTaxCodes : BudgetDbConfig::defaultPropertyTaxCodes();
     return environment;
 }
 
@@ -272,6 +275,8 @@ std::unique_ptr<ReportDefinition> ReportPreparation::prepare(ReportKind kind, co
         return nullptr;
     if (kind == ReportKind::Generated && !generatorValues(run))
         return nullptr;
+    if (kind == ReportKind::TaxRevenue && !taxLevyFormulas(run))
+        return nullptr;
 
     const QString path = findReportDefinition(environment_.rootPath, spec.file);
     if (path.isEmpty()) {
@@ -367,6 +372,26 @@ bool ReportPreparation::currentActuals(Run &run)
             !details->setTableLocation(summaryAlias, table, why))
             return fail(run.sub, why);
     }
+    return true;
+}
+
+bool ReportPreparation::taxLevyFormulas(Run &run)
+{
+    TaxLevy proposed;
+    TaxLevy adopted;
+    DbError error;
+    if (!readProposedTaxLevy(*environment_.db, environment_.proposalId, environment_.propertyTaxCodes, proposed,
+                             &error) ||
+        !readCurrentTaxLevy(*environment_.db, environment_.propertyTaxCodes, adopted, &error))
+        return fail(run.sub, error.text);
+    const auto amount = [](Currency value) { return value.toSqlText(); };
+    run.formulas = {{QStringLiteral("PropertyTaxCodes"), quoted(environment_.propertyTaxCodes.join(", "))},
+                    {QStringLiteral("ProposedAppropriations"), amount(proposed.appropriations)},
+                    {QStringLiteral("ProposedOtherRevenue"), amount(proposed.otherRevenues)},
+                    {QStringLiteral("ProposedTaxLine"), amount(proposed.propertyTaxBudgeted)},
+                    {QStringLiteral("AdoptedAppropriations"), amount(adopted.appropriations)},
+                    {QStringLiteral("AdoptedOtherRevenue"), amount(adopted.otherRevenues)},
+                    {QStringLiteral("AdoptedTaxLine"), amount(adopted.propertyTaxBudgeted)}};
     return true;
 }
 

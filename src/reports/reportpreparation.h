@@ -5,6 +5,7 @@
 #include "reportchoices.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -22,6 +23,7 @@ struct ReportEnvironment {
     QString proposalId;
     QString proposedYear;
     bool calendarYear = false;
+    QStringList propertyTaxCodes; // the general fund's revenue codes that are the property tax
 
     // From the start-up globals and the open budget database.
     static ReportEnvironment fromAppContext();
@@ -77,6 +79,7 @@ private:
     bool currentActuals(Run &run);
     bool narrow(Run &run);
     bool applyCategory(Run &run);
+    bool taxLevyFormulas(Run &run);
     void applyParameters(Run &run);
 
     ReportEnvironment environment_;
