@@ -132,12 +132,10 @@ TEST_F(ReportFiguresTest, TheTaxLevyIsAppropriationsLessOtherRevenuesSharedExact
         const bool tax = account.code.startsWith("A1001");
         if (account.ledger == u'E') {
             levy += amount;
-            if (!account.historical)
-                priorLevy += account.currentBudget;
+            priorLevy += account.currentBudget;
         } else if (account.ledger == u'R' && !tax) {
             levy -= amount;
-            if (!account.historical)
-                priorLevy -= account.currentBudget;
+            priorLevy -= account.currentBudget;
         }
     }
     const ReportTable &table = document->table();
