@@ -181,7 +181,7 @@ struct PrivilegeDef {
     const char *description;
 };
 
-const std::array<PrivilegeDef, 18> budgetPrivileges{{
+const std::array<PrivilegeDef, 21> budgetPrivileges{{
     {"FILE", "mnuFileProposedBudget", "Enter the proposed budget"},
     {"EDIT", "mnuBudgetAccountCodes", "Edit account codes"},
     {"REPORTS", "mnuReportBudgetStatus", "Budget status report"},
@@ -191,6 +191,9 @@ const std::array<PrivilegeDef, 18> budgetPrivileges{{
     {"REPORTS", "mnuReportRevenueVsBudget", "Revenue vs budget report"},
     {"REPORTS", "mnuReportTax", "Analysis of tax revenue"},
     {"REPORTS", "mnuReportsGenerator", "Report generator"},
+    {"REPORTS", "15310", "Create report formats"},
+    {"REPORTS", "15340", "Edit report formats"},
+    {"REPORTS", "15330", "Delete report formats"},
     {"REPORTS", "mnuReportsPublicBudget", "Public budget report"},
     {"REPORTS", "mnuReportCharts", "Charts"},
     {"MAINT", "mnuMaintOrganization", "Maintain the organisation"},

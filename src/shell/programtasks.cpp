@@ -8,6 +8,8 @@
 #include "fundfiles.h"
 #include "installationfunds.h"
 #include "mdiparent.h"
+#include "menusecurity.h"
+#include "messageservice.h"
 #include "modmain.h"
 #include "organizationwindow.h"
 #include "systemparameters.h"
@@ -16,6 +18,7 @@
 #include "workereditgrid.h"
 #include "workerinitbudget.h"
 #include "workerproposal.h"
+#include "workerreportgenerator.h"
 #include "workerselectproposal.h"
 
 // The one place where the program's tasks are plugged in. Each row is a task
@@ -30,7 +33,6 @@ const std::vector<ProgramTask> &programTasks()
         {TaskKind::Report, "HistoricalComparison", "The historical comparison report"},
         {TaskKind::Report, "VersusBudget", "The versus-budget report"},
         {TaskKind::Report, "TaxRevenue", "The tax revenue report"},
-        {TaskKind::Child, "workerReportGenerator", "The report generator"},
         {TaskKind::Report, "PublicBudget", "The public budget report"},
         {TaskKind::Report, "Chart", "Charts"},
     };
@@ -53,6 +55,13 @@ ProposalPanel proposalPanel(mdiParent &frame)
         frame.ShowProposal(ProposalName(gstrProposalID));
     };
 }
+
+// Stands in for the generator report's printing until that report is written.
+void printGeneratedReportUntilWritten(std::int32_t)
+{
+    messages().messageBox(
+        {QStringLiteral("Report Format"), QStringLiteral("The generator report is not available yet.")});
+}
 } // namespace
 
 void registerProgramTasks(mdiParent &frame)
@@ -73,6 +82,14 @@ void registerProgramTasks(mdiParent &frame)
                                                                     {QStringLiteral("LedgerID"), ledger}});
         };
         return std::make_unique<workerAccountCodes>(std::move(context));
+    });
+    frame.registerChildWorker(QStringLiteral("workerReportGenerator"), [] {
+        ReportGeneratorContext context;
+        context.connection = budgetDatabase();
+        context.listFunds = readInstallationFunds;
+        context.printFormat = printGeneratedReportUntilWritten;
+        context.lockToolbar = LockToolbar;
+        return std::make_unique<workerReportGenerator>(std::move(context));
     });
     frame.registerModalWorker(QStringLiteral("workerEditGrid"), [](const mdiParent::EntryProperties &entry) {
         auto worker = std::make_unique<workerEditGrid>(budgetDatabase(), readInstallationFunds);

@@ -26,7 +26,7 @@ TEST_F(SecurityTest, BudgetPrivilegesOfTheFullAndTheLimitedUser)
 {
     QSet<QString> keys;
     ASSERT_EQ(userPrivilegeKeys(root(), fund(), QStringLiteral("U001"), QStringLiteral("BUDGET"), keys), 0);
-    EXPECT_EQ(keys.size(), 18);
+    EXPECT_EQ(keys.size(), 21);
     EXPECT_TRUE(keys.contains(QStringLiteral("mnuInitializeBudget")));
     EXPECT_FALSE(keys.contains(QStringLiteral("mnuPostJournal"))); // another application's key
 
@@ -124,7 +124,7 @@ TEST_F(PrivilegeRulesTest, AKeyTheInstallationDropsIsHeldByNobody)
     undefine("mnuInitializeBudget");
     undefine("mnuChooseProposal");
     const QSet<QString> all = heldBy("U001"); // "All Privileges"
-    EXPECT_EQ(all.size(), 16);
+    EXPECT_EQ(all.size(), 19);
     EXPECT_FALSE(all.contains(QStringLiteral("mnuInitializeBudget")));
     const QSet<QString> clerk = heldBy("U002");
     EXPECT_EQ(clerk, (QSet<QString>{QStringLiteral("mnuFileProposedBudget"), QStringLiteral("mnuReportBudgetStatus"),
