@@ -10,6 +10,17 @@ class QPaintDevice;
 // font is made for the device's resolution to come out at that size.
 QFont reportFont(qreal points, bool bold, const QPaintDevice *device);
 
+// A report font made for a device, with its metrics, made once for the many
+// lines of a page.
+struct DeviceFont {
+    DeviceFont(qreal points, bool bold, const QPaintDevice *device)
+        : font(reportFont(points, bold, device)), metrics(font, device)
+    {
+    }
+    QFont font;
+    QFontMetricsF metrics;
+};
+
 // Metrics in points, for laying out before any device exists.
 QFontMetricsF pointMetrics(qreal points, bool bold);
 

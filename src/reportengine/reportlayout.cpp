@@ -77,7 +77,7 @@ struct ReportPages::Impl {
 
     void paintTitle(QPainter &painter) const;
     void paintHeadings(QPainter &painter) const;
-    void paintRow(QPainter &painter, const ReportTable::Row &row, qreal top) const;
+    void paintRow(QPainter &painter, const DeviceFont &font, const ReportTable::Row &row, qreal top) const;
     void paintFooter(QPainter &painter, int index) const;
 };
 
@@ -236,8 +236,9 @@ void ReportPages::Impl::paintTitle(QPainter &painter) const
 {
     qreal y = 0;
     for (const TitleLine &line : titleLines) {
-        painter.setFont(reportFont(line.size, line.bold, painter.device()));
-        const QFontMetricsF metrics(painter.font(), painter.device());
+        const DeviceFont font(line.size, line.bold, painter.device());
+        const QFontMetricsF &metrics = font.metrics;
+        painter.setFont(font.font);
         const QString text = metrics.elidedText(line.text, Qt::ElideRight, area.width());
         painter.drawText(QPointF((area.width() - metrics.horizontalAdvance(text)) / 2, y + metrics.ascent()), text);
         y += metrics.lineSpacing();
@@ -248,8 +249,9 @@ void ReportPages::Impl::paintHeadings(QPainter &painter) const
 {
     if (headingHeight <= 0)
         return;
-    painter.setFont(reportFont(columns.size, true, painter.device()));
-    const QFontMetricsF metrics(painter.font(), painter.device());
+    const DeviceFont font(columns.size, true, painter.device());
+    const QFontMetricsF &metrics = font.metrics;
+    painter.setFont(font.font);
     const qreal bottom = titleHeight + headingHeight - 2;
     for (std::size_t c = 0; c < headings.size(); ++c) {
         const QStringList &lines = headings[c];
@@ -265,10 +267,11 @@ void ReportPages::Impl::paintHeadings(QPainter &painter) const
     painter.drawLine(QPointF(0, bottom + 1), QPointF(columns.tableWidth(), bottom + 1));
 }
 
-void ReportPages::Impl::paintRow(QPainter &painter, const ReportTable::Row &row, qreal top) const
+void ReportPages::Impl::paintRow(QPainter &painter, const DeviceFont &font, const ReportTable::Row &row,
+                                 qreal top) const
 {
-    painter.setFont(reportFont(columns.size, row.kind != RowKind::Detail, painter.device()));
-    const QFontMetricsF metrics(painter.font(), painter.device());
+    const QFontMetricsF &metrics = font.metrics;
+    painter.setFont(font.font);
     const qreal baseline = top + (rowHeight - metrics.height()) / 2 + metrics.ascent();
     painter.setPen(QPen(Qt::black, thinRule));
     for (std::size_t c = 0; c < row.cells.size(); ++c) {
@@ -299,8 +302,9 @@ void ReportPages::Impl::paintRow(QPainter &painter, const ReportTable::Row &row,
 
 void ReportPages::Impl::paintFooter(QPainter &painter, int index) const
 {
-    painter.setFont(reportFont(footerSize, false, painter.device()));
-    const QFontMetricsF metrics(painter.font(), painter.device());
+    const DeviceFont font(footerSize, false, painter.device());
+    const QFontMetricsF &metrics = font.metrics;
+    painter.setFont(font.font);
     const qreal baseline = area.height() - metrics.descent();
     const qreal rule = area.height() - metrics.lineSpacing() - 2;
     painter.setPen(QPen(Qt::black, thinRule));
@@ -329,12 +333,16 @@ void ReportPages::paintPage(int index, QPainter &painter) const
         paintChart(d.charts[std::size_t(page.chart)], painter, area);
     } else {
         d.paintHeadings(painter);
-        for (int r = page.firstRow; r < page.endRow; ++r)
-            d.paintRow(painter, d.rows[std::size_t(r)], d.bodyTop + d.rowTop[std::size_t(r)]);
-        painter.setFont(reportFont(d.columns.size, false, painter.device()));
-        const QFontMetricsF metrics(painter.font(), painter.device());
+        const DeviceFont regular(d.columns.size, false, painter.device());
+        const DeviceFont bold(d.columns.size, true, painter.device());
+        for (int r = page.firstRow; r < page.endRow; ++r) {
+            const ReportTable::Row &row = d.rows[std::size_t(r)];
+            d.paintRow(painter, row.kind == RowKind::Detail ? regular : bold, row,
+                       d.bodyTop + d.rowTop[std::size_t(r)]);
+        }
+        painter.setFont(regular.font);
         for (int n = page.firstNote; n < page.endNote; ++n)
-            painter.drawText(QPointF(0, d.bodyTop + d.noteTop[std::size_t(n)] + metrics.ascent()),
+            painter.drawText(QPointF(0, d.bodyTop + d.noteTop[std::size_t(n)] + regular.metrics.ascent()),
                              d.noteLines[n]);
     }
     d.paintFooter(painter, index);

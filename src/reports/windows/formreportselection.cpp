@@ -199,10 +199,8 @@ QString formReportSelection::SelectedChoice(const QString &columnKey) const
 
 QString formReportSelection::SelectedFundID() const
 {
-    const QString chosen = SelectedFund();
-    const QStringList entries = FundList().split(QLatin1Char('\t'));
-    const qsizetype index = chosen.isEmpty() ? -1 : entries.indexOf(chosen);
-    return index < 0 ? QString() : funds_[std::size_t(index)].id;
+    // The entry is the padded ID, "- " and the name; an ID holds no blank.
+    return SelectedFund().section(QStringLiteral("- "), 0, 0).trimmed();
 }
 
 QString formReportSelection::FundList() const

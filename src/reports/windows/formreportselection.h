@@ -93,7 +93,7 @@ public:
     QString SelectedFund() const { return SelectedChoice(QStringLiteral("FundSelection")); }
     QString SelectedType() const { return SelectedChoice(QStringLiteral("TypeSelection")); }
     QString SelectedOption() const { return SelectedChoice(QStringLiteral("OptionSelection")); }
-    // The chosen fund's ID (the key the fund list was built from).
+    // The chosen fund's ID, from the entry its row was built with.
     QString SelectedFundID() const;
     // Any choice column by its key ("SpecialSelection", "Totals", "Page Break").
     QString SelectedChoice(const QString &columnKey) const;

@@ -209,6 +209,7 @@ TEST_F(ReportSelectionTest, EachRowOffersTheListsItWasAddedWith)
     EXPECT_EQ(form.SelectedFund(), funds[1]);
     EXPECT_EQ(form.SelectedOption(), "Current Year Projected");
     EXPECT_EQ(form.SelectedType(), "Detail");
+    EXPECT_EQ(form.SelectedFundID(), "WW") << "the row's own funds, not the ones given since";
     grid().SelectRow(2);
     EXPECT_EQ(form.SelectedFundID(), "C");
     EXPECT_EQ(form.SelectedChoice("Totals"), "Yes");
