@@ -3,6 +3,7 @@
 #include "adoconnection.h"
 #include "appglobals.h"
 #include "budgetdbconfig.h"
+#include "chartpainter.h"
 #include "fundfieldvalue.h"
 #include "installationfunds.h"
 #include "modmain.h"
@@ -251,6 +252,7 @@ int runReportCommand(const QStringList &arguments, QTextStream &out, QTextStream
         err << preparation.Error().ErrorSub() << ": " << preparation.Error().ErrorText() << '\n';
         return ReportExit::Failed;
     }
+    setChartPainter(paintReportChart);
     const ReportSources sources{gadoConnection->dbConnection().get(), gstrRootPath};
     const std::unique_ptr<ReportDocument> document = ReportDocument::run(*definition, sources, why);
     if (!document || !write(*document, parsed->output, parsed->file, why)) {
