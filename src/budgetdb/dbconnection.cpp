@@ -6,6 +6,7 @@
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
+#include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
 
@@ -50,6 +51,7 @@ DbError notOpen()
 
 struct Recordset::Impl {
     QSqlQuery query;
+    QSqlRecord record;
     QHash<QString, int> columns; // lower-case name -> index
     bool atEnd = true;
 
@@ -78,6 +80,7 @@ void Recordset::Close()
 {
     impl_->query.finish();
     impl_->query = QSqlQuery();
+    impl_->record = QSqlRecord();
     impl_->columns.clear();
     impl_->atEnd = true;
 }
@@ -132,6 +135,38 @@ Currency Recordset::amount(const QString &column) const
 double Recordset::real(const QString &column) const
 {
     return isNull(column) ? 0.0 : value(column).toDouble();
+}
+
+int Recordset::columnCount() const
+{
+    return impl_->record.count();
+}
+
+QString Recordset::columnName(int index) const
+{
+    return impl_->record.fieldName(index);
+}
+
+bool Recordset::columnIsNumeric(int index) const
+{
+    switch (impl_->record.field(index).metaType().id()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return true;
+    default:
+        return false;
+    }
+}
+
+QVariant Recordset::value(int index) const
+{
+    return impl_->atEnd ? QVariant() : impl_->query.value(index);
 }
 
 // ---------------------------------------------------------------- DbConnection
@@ -249,6 +284,7 @@ bool DbConnection::open(const QString &sql, Recordset &rows, DbError *error)
     const QSqlRecord record = query.record();
     for (int i = 0; i < record.count(); ++i)
         rows.impl_->columns.insert(record.fieldName(i).toLower(), i);
+    rows.impl_->record = record;
     rows.impl_->atEnd = !query.next();
     rows.impl_->query = std::move(query);
     return true;

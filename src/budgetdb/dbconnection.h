@@ -44,6 +44,14 @@ public:
     Currency amount(const QString &column) const;
     double real(const QString &column) const;
 
+    // The result's columns in select-list order, for readers that take every
+    // column (the report engine): name, whether the database declares it
+    // numeric (PostgreSQL hands numerics over as text), and the value by position.
+    int columnCount() const;
+    QString columnName(int index) const;
+    bool columnIsNumeric(int index) const;
+    QVariant value(int index) const;
+
 private:
     friend class DbConnection;
     struct Impl;

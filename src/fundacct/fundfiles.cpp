@@ -16,14 +16,31 @@ long OpenFundFile(std::unique_ptr<DataAccessControl> &control, const QString & /
     return control->Status();
 }
 
-QString GetFundDataLocation(int year)
+namespace {
+
+QString dataLocation(const QString &root, const QString &fundPath, const QString &fundDataPath,
+                     const QString &yearFolderName, int year)
 {
-    const QString yearFolder = gstrFundDataPath + u'\\' + gstrYear;
+    const QString yearFolder = fundDataPath + u'\\' + yearFolderName;
     if (year >= 2002)
-        return gstrFundPath;
+        return fundPath;
     if (year == 2001) {
-        const auto root = fundRootFolder(gstrRootPath);
-        return root && findFundFile(*root, yearFolder + QStringLiteral("\\building.btr")) ? yearFolder : gstrFundPath;
+        const auto rootFolder = fundRootFolder(root);
+        return rootFolder && findFundFile(*rootFolder, yearFolder + QStringLiteral("\\building.btr")) ? yearFolder
+                                                                                                        : fundPath;
     }
     return yearFolder;
+}
+
+} // namespace
+
+QString GetFundDataLocation(int year)
+{
+    return dataLocation(gstrRootPath, gstrFundPath, gstrFundDataPath, gstrYear, year);
+}
+
+QString fundDataLocationUnder(const QString &root, int year)
+{
+    return dataLocation(root, root + QStringLiteral("\\FUND"), root + QStringLiteral("\\FUND\\DATA"),
+                        QString::number(year), year);
 }

@@ -18,3 +18,7 @@ long OpenFundFile(std::unique_ptr<DataAccessControl> &control, const QString &dd
 // folder when it holds building.btr, else FUND. The per-year folder is named
 // by gstrYear.
 QString GetFundDataLocation(int year);
+
+// The same rule for an installation other than the open one (a report's
+// source): FUND and FUND\DATA below `root`, a per-year folder named by `year`.
+QString fundDataLocationUnder(const QString &root, int year);

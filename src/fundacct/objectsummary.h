@@ -120,30 +120,9 @@ public:
     }
 
     // The accounts of a fund in code order, in one extended pass.
-    int GetList(const QString &fundId, std::vector<Fields> &list)
-    {
-        errorMsg_.clear();
-        if (!this->DataBound())
-            return this->notBound();
-        DataAccessControl &control = this->control();
-        int status = positionOn(1, QStringLiteral("Fund ID"), fundId);
-        control.setExtendedOps(true);
-        control.setAutoMode(true);
-        control.setCancelDialog(false);
-        control.setCacheRows(extendedBlockRows);
-        control.setSelectedFields(access_.extendedSelection());
-        bool inFund = true;
-        while (status == 0 && inFund) {
-            status = control.GetNextExtended();
-            for (int row = 0; status == 0 && row < control.Rows() && inFund; ++row) {
-                inFund = control.RowColumnValue(row, 1).toString() == fundId.trimmed();
-                if (inFund)
-                    list.push_back(fromExtendedRow(control, row));
-            }
-        }
-        control.setExtendedOps(false);
-        return this->finish(endOfFile(status));
-    }
+    int GetList(const QString &fundId, std::vector<Fields> &list) { return extendedList(fundId, false, list); }
+    // Every account of every fund, by fund and code, in one extended pass.
+    int GetAllAccounts(std::vector<Fields> &list) { return extendedList(QString(), true, list); }
 
     // Every account code and name of the file in one extended pass.
     int GetAcctCodeList(std::vector<AccountCodeName> &list)
@@ -397,6 +376,32 @@ private:
             list.push_back(std::move(record));
             status = this->control().GetNext();
         }
+        return this->finish(endOfFile(status));
+    }
+
+    // From the first account of `fundId` (key 1) while the fund stays the same, or to the end with allFunds.
+    int extendedList(const QString &fundId, bool allFunds, std::vector<Fields> &list)
+    {
+        errorMsg_.clear();
+        if (!this->DataBound())
+            return this->notBound();
+        DataAccessControl &control = this->control();
+        int status = positionOn(1, QStringLiteral("Fund ID"), fundId);
+        control.setExtendedOps(true);
+        control.setAutoMode(true);
+        control.setCancelDialog(false);
+        control.setCacheRows(extendedBlockRows);
+        control.setSelectedFields(access_.extendedSelection());
+        bool inFund = true;
+        while (status == 0 && inFund) {
+            status = control.GetNextExtended();
+            for (int row = 0; status == 0 && row < control.Rows() && inFund; ++row) {
+                inFund = allFunds || control.RowColumnValue(row, 1).toString() == fundId.trimmed();
+                if (inFund)
+                    list.push_back(fromExtendedRow(control, row));
+            }
+        }
+        control.setExtendedOps(false);
         return this->finish(endOfFile(status));
     }
 

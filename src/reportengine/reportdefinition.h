@@ -51,6 +51,7 @@ public:
 
     // The named subreport ("Details", "Details - 01"); nullptr when there is none.
     ReportDefinition *OpenSubreport(const QString &name);
+    const ReportDefinition *OpenSubreport(const QString &name) const;
     QStringList subreportNames() const;
 
     // The aliases of the definition's data tables, and re-pointing one of them
