@@ -114,10 +114,15 @@ bool checkSql(const DefinitionTable &table, const ReportDefinitionData &report, 
 QString formulaMessage(const QString &fileLabel, const DefinitionFormula &formula, int position, const QString &why)
 {
     const int line = formula.lineOf(position);
+    // The formula language ends its messages with the position counted from 0; ours is shown once, from 1.
+    QString reason = why;
+    const QString suffix = QStringLiteral(" at position %1").arg(position);
+    if (reason.endsWith(suffix))
+        reason.chop(suffix.size());
     return QStringLiteral("%1%2: formula \"%3\", position %4: %5")
         .arg(fileLabel, line > 0 ? QStringLiteral(", line %1").arg(line) : QString(), formula.name)
         .arg(position + 1)
-        .arg(why);
+        .arg(reason);
 }
 
 bool checkFormula(DefinitionFormula &formula, const FormulaScope &scope, const QString &fileLabel, QString &error)

@@ -444,7 +444,7 @@ private:
     {
         if (!sourced_.contains(table.name.toLower()))
             return fail(table.line, QStringLiteral("table %1 has none of sql, fund and levy").arg(table.name), error);
-        if (!isMain && table.key.isEmpty() != !table.link.text.isEmpty())
+        if (!isMain && table.key.isEmpty() != table.link.text.isEmpty())
             return fail(table.line,
                         QStringLiteral("table %1: \"key\" and \"link\" go together").arg(table.name), error);
         if (table.source != DefinitionTable::Source::Levy && !table.priorLevy.text.isEmpty())
