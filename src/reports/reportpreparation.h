@@ -1,5 +1,6 @@
 #pragma once
 
+#include "budgetdbconfig.h"
 #include "errobject.h"
 #include "reportcatalog.h"
 #include "reportchoices.h"
@@ -23,7 +24,8 @@ struct ReportEnvironment {
     QString proposalId;
     QString proposedYear;
     bool calendarYear = false;
-    QStringList propertyTaxCodes; // the general fund's revenue codes that are the property tax
+    // The general fund's revenue codes that are the property tax (the configuration's).
+    QStringList propertyTaxCodes = BudgetDbConfig::defaultPropertyTaxCodes();
 
     // From the start-up globals and the open budget database.
     static ReportEnvironment fromAppContext();

@@ -1,4 +1,5 @@
 #include "dataaccesscontrol.h"
+#include "guiapplication.h"
 #include "recordingmessages.h"
 #include "recordobject.h"
 #include "reportdefinition.h"
@@ -25,7 +26,7 @@ Currency fundFileTotal(const QString &root, const FundFileDef &file, const QStri
             continue;
         for (int month = 1; month <= 12; ++month) {
             const QVariant value = control.FieldValue(QString("%1 %2").arg(month, 2, 10, QChar('0')).arg(amount));
-            total += Currency::fromDouble(value.toDouble()).value_or(Currency());
+            total += value.value<Currency>();
         }
     }
     return total;
@@ -43,7 +44,11 @@ Currency proposed(const demo::Account &account, const demo::ProposalFigures &fig
 
 class ReportFiguresTest : public ::testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(demo.problem().isEmpty()) << demo.problem().toStdString(); }
+    void SetUp() override
+    {
+        guiApplication();
+        ASSERT_TRUE(demo.problem().isEmpty()) << demo.problem().toStdString();
+    }
 
     std::unique_ptr<ReportDocument> run(ReportKind kind, const ReportChoices &choices)
     {

@@ -1,3 +1,4 @@
+#include "guiapplication.h"
 #include "recordingmessages.h"
 #include "reportcatalog.h"
 #include "reportdefinition.h"
@@ -26,6 +27,7 @@ QStringList parameterNames(const ReportDefinition &definition)
 
 TEST(ReportDefinitions, EachLoadsAndTakesExactlyTheParametersItsProcedureSets)
 {
+    guiApplication(); // the program's installed copies are found beside the executable
     for (ReportKind kind : allKinds) {
         const ReportSpec &spec = reportSpec(kind);
         SCOPED_TRACE(spec.file.toStdString());
@@ -78,7 +80,11 @@ TEST(ReportOptions, EachOptionGivesItsNumberAndCompareYears)
 
 class PreparationTest : public ::testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(demo.problem().isEmpty()) << demo.problem().toStdString(); }
+    void SetUp() override
+    {
+        guiApplication();
+        ASSERT_TRUE(demo.problem().isEmpty()) << demo.problem().toStdString();
+    }
 
     std::unique_ptr<ReportDefinition> prepare(ReportKind kind, const ReportChoices &choices)
     {

@@ -1,9 +1,13 @@
 #include "modreports.h"
+#include "errobject.h"
 #include "recordingmessages.h"
 #include "reportdefinition.h"
 #include "reportdemo.h"
 
 #include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QRegularExpression>
 
 #include <deque>
 
@@ -97,7 +101,12 @@ private:
 
 class ReportProceduresTest : public ::testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(demo.problem().isEmpty()) << demo.problem().toStdString(); }
+    void SetUp() override
+    {
+        ASSERT_TRUE(demo.problem().isEmpty()) << demo.problem().toStdString();
+        clsErrObject::setLogFilePath(logFolder.filePath("Err.txt"));
+    }
+    void TearDown() override { clsErrObject::setLogFilePath(QString()); }
 
     modReports procedures(std::deque<Answer> answers)
     {
@@ -119,6 +128,7 @@ protected:
 
     ReportDemo &demo = ReportDemo::get();
     ScopedMessages messages;
+    QTemporaryDir logFolder;
     QStringList log;
 };
 
@@ -164,7 +174,7 @@ TEST_F(ReportProceduresTest, TheTaxReportAndTheChartsGoStraightToTheViewer)
     procedures({}).PrintChart("E");
     procedures({}).PrintChart("R");
     EXPECT_FALSE(log.contains("dialog"));
-    EXPECT_EQ(outputs(), (QStringList{"preview TaxRev.rpt", "preview Chart.rpt", "preview Chart.rpt"}));
+    EXPECT_EQ(outputs(), (QStringList{"preview TaxRev.rpt CompareCode=", "preview Chart.rpt", "preview Chart.rpt"}));
     EXPECT_TRUE(messages->shown().empty());
 }
 
@@ -183,7 +193,7 @@ TEST_F(ReportProceduresTest, TheListingAndTheGeneratorOfferTheirOwnRowsAndFund)
     procedures({Answer{1, rows.text("Name"), "A"}}).PrintGeneratedReport(id);
     EXPECT_TRUE(log.contains("caption Report Generator"));
     EXPECT_TRUE(log.contains(QString("row %1|%2|2112").arg(id).arg(rows.text("Name"))));
-    EXPECT_EQ(outputs(), QStringList{"preview RptGen.rpt"});
+    EXPECT_EQ(outputs(), QStringList{"preview RptGen.rpt CompareCode= RptOption="});
 
     log.clear();
     procedures({}).PrintGeneratedReport(id + 1000);
