@@ -1,9 +1,11 @@
 #include "guiapplication.h"
 #include "recordingmessages.h"
 #include "reportcommand.h"
+#include "reportcatalog.h"
 #include "reportdemo.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <gtest/gtest.h>
 
@@ -74,6 +76,24 @@ TEST_F(ReportCommandTest, UnknownReportsFundsOptionsAndFormatsAreNamedWithANonZe
     EXPECT_EQ(result.exitCode, ReportExit::Failed);
     EXPECT_TRUE(result.err.contains("ZZ9")) << result.err.toStdString();
     EXPECT_FALSE(QFile::exists(pdf));
+}
+
+TEST_F(ReportCommandTest, EveryReportRendersToAPdf)
+{
+    Recordset formats;
+    ASSERT_TRUE(demo.db()->open("select Name from Report order by ID", formats));
+    const QString format = formats.text("Name");
+    for (const QString &report : reportNames()) {
+        const QString pdf = folder.filePath(report + ".pdf");
+        QStringList options{"--pdf", pdf};
+        if (report == "Generator")
+            options << "--format" << format;
+        if (report == "PublicBudget")
+            options << "--category" << "Program";
+        const CommandRun result = run(report, options);
+        EXPECT_EQ(result.exitCode, ReportExit::Ok) << report.toStdString() << ": " << result.err.toStdString();
+        EXPECT_GT(QFileInfo(pdf).size(), 1000) << report.toStdString();
+    }
 }
 
 TEST_F(ReportCommandTest, WritesTheReportInTheChosenFormat)
