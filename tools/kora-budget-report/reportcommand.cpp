@@ -259,6 +259,8 @@ int runReportCommand(const QStringList &arguments, QTextStream &out, QTextStream
         err << why << '\n';
         return ReportExit::Failed;
     }
-    out << "Wrote " << document->title() << " (" << document->pageCount() << " pages) to " << parsed->file << ".\n";
+    const int pages = document->pageCount();
+    out << "Wrote " << document->title() << " (" << pages << (pages == 1 ? " page" : " pages") << ") to "
+        << parsed->file << ".\n";
     return ReportExit::Ok;
 }
