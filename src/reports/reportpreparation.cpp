@@ -446,12 +446,15 @@ bool ReportPreparation::narrow(Run &run)
     if (!foldersCarrying(run.fund, run.ledger, compareCode, run.category, run.folders))
         return false;
     // Nothing to print is said rather than printed as an empty report.
-    if (run.folders.empty())
-        return fail(run.sub, compareCode.trimmed().isEmpty()
-                                 ? QStringLiteral("Fund %1, ledger %2 has no account codes to report.")
-                                       .arg(run.fund, run.ledger)
-                                 : QStringLiteral("No account code of fund %1, ledger %2 begins with \"%3\".")
-                                       .arg(run.fund, run.ledger, compareCode.trimmed()));
+    if (run.folders.empty()) {
+        QString text = compareCode.trimmed().isEmpty()
+                           ? QStringLiteral("Fund %1, ledger %2 has no account codes to report").arg(run.fund, run.ledger)
+                           : QStringLiteral("No account code of fund %1, ledger %2 begins with \"%3\"")
+                                 .arg(run.fund, run.ledger, compareCode.trimmed());
+        if (run.category)
+            text += QStringLiteral(" in the category \"%1\"").arg(run.choices.category);
+        return fail(run.sub, text + u'.');
+    }
     // An empty selection keeps every row; the narrowing still needs something to follow.
     QString selection = run.definition->RecordSelectionFormula().trimmed();
     if (selection.isEmpty())
