@@ -162,7 +162,7 @@ TEST_F(PreparationTest, OnlyOptionsFourAndFiveRepointTheDetailsAtTheCurrentYears
                 ASSERT_TRUE(details);
                 const bool current = option == 4 || option == 5;
                 const QString summary = ledger == "R" ? "FY2025_SummaryRevenue" : "FY2025_SummaryExpenditure";
-                EXPECT_EQ(details->tableLocation("Summary"), current ? summary : QString());
+                EXPECT_EQ(details->tableLocation("Summary").toStdString(), (current ? summary : QString()).toStdString());
             }
         }
     }
