@@ -27,7 +27,7 @@ QString dataLocation(const QString &root, const QString &fundPath, const QString
     if (year == 2001) {
         const auto rootFolder = fundRootFolder(root);
         return rootFolder && findFundFile(*rootFolder, yearFolder + QStringLiteral("\\building.btr")) ? yearFolder
-                                                                                                        : fundPath;
+                                                                                                      : fundPath;
     }
     return yearFolder;
 }

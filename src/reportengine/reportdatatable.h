@@ -13,7 +13,6 @@
 class DataTable {
 public:
     void setColumns(const QStringList &columns);
-    const QStringList &columns() const { return columns_; }
     // The column's position (any case); -1 when there is none.
     int column(const QString &name) const { return index_.value(name.toLower(), -1); }
 

@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 struct ReportDefinition::Impl {
     QString path;
@@ -130,8 +131,8 @@ bool ReportDefinition::setFormula(const QString &name, const QString &text, QStr
     }
     const ReportDefinition &root = impl_->root(*this);
     const auto subs = subreportData(root.impl_->subreports);
-    const FormulaScope scope = impl_->parent ? subreportScope(root.data(), subs, impl_->data)
-                                             : reportScope(root.data(), subs);
+    const FormulaScope scope =
+        impl_->parent ? subreportScope(root.data(), subs, impl_->data) : reportScope(root.data(), subs);
     DefinitionFormula candidate{target->name, text, {}, std::nullopt};
     if (!checkFormula(candidate, scope, impl_->label, error))
         return false;
@@ -152,9 +153,13 @@ const QString &ReportDefinition::RecordSelectionFormula() const
 bool ReportDefinition::setRecordSelectionFormula(const QString &text, QString &error)
 {
     const auto subs = subreportData(impl_->root(*this).impl_->subreports);
-    DefinitionFormula candidate{impl_->data.selection.name.isEmpty() ? QStringLiteral("selection")
-                                                                     : impl_->data.selection.name,
-                                text, {}, std::nullopt};
+    // Appending " and ..." to a definition that selects every row leaves a leading "and".
+    QString selection = text;
+    static const QRegularExpression leadingAnd(QStringLiteral("^\\s*and\\s"),
+                                               QRegularExpression::CaseInsensitiveOption);
+    if (impl_->data.selection.text.trimmed().isEmpty())
+        selection.remove(leadingAnd);
+    DefinitionFormula candidate{QStringLiteral("selection"), selection, {}, std::nullopt};
     if (!checkFormula(candidate, reportScope(impl_->root(*this).data(), subs), impl_->label, error))
         return false;
     impl_->data.selection = std::move(candidate);

@@ -94,15 +94,15 @@ bool checkSql(const DefinitionTable &table, const ReportDefinitionData &report, 
               const QString &fileLabel, QString &error)
 {
     for (const SqlReference &reference : sqlReferences(table.sql)) {
-        const bool known = reference.marker == u'?' ? hasParameter(report, reference.name)
-                                                    : own.formula(reference.name) != nullptr;
+        const bool known =
+            reference.marker == u'?' ? hasParameter(report, reference.name) : own.formula(reference.name) != nullptr;
         if (!known) {
-            error = QStringLiteral("%1, line %2: the SQL of table %3 names an unknown %4 %5")
-                        .arg(fileLabel)
-                        .arg(table.line)
-                        .arg(table.name,
-                             reference.marker == u'?' ? QStringLiteral("parameter") : QStringLiteral("formula"),
-                             reference.name);
+            error =
+                QStringLiteral("%1, line %2: the SQL of table %3 names an unknown %4 %5")
+                    .arg(fileLabel)
+                    .arg(table.line)
+                    .arg(table.name, reference.marker == u'?' ? QStringLiteral("parameter") : QStringLiteral("formula"),
+                         reference.name);
             return false;
         }
     }
@@ -208,7 +208,7 @@ bool checkDefinition(ReportDefinitionData &report, const std::vector<ReportDefin
     FormulaScope totals = scope;
     totals.totals = true;
 
-    std::vector<DefinitionFormula *> formulas{&report.district, &report.selection, &report.folder,
+    std::vector<DefinitionFormula *> formulas{&report.district,   &report.selection, &report.folder,
                                               &report.grandTotal, &report.main.levy, &report.main.priorLevy};
     for (DefinitionFormula &f : report.formulas)
         formulas.push_back(&f);

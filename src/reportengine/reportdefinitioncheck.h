@@ -8,10 +8,10 @@
 
 // What a formula of a definition may name.
 struct FormulaScope {
-    const ReportDefinitionData *report = nullptr;            // parameters, main table, lookups
-    std::vector<const ReportDefinitionData *> subreports;     // each titled by its name
-    const ReportDefinitionData *own = nullptr;               // whose {@Name} formulas it reaches
-    bool totals = false;                                     // {Total.X} and {Grand.X} allowed
+    const ReportDefinitionData *report = nullptr;         // parameters, main table, lookups
+    std::vector<const ReportDefinitionData *> subreports; // each titled by its name
+    const ReportDefinitionData *own = nullptr;            // whose {@Name} formulas it reaches
+    bool totals = false;                                  // {Total.X} and {Grand.X} allowed
 };
 
 // "<file>, line <n>: formula "<name>", position <p>: <why>" (the line left out

@@ -28,17 +28,21 @@ const DefinitionTable *ReportDefinitionData::lookup(const QString &alias) const
 
 const QStringList &fundTableFields(FundRecord record)
 {
-    static const QStringList expenditure{
-        QStringLiteral("AccountCode"),      QStringLiteral("FundID"),          QStringLiteral("Name"),
-        QStringLiteral("OpeningEntry"),
-        QStringLiteral("BudgetAdjustment"), QStringLiteral("RevisedBudget"),   QStringLiteral("EncumPlaced"),
-        QStringLiteral("EncumLiquidated"),  QStringLiteral("Encumbrance"),     QStringLiteral("PaymentExpense"),
-        QStringLiteral("UnencumberedBalance")};
+    static const QStringList expenditure{QStringLiteral("AccountCode"),
+                                         QStringLiteral("FundID"),
+                                         QStringLiteral("Name"),
+                                         QStringLiteral("OpeningEntry"),
+                                         QStringLiteral("BudgetAdjustment"),
+                                         QStringLiteral("RevisedBudget"),
+                                         QStringLiteral("EncumPlaced"),
+                                         QStringLiteral("EncumLiquidated"),
+                                         QStringLiteral("Encumbrance"),
+                                         QStringLiteral("PaymentExpense"),
+                                         QStringLiteral("UnencumberedBalance")};
     static const QStringList revenue{
-        QStringLiteral("AccountCode"),      QStringLiteral("FundID"),        QStringLiteral("Name"),
-        QStringLiteral("OpeningEntry"),
-        QStringLiteral("BudgetAdjustment"), QStringLiteral("RevisedBudget"), QStringLiteral("RevenueReceived"),
-        QStringLiteral("UnearnedBalance")};
+        QStringLiteral("AccountCode"),     QStringLiteral("FundID"),           QStringLiteral("Name"),
+        QStringLiteral("OpeningEntry"),    QStringLiteral("BudgetAdjustment"), QStringLiteral("RevisedBudget"),
+        QStringLiteral("RevenueReceived"), QStringLiteral("UnearnedBalance")};
     static const QStringList either = [] {
         QStringList all = expenditure;
         for (const QString &field : revenue) {

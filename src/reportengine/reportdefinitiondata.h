@@ -36,11 +36,11 @@ struct DefinitionTable {
     int line = 0;
     Source source = Source::Sql;
     QString sql;
-    QString fundTable;            // "<TableId>_<RecordName>", or "" for no rows
+    QString fundTable; // "<TableId>_<RecordName>", or "" for no rows
     FundRecord fundRecord = FundRecord::None;
-    QString key;                  // the column that identifies a row; "" for a one-row table
-    DefinitionFormula link;       // over the main row
-    DefinitionFormula levy;       // Source::Levy: the current and the prior levy
+    QString key;            // the column that identifies a row; "" for a one-row table
+    DefinitionFormula link; // over the main row
+    DefinitionFormula levy; // Source::Levy: the current and the prior levy
     DefinitionFormula priorLevy;
 };
 

@@ -61,7 +61,8 @@ public:
             return fail(problemLine, problem, error);
         for (const Statement &statement : statements) {
             line_ = statement.lines.front();
-            const bool ok = statement.text.startsWith(u'[') ? openSection(statement, error) : keyValue(statement, error);
+            const bool ok =
+                statement.text.startsWith(u'[') ? openSection(statement, error) : keyValue(statement, error);
             if (!ok)
                 return false;
         }
@@ -242,9 +243,9 @@ private:
                                                              {QStringLiteral("boolean"), ReportValue::Type::Boolean},
                                                              {QStringLiteral("date"), ReportValue::Type::Date}};
         if (!types.contains(type))
-            return fail(QStringLiteral("parameter %1: unknown type \"%2\" (text, number, boolean or date)")
-                            .arg(name, type),
-                        error);
+            return fail(
+                QStringLiteral("parameter %1: unknown type \"%2\" (text, number, boolean or date)").arg(name, type),
+                error);
         report_.parameters.push_back({name, types.value(type), prompt, ReportValue()});
         return true;
     }
@@ -445,11 +446,10 @@ private:
         if (!sourced_.contains(table.name.toLower()))
             return fail(table.line, QStringLiteral("table %1 has none of sql, fund and levy").arg(table.name), error);
         if (!isMain && table.key.isEmpty() != table.link.text.isEmpty())
-            return fail(table.line,
-                        QStringLiteral("table %1: \"key\" and \"link\" go together").arg(table.name), error);
-        if (table.source != DefinitionTable::Source::Levy && !table.priorLevy.text.isEmpty())
-            return fail(table.line, QStringLiteral("table %1: \"priorlevy\" without \"levy\"").arg(table.name),
+            return fail(table.line, QStringLiteral("table %1: \"key\" and \"link\" go together").arg(table.name),
                         error);
+        if (table.source != DefinitionTable::Source::Levy && !table.priorLevy.text.isEmpty())
+            return fail(table.line, QStringLiteral("table %1: \"priorlevy\" without \"levy\"").arg(table.name), error);
         return true;
     }
 

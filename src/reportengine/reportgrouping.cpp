@@ -101,8 +101,8 @@ std::vector<ReportGrouping::Level> ReportGrouping::levelsOf(int row, const std::
     const auto &groups = state_.report().groups;
     for (std::size_t g = 0; g < groups.size(); ++g) {
         if (!groups[g].folders) {
-            levels.push_back({QStringLiteral("%1:%2:").arg(g).arg(int(values[g].type())) + keyText(values[g]),
-                              static_cast<int>(g)});
+            levels.push_back(
+                {QStringLiteral("%1:%2:").arg(g).arg(int(values[g].type())) + keyText(values[g]), static_cast<int>(g)});
             continue;
         }
         if (const FolderNode *folder = state_.folderOf(row)) {
@@ -200,7 +200,7 @@ bool ReportGrouping::build(const std::vector<int> &rows, ReportTable &table, con
     std::vector<std::vector<ReportValue>> values(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (progress && i % 256 == 0 && !progress(total + static_cast<int>(i * total / rows.size()), total * 2)) {
-            error = QStringLiteral("Cancelled.");
+            error = reportCancelled;
             return false;
         }
         if (!rowValues(rows[i], values[i], error))

@@ -7,6 +7,9 @@
 
 #include <vector>
 
+// What a run that progress told to stop fails with.
+inline const QString reportCancelled = QStringLiteral("Cancelled.");
+
 // Groups the selected rows: orders them by the definition's groups (folders
 // by their tree's sort order), then writes group headers, detail rows, group
 // totals and the grand total into the report's table.
@@ -23,8 +26,8 @@ private:
     // One open group: what tells it apart, the label of its total, the sums of its rows.
     struct Level {
         QString identity;
-        int group = 0;                       // index into the definition's groups
-        const FolderNode *folder = nullptr;  // a folder level
+        int group = 0;                      // index into the definition's groups
+        const FolderNode *folder = nullptr; // a folder level
         bool hasTotal = false;
         QString totalLabel;
         ColumnSums sums;

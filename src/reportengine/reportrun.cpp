@@ -1,15 +1,14 @@
 #include "reportdocument.h"
 
 #include "reportdefinition.h"
-#include "reportlayout.h"
 #include "reportgrouping.h"
+#include "reportlayout.h"
 #include "reportrunstate.h"
 
 #include <QDate>
 
 namespace {
 
-const QString cancelledMessage = QStringLiteral("Cancelled.");
 constexpr int progressEvery = 256;
 
 // A heading's line breaks (chr(13), chr(10) or both) as "\n".
@@ -76,7 +75,7 @@ bool selectRows(const RunState &state, std::vector<int> &kept, const ReportProgr
     const int total = static_cast<int>(state.main().rowCount());
     for (int row = 0; row < total; ++row) {
         if (progress && row % progressEvery == 0 && !progress(row, total * 2)) {
-            error = cancelledMessage;
+            error = reportCancelled;
             return false;
         }
         if (!selection.isSet()) {
@@ -98,8 +97,7 @@ bool selectRows(const RunState &state, std::vector<int> &kept, const ReportProgr
     return true;
 }
 
-bool fillCharts(const RunState &state, const std::vector<int> &rows, std::vector<ReportChart> &charts,
-                QString &error)
+bool fillCharts(const RunState &state, const std::vector<int> &rows, std::vector<ReportChart> &charts, QString &error)
 {
     for (const DefinitionChart &definition : state.report().charts) {
         ReportChart chart;
@@ -148,7 +146,7 @@ std::unique_ptr<ReportDocument> ReportDocument::run(const ReportDefinition &defi
                                                     QString &error, const ReportProgress &progress)
 {
     if (progress && !progress(0, 1)) {
-        error = cancelledMessage;
+        error = reportCancelled;
         return nullptr;
     }
     RunState state(definition, sources);
@@ -169,7 +167,7 @@ std::unique_ptr<ReportDocument> ReportDocument::run(const ReportDefinition &defi
         !fillCharts(state, kept, charts, error))
         return nullptr;
     if (progress && !progress(1, 1)) {
-        error = cancelledMessage;
+        error = reportCancelled;
         return nullptr;
     }
     return fromTable(std::move(table), std::move(charts), setup);

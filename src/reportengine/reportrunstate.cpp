@@ -121,14 +121,14 @@ bool RunState::readTable(const DefinitionTable &table, const ReportDefinitionDat
             return false;
         if (levy.type() != ReportValue::Type::Number ||
             !(prior.isNull() || prior.type() == ReportValue::Type::Number)) {
-            error = QStringLiteral("%1: the levy of table %2 is not an amount (\"%3\")")
-                        .arg(label_, table.name, levy.type() != ReportValue::Type::Number ? levy.toText()
-                                                                                          : prior.toText());
+            error =
+                QStringLiteral("%1: the levy of table %2 is not an amount (\"%3\")")
+                    .arg(label_, table.name, levy.type() != ReportValue::Type::Number ? levy.toText() : prior.toText());
             return false;
         }
         const bool hasPrior = table.priorLevy.isSet();
-        ok = readLevyTable(*sources_.budget, levy.asNumber(),
-                           hasPrior ? std::optional(prior.asNumber()) : std::nullopt, into, why);
+        ok = readLevyTable(*sources_.budget, levy.asNumber(), hasPrior ? std::optional(prior.asNumber()) : std::nullopt,
+                           into, why);
         break;
     }
     }
@@ -177,8 +177,11 @@ bool RunState::readFolders(QString &error)
         if (folderById_.contains(id))
             continue;
         folderById_.insert(id, static_cast<int>(folders_.size()));
-        folders_.push_back({id, row[1].toText().trimmed(), row[2].toText().trimmed().toInt(),
-                            row[3].toText().trimmed(), row[4].toText().trimmed().startsWith(u'Y', Qt::CaseInsensitive),
+        folders_.push_back({id,
+                            row[1].toText().trimmed(),
+                            row[2].toText().trimmed().toInt(),
+                            row[3].toText().trimmed(),
+                            row[4].toText().trimmed().startsWith(u'Y', Qt::CaseInsensitive),
                             {}});
     }
     for (int i = 0; i < static_cast<int>(folders_.size()); ++i) {

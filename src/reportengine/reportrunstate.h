@@ -19,7 +19,7 @@ struct ReportSources;
 struct LinkedTable {
     const DefinitionTable *definition = nullptr;
     DataTable data;
-    bool single = false;               // a one-row table, seen from every row
+    bool single = false;                // a one-row table, seen from every row
     mutable std::vector<int> rowOfMain; // the linked row per main row; -2 until resolved
 };
 

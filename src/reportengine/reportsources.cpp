@@ -88,8 +88,8 @@ bool yearOfTableId(const QString &fundRoot, const QString &tableId, int &year, Q
 // The whole fiscal year's totals of every account: the summary object sums the
 // months (CalcBalance up to the year's last month) and settles the balances.
 template <class Summary, class Fields, class Row>
-bool readSummary(const QString &fundRoot, const QString &dataFolder, const QString &table, Row toRow,
-                 DataTable &into, QString &error)
+bool readSummary(const QString &fundRoot, const QString &dataFolder, const QString &table, Row toRow, DataTable &into,
+                 QString &error)
 {
     Summary summary;
     std::vector<Fields> accounts;
@@ -97,7 +97,8 @@ bool readSummary(const QString &fundRoot, const QString &dataFolder, const QStri
     if (status == 0)
         status = summary.GetAllAccounts(accounts);
     if (status != 0) {
-        error = QStringLiteral("Cannot read the Kora-Fund table %1 (%2): %3").arg(table, dataFolder, summary.ErrorMsg());
+        error =
+            QStringLiteral("Cannot read the Kora-Fund table %1 (%2): %3").arg(table, dataFolder, summary.ErrorMsg());
         return false;
     }
     const int lastMonth = summary.FirstFiscalMonth <= 1 ? 12 : summary.FirstFiscalMonth - 1;
@@ -182,20 +183,16 @@ bool readFundTable(const QString &fundRoot, const QString &table, DataTable &int
     return readSummary<classObjectRLSummary, RevenueSummaryFields>(
         fundRoot, dataFolder, table,
         [](const classObjectRLSummary &s) {
-            return std::vector<ReportValue>{ReportValue::text(s.AccountCode),
-                                            ReportValue::text(s.FundID),
-                                            ReportValue::text(s.Name),
-                                            amount(s.TotalOpeningBalance),
-                                            amount(s.TotalBudgetAdjustment),
-                                            amount(s.TotalOpeningBalance + s.TotalBudgetAdjustment),
-                                            amount(s.TotalRevenueReceived),
-                                            amount(s.TotalUnearnedBalance)};
+            return std::vector<ReportValue>{
+                ReportValue::text(s.AccountCode), ReportValue::text(s.FundID),
+                ReportValue::text(s.Name),        amount(s.TotalOpeningBalance),
+                amount(s.TotalBudgetAdjustment),  amount(s.TotalOpeningBalance + s.TotalBudgetAdjustment),
+                amount(s.TotalRevenueReceived),   amount(s.TotalUnearnedBalance)};
         },
         into, error);
 }
 
-bool readLevyTable(DbConnection &db, Currency levy, std::optional<Currency> priorLevy, DataTable &into,
-                   QString &error)
+bool readLevyTable(DbConnection &db, Currency levy, std::optional<Currency> priorLevy, DataTable &into, QString &error)
 {
     // Rates are read as the doubles they are stored as, so no digit of them is lost.
     struct District {
@@ -214,12 +211,11 @@ bool readLevyTable(DbConnection &db, Currency levy, std::optional<Currency> prio
         return false;
     }
     for (; !rows.atEnd(); rows.MoveNext()) {
-        districts.push_back({rightTrimmed(rows.text(QStringLiteral("TownShip"))),
-                             {rows.real(QStringLiteral("CurrentEqualRate")), rows.real(QStringLiteral("PrevEqualRate"))},
-                             {rows.amount(QStringLiteral("CurrentAssessment")),
-                              rows.amount(QStringLiteral("PrevAssessment"))},
-                             {rows.amount(QStringLiteral("CurrentTaxAssess")),
-                              rows.amount(QStringLiteral("PrevTaxAssess"))}});
+        districts.push_back(
+            {rightTrimmed(rows.text(QStringLiteral("TownShip"))),
+             {rows.real(QStringLiteral("CurrentEqualRate")), rows.real(QStringLiteral("PrevEqualRate"))},
+             {rows.amount(QStringLiteral("CurrentAssessment")), rows.amount(QStringLiteral("PrevAssessment"))},
+             {rows.amount(QStringLiteral("CurrentTaxAssess")), rows.amount(QStringLiteral("PrevTaxAssess"))}});
     }
     // year 0 is the current year, 1 the prior year.
     const auto apportion = [&](Currency yearLevy, int year, LevyApportionment &result) {
@@ -245,10 +241,9 @@ bool readLevyTable(DbConnection &db, Currency levy, std::optional<Currency> prio
                 continue;
             }
             const TownLevyShare &share = shares[year].towns[i];
-            out.insert(out.end(),
-                       {ReportValue::number(Currency::fromDouble(district.rate[year]).value_or(Currency())),
-                        amount(district.assessment[year]), amount(district.taxable[year]), amount(share.fullValue),
-                        amount(share.share), amount(share.ratePerThousand)});
+            out.insert(out.end(), {ReportValue::number(Currency::fromDouble(district.rate[year]).value_or(Currency())),
+                                   amount(district.assessment[year]), amount(district.taxable[year]),
+                                   amount(share.fullValue), amount(share.share), amount(share.ratePerThousand)});
         }
         out.push_back(amount(shares[0].levy));
         out.push_back(priorLevy ? amount(shares[1].levy) : ReportValue());

@@ -20,5 +20,4 @@ bool readFundTable(const QString &fundRoot, const QString &table, DataTable &int
 
 // The equalization districts of TaxRate with the levy (and, when given, the
 // prior year's levy) apportioned by full value.
-bool readLevyTable(DbConnection &db, Currency levy, std::optional<Currency> priorLevy, DataTable &into,
-                   QString &error);
+bool readLevyTable(DbConnection &db, Currency levy, std::optional<Currency> priorLevy, DataTable &into, QString &error);

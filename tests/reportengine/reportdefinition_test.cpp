@@ -67,12 +67,17 @@ TEST_F(DefinitionTest, RefusalsNameTheFileTheLineAndForAFormulaItsNameAndPositio
         {QStringLiteral("[report]\ntitle = T\n"), QStringLiteral("no [main] section")},
         {head + QStringLiteral("[shelf]\n"), QStringLiteral("line 5: unknown section [shelf]")},
         {head + QStringLiteral("[column]\nvalue {M.X}\n"), QStringLiteral("line 6: expected \"key = value\"")},
-        {head + QStringLiteral("[column]\nvalue = 1\ncolour = red\n"), QStringLiteral("line 7: unknown key \"colour\"")},
+        {head + QStringLiteral("[column]\nvalue = 1\ncolour = red\n"),
+         QStringLiteral("line 7: unknown key \"colour\"")},
         {head + QStringLiteral("[column]\nvalue = 1\nvalue = 2\n"), QStringLiteral("line 7: \"value\" given twice")},
-        {head + QStringLiteral("[parameters]\nFund = money, \"Fund\"\n"), QStringLiteral("line 6: parameter Fund: unknown type")},
-        {head + QStringLiteral("[lookup L]\nsql = select 1\nkey = X\n"), QStringLiteral("line 5: table L: \"key\" and \"link\" go together")},
-        {head + QStringLiteral("[lookup L]\nkey = X\nlink = 1\n"), QStringLiteral("table L has none of sql, fund and levy")},
-        {head + QStringLiteral("[lookup L]\nfund = FY2025_Checking\n"), QStringLiteral("line 6: \"FY2025_Checking\" is not a Kora-Fund year table")},
+        {head + QStringLiteral("[parameters]\nFund = money, \"Fund\"\n"),
+         QStringLiteral("line 6: parameter Fund: unknown type")},
+        {head + QStringLiteral("[lookup L]\nsql = select 1\nkey = X\n"),
+         QStringLiteral("line 5: table L: \"key\" and \"link\" go together")},
+        {head + QStringLiteral("[lookup L]\nkey = X\nlink = 1\n"),
+         QStringLiteral("table L has none of sql, fund and levy")},
+        {head + QStringLiteral("[lookup L]\nfund = FY2025_Checking\n"),
+         QStringLiteral("line 6: \"FY2025_Checking\" is not a Kora-Fund year table")},
         {head + QStringLiteral("[group]\nby = folders\n"), QStringLiteral("line 5: \"by = folders\" needs \"folder\"")},
         // Formulas: the position counts from 1 within the formula's text.
         {head + QStringLiteral("[column]\nvalue = 1 +\n"),
@@ -85,9 +90,11 @@ TEST_F(DefinitionTest, RefusalsNameTheFileTheLineAndForAFormulaItsNameAndPositio
          QStringLiteral("{Total.X} can only be used in a column's totalvalue")},
         {head + QStringLiteral("[column]\nvalue = 1\ntotalvalue = {Total.Nowhere}\n"),
          QStringLiteral("no column is named Nowhere")},
-        {head + QStringLiteral("[lookup L]\nfund = FY2025_SummaryRevenue\nlink = {M.X}\n[column]\nvalue = {L.PaymentExpense}\n"),
+        {head + QStringLiteral(
+                    "[lookup L]\nfund = FY2025_SummaryRevenue\nlink = {M.X}\n[column]\nvalue = {L.PaymentExpense}\n"),
          QStringLiteral("line 9: formula \"column 1 value\", position 1: table L has no field PaymentExpense")},
-        {head + QStringLiteral("[subreport Details]\nfund =\nlink = {M.X}\nformula A = 1\n[column]\nvalue = {Details.B}\n"),
+        {head + QStringLiteral(
+                    "[subreport Details]\nfund =\nlink = {M.X}\nformula A = 1\n[column]\nvalue = {Details.B}\n"),
          QStringLiteral("subreport Details has no formula B")},
         {head + QStringLiteral("[column]\nvalue = {Tree.Name}\n"), QStringLiteral("{Tree.Name} needs \"folder\"")},
         {QStringLiteral("[report]\ntitle = T\n[main M]\nsql = select 1 where 1 = {?Fund}\n"),
@@ -96,8 +103,8 @@ TEST_F(DefinitionTest, RefusalsNameTheFileTheLineAndForAFormulaItsNameAndPositio
     for (const Case &c : cases) {
         const QString error = files.refusal(c.text);
         EXPECT_TRUE(error.contains(QStringLiteral("bad.rpt"))) << error.toStdString();
-        EXPECT_TRUE(error.contains(c.expected)) << "got: " << error.toStdString()
-                                                << "\nwanted: " << c.expected.toStdString();
+        EXPECT_TRUE(error.contains(c.expected))
+            << "got: " << error.toStdString() << "\nwanted: " << c.expected.toStdString();
     }
     QString error;
     EXPECT_FALSE(ReportDefinition::load(files.path() + QStringLiteral("/none.rpt"), error));
@@ -160,6 +167,9 @@ TEST_F(DefinitionTest, ReplacingAFormulaIsRefusedWithTheReasonAndKeepsTheOldText
     ASSERT_TRUE(definition);
     ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
     QString error;
+    EXPECT_EQ(details->formulaNames(), (QStringList{QStringLiteral("Col2Amount"), QStringLiteral("CalExpFundData")}));
+    EXPECT_TRUE(definition->hasFormula(QStringLiteral("change")));
+    EXPECT_FALSE(definition->hasFormula(QStringLiteral("Col2Amount")));
 
     EXPECT_FALSE(definition->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("1"), error));
     EXPECT_EQ(error, QStringLiteral("test.rpt has no formula named \"Col2Amount\""));
@@ -185,6 +195,10 @@ TEST_F(DefinitionTest, ReplacingAFormulaIsRefusedWithTheReasonAndKeepsTheOldText
     EXPECT_EQ(definition->RecordSelectionFormula(), narrowed);
     EXPECT_FALSE(definition->setRecordSelectionFormula(narrowed + QStringLiteral(" and"), error));
     EXPECT_EQ(definition->RecordSelectionFormula(), narrowed);
+    // Narrowing a definition that selects every row.
+    ASSERT_TRUE(definition->setRecordSelectionFormula(QString(), error));
+    EXPECT_TRUE(definition->setRecordSelectionFormula(QStringLiteral(" and {SummaryTree.ID} in [ 1 ]"), error));
+    EXPECT_EQ(definition->RecordSelectionFormula(), QStringLiteral("{SummaryTree.ID} in [ 1 ]"));
 }
 
 TEST_F(DefinitionTest, OnlyKoraFundTablesAreRePointedAndOnlyToTheSameRecord)
@@ -201,14 +215,16 @@ TEST_F(DefinitionTest, OnlyKoraFundTablesAreRePointedAndOnlyToTheSameRecord)
     // While the table points nowhere, a formula may name either record's fields;
     // re-pointing then checks them against the record chosen.
     ASSERT_TRUE(details->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("{Summary.RevenueReceived}"), error));
-    EXPECT_FALSE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
+    EXPECT_FALSE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
     EXPECT_TRUE(error.contains(QStringLiteral("has no field RevenueReceived"))) << error.toStdString();
     EXPECT_EQ(details->tableLocation(QStringLiteral("Summary")), QString());
 
     EXPECT_TRUE(details->setTableLocation(QStringLiteral("summary"), QStringLiteral("FY2025_SummaryRevenue"), error));
     EXPECT_EQ(details->tableLocation(QStringLiteral("Summary")), QStringLiteral("FY2025_SummaryRevenue"));
     EXPECT_TRUE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2024_SummaryRevenue"), error));
-    EXPECT_FALSE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2024_SummaryExpenditure"), error));
+    EXPECT_FALSE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2024_SummaryExpenditure"), error));
     EXPECT_TRUE(error.contains(QStringLiteral("cannot be re-pointed"))) << error.toStdString();
     EXPECT_EQ(details->tableLocation(QStringLiteral("Summary")), QStringLiteral("FY2024_SummaryRevenue"));
 }
@@ -220,12 +236,14 @@ TEST_F(DefinitionTest, FindsTheInstallationsCopyInAnyCaseThenTheProgramsCopy)
     files.write(QStringLiteral("install/Reports/BUDGET/bgtstat.RPT"), definitionText());
     const QString found = findReportDefinition(install, QStringLiteral("BgtStat.rpt"));
     EXPECT_TRUE(found.endsWith(QStringLiteral("Reports/BUDGET/bgtstat.RPT"))) << found.toStdString();
-    EXPECT_EQ(findReportDefinition(install.toUpper().replace(u'/', u'\\'), QStringLiteral("\\reports\\budget\\BgtStat.rpt")),
-              found);
+    EXPECT_EQ(
+        findReportDefinition(install.toUpper().replace(u'/', u'\\'), QStringLiteral("\\reports\\budget\\BgtStat.rpt")),
+        found);
 
     // Not in the installation: the program's copy beside the executable.
     reportGuiApplication();
-    const QString shared = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/kora-budget/reports/budget");
+    const QString shared =
+        QCoreApplication::applicationDirPath() + QStringLiteral("/../share/kora-budget/reports/budget");
     ASSERT_TRUE(QDir().mkpath(shared));
     const QString programCopy = shared + QStringLiteral("/EngineRunProbe.rpt");
     QFile(programCopy).open(QIODevice::WriteOnly);
@@ -233,6 +251,25 @@ TEST_F(DefinitionTest, FindsTheInstallationsCopyInAnyCaseThenTheProgramsCopy)
               QFileInfo(programCopy).canonicalFilePath());
     QFile::remove(programCopy);
     EXPECT_EQ(findReportDefinition(install, QStringLiteral("NoSuchReport.rpt")), QString());
+}
+
+TEST_F(DefinitionTest, TheDocumentedExampleLoads)
+{
+    QFile doc(QStringLiteral(KORA_SOURCE_DIR "/docs/report-definitions.md"));
+    ASSERT_TRUE(doc.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(doc.readAll());
+    const qsizetype example = text.indexOf(QStringLiteral("## A complete small example"));
+    const qsizetype start = text.indexOf(QStringLiteral("```\n"), example) + 4;
+    const qsizetype end = text.indexOf(QStringLiteral("```"), start);
+    ASSERT_GT(example, 0);
+    auto definition = files.load(text.mid(start, end - start), QStringLiteral("BgtStat.rpt"));
+    ASSERT_TRUE(definition);
+    QString error;
+    ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
+    EXPECT_TRUE(details->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("{Summary.PaymentExpense}"), error));
+    EXPECT_TRUE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error))
+        << error.toStdString();
 }
 
 } // namespace

@@ -103,12 +103,9 @@ struct Account {
 // Fund A's accounts of the small sample district, in three folders:
 // General Support (2, sorted first), Instruction (1, new page) and its Teaching (3).
 const std::vector<Account> accounts{
-    {"A1010.150", "E", "2", "40000.25", "38000.10"},
-    {"A1240.150", "E", "2", "0", "0"},
-    {"A2110.120", "E", "3", "3500000.50", "3400000"},
-    {"A2110.450", "E", "3", "120000", "118000.99"},
-    {"A5510.200", "E", "1", "250000", "249000"},
-    {"A1001", "R", "2", "9000000", "8900000"},
+    {"A1010.150", "E", "2", "40000.25", "38000.10"},  {"A1240.150", "E", "2", "0", "0"},
+    {"A2110.120", "E", "3", "3500000.50", "3400000"}, {"A2110.450", "E", "3", "120000", "118000.99"},
+    {"A5510.200", "E", "1", "250000", "249000"},      {"A1001", "R", "2", "9000000", "8900000"},
     {"A9999.999", "E", "2", "5", "5", "H"},
 };
 
@@ -120,6 +117,22 @@ protected:
         QString message;
         ASSERT_EQ(createSampleInstallation(fundFolder_->path(), smallSampleDistrict(), {}, message), 0)
             << message.toStdString();
+        // The sample pays every order in full: leave one open and adjust a budget, so each amount differs.
+        DataAccessControl control;
+        control.setDdfPath(fundFolder_->path());
+        control.setFileName(QStringLiteral("SummaryExpenditure"));
+        control.setLocation(QStringLiteral("FUND\\SumExp.btr"));
+        ASSERT_EQ(control.Open(), 0) << control.Message().toStdString();
+        control.setIndexNumber(0);
+        control.setFieldValue(QStringLiteral("Account Code"), QStringLiteral("A2110.450"));
+        ASSERT_EQ(control.GetEqual(), 0);
+        const auto add = [&](const char *field, const char *amount) {
+            const Currency now = control.FieldValue(QString::fromLatin1(field)).value<Currency>();
+            ASSERT_TRUE(control.setFieldValue(QString::fromLatin1(field), QVariant::fromValue(now + money(amount))));
+        };
+        add("03 Encum Placed", "1234.56");
+        add("04 Budget Adjustment", "-500.25");
+        ASSERT_EQ(control.Update(), 0) << control.Message().toStdString();
     }
     static void TearDownTestSuite()
     {
@@ -177,22 +190,35 @@ protected:
         return error;
     }
 
-    // Each account's year-to-date payments, summed here from the summary file's monthly fields.
-    static QHash<QString, Currency> paymentsInFundFiles()
+    // Each account's twelve months of the named amounts, summed here from the summary file's fields.
+    static QHash<QString, std::vector<Currency>> yearSums(const QString &record, const QString &file,
+                                                          const QStringList &amounts)
     {
         DataAccessControl control;
         control.setDdfPath(fundFolder_->path());
-        control.setFileName(QStringLiteral("SummaryExpenditure"));
-        control.setLocation(QStringLiteral("FUND\\SumExp.btr"));
-        QHash<QString, Currency> payments;
+        control.setFileName(record);
+        control.setLocation(QStringLiteral("FUND\\") + file);
+        QHash<QString, std::vector<Currency>> sums;
         EXPECT_EQ(control.Open(), 0) << control.Message().toStdString();
         for (int status = control.StepFirst(); status == 0; status = control.StepNext()) {
-            Currency sum;
-            for (int month = 1; month <= 12; ++month)
-                sum += control.FieldValue(QStringLiteral("%1 Payment Expense").arg(month, 2, 10, QLatin1Char('0')))
-                           .value<Currency>();
-            payments.insert(control.FieldValue(QStringLiteral("Account Code")).toString(), sum);
+            std::vector<Currency> year(amounts.size());
+            for (int k = 0; k < amounts.size(); ++k) {
+                for (int month = 1; month <= 12; ++month)
+                    year[k] +=
+                        control.FieldValue(QStringLiteral("%1 %2").arg(month, 2, 10, QLatin1Char('0')).arg(amounts[k]))
+                            .value<Currency>();
+            }
+            sums.insert(control.FieldValue(QStringLiteral("Account Code")).toString(), year);
         }
+        return sums;
+    }
+    static QHash<QString, Currency> paymentsInFundFiles()
+    {
+        QHash<QString, Currency> payments;
+        const auto sums = yearSums(QStringLiteral("SummaryExpenditure"), QStringLiteral("SumExp.btr"),
+                                   {QStringLiteral("Payment Expense")});
+        for (auto it = sums.cbegin(); it != sums.cend(); ++it)
+            payments.insert(it.key(), it.value()[0]);
         return payments;
     }
 
@@ -208,8 +234,10 @@ QStringList shape(const ReportTable &table)
     static const char *const kinds[] = {"D", "H", "T", "G"};
     QStringList lines;
     for (const auto &row : table.rows)
-        lines << QStringLiteral("%1%2 %3%4").arg(kinds[int(row.kind)]).arg(row.level).arg(row.cells.at(0),
-                                                                                          row.newPage ? "^" : "");
+        lines << QStringLiteral("%1%2 %3%4")
+                     .arg(kinds[int(row.kind)])
+                     .arg(row.level)
+                     .arg(row.cells.at(0), row.newPage ? "^" : "");
     return lines;
 }
 
@@ -235,10 +263,10 @@ TEST_P(ReportRunTest, FoldersGroupTheSelectedAccountsWithTotalsThatAddUp)
     EXPECT_EQ(table.kinds[1], ReportTable::Kind::Amount);
     EXPECT_EQ(table.widths[0], 14);
     // The revenue account fails the selection, the historical one the SQL.
-    EXPECT_EQ(shape(table), (QStringList{"H0 General Support", "D1 A1010.150", "D1 A1240.150",
-                                         "T0 Total General Support", "H0 Instruction^", "D1 A5510.200",
-                                         "H1 Teaching", "D2 A2110.120", "D2 A2110.450", "T1 Total Teaching",
-                                         "T0 Total Instruction", "G0 Total Fund A"}));
+    EXPECT_EQ(shape(table),
+              (QStringList{"H0 General Support", "D1 A1010.150", "D1 A1240.150", "T0 Total General Support",
+                           "H0 Instruction^", "D1 A5510.200", "H1 Teaching", "D2 A2110.120", "D2 A2110.450",
+                           "T1 Total Teaching", "T0 Total Instruction", "G0 Total Fund A"}));
 
     Currency all;
     Currency prior;
@@ -276,17 +304,18 @@ TEST_P(ReportRunTest, TheSubreportReadsTheRePointedKoraFundTableAndTheSelectionN
     ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
     QString error;
     ASSERT_TRUE(details->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("{Summary.PaymentExpense}"), error));
-    ASSERT_TRUE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
+    ASSERT_TRUE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
     ASSERT_TRUE(definition->setRecordSelectionFormula(
         definition->RecordSelectionFormula() + QStringLiteral(" and {SummaryTree.ID} in [ 2, 3 ]"), error));
     const auto document = run(*definition);
     ASSERT_TRUE(document);
     const ReportTable &table = document->table();
     // Folder 1's own account is left out; Instruction still heads its Teaching.
-    EXPECT_EQ(shape(table), (QStringList{"H0 General Support", "D1 A1010.150", "D1 A1240.150",
-                                         "T0 Total General Support", "H0 Instruction^", "H1 Teaching",
-                                         "D2 A2110.120", "D2 A2110.450", "T1 Total Teaching", "T0 Total Instruction",
-                                         "G0 Total Fund A"}));
+    EXPECT_EQ(shape(table),
+              (QStringList{"H0 General Support", "D1 A1010.150", "D1 A1240.150", "T0 Total General Support",
+                           "H0 Instruction^", "H1 Teaching", "D2 A2110.120", "D2 A2110.450", "T1 Total Teaching",
+                           "T0 Total Instruction", "G0 Total Fund A"}));
 
     const QHash<QString, Currency> payments = paymentsInFundFiles();
     Currency expended;
@@ -297,6 +326,107 @@ TEST_P(ReportRunTest, TheSubreportReadsTheRePointedKoraFundTableAndTheSelectionN
     }
     EXPECT_FALSE(expended.isZero());
     EXPECT_EQ(rowStarting(table, "Total Fund A").cells[2], expended.toSqlText());
+}
+
+TEST_P(ReportRunTest, KoraFundYearTablesGiveEveryAccountsTotalsForTheWholeYear)
+{
+    const QString expenditure = QStringLiteral(R"([report]
+title = Expenditure
+[main Summary]
+fund = FY2025_SummaryExpenditure
+[column]
+value = {Summary.AccountCode}
+[column]
+value = {Summary.OpeningEntry} & '|' & {Summary.BudgetAdjustment} & '|' & {Summary.RevisedBudget} & '|' &
+        {Summary.EncumPlaced} & '|' & {Summary.EncumLiquidated} & '|' & {Summary.Encumbrance} & '|' &
+        {Summary.PaymentExpense} & '|' & {Summary.UnencumberedBalance}
+)");
+    const auto sums =
+        yearSums(QStringLiteral("SummaryExpenditure"), QStringLiteral("SumExp.btr"),
+                 {"Opening Entry", "Budget Adjustment", "Encum Placed", "Encum Liquidated", "Payment Expense"});
+    const auto document = run(*files.load(expenditure));
+    ASSERT_TRUE(document);
+    ASSERT_EQ(document->table().rows.size(), std::size_t(sums.size()));
+    bool anyEncumbrance = false;
+    for (const auto &row : document->table().rows) {
+        const std::vector<Currency> &y = sums.value(row.cells[0]);
+        ASSERT_EQ(y.size(), 5u) << row.cells[0].toStdString();
+        const Currency revised = y[0] + y[1];
+        const Currency open = y[2] - y[3];
+        anyEncumbrance |= !open.isZero();
+        const QStringList expected{
+            y[0].toSqlText(), y[1].toSqlText(), revised.toSqlText(), y[2].toSqlText(),
+            y[3].toSqlText(), open.toSqlText(), y[4].toSqlText(),    (revised - open - y[4]).toSqlText()};
+        EXPECT_EQ(row.cells[1], expected.join(u'|')) << row.cells[0].toStdString();
+    }
+    EXPECT_TRUE(anyEncumbrance);
+
+    const QString revenue = QStringLiteral(R"([report]
+title = Revenue
+[main Summary]
+fund = FY2025_SummaryRevenue
+[column]
+value = {Summary.AccountCode} & '|' & {Summary.FundID} & '|' & {Summary.RevisedBudget} & '|' &
+        {Summary.RevenueReceived} & '|' & {Summary.UnearnedBalance}
+)");
+    const auto received = yearSums(QStringLiteral("SummaryRevenue"), QStringLiteral("SumRev.btr"),
+                                   {"Opening Entry", "Budget Adjustment", "Revenue Received"});
+    const auto revenues = run(*files.load(revenue));
+    ASSERT_TRUE(revenues);
+    ASSERT_EQ(revenues->table().rows.size(), std::size_t(received.size()));
+    for (const auto &row : revenues->table().rows) {
+        const QString code = row.cells[0].section(u'|', 0, 0);
+        const std::vector<Currency> &y = received.value(code);
+        ASSERT_EQ(y.size(), 3u) << code.toStdString();
+        EXPECT_EQ(row.cells[0], QStringList({code, code.left(1), (y[0] + y[1]).toSqlText(), y[2].toSqlText(),
+                                             (y[0] + y[1] - y[2]).toSqlText()})
+                                    .join(u'|'));
+    }
+}
+
+TEST_P(ReportRunTest, GroupsByAFormulaCanPrintTotalsOnlyWithSharesOfTheGrandTotal)
+{
+    const auto definition = files.load(QStringLiteral(R"([report]
+title = Summary
+details = no
+grandtotal = 'Total'
+[main Accounts]
+sql = select AccountCode, Ledger, CurrentBudget from AccountCodes where HistoricalCode <> 'H' order by AccountCode
+[group]
+by = {Accounts.Ledger}
+header = 'Ledger ' & {Accounts.Ledger}
+total = 'Total ' & {Accounts.Ledger}
+newpage = {Accounts.Ledger} = 'R'
+[column]
+value = {Accounts.AccountCode}
+[column]
+name = Budget
+kind = amount
+value = {Accounts.CurrentBudget}
+total = yes
+[column]
+kind = percent
+value = 0
+totalvalue = round({Total.Budget} % {Grand.Budget}, 2)
+)"));
+    ASSERT_TRUE(definition);
+    const auto document = run(*definition);
+    ASSERT_TRUE(document);
+    const ReportTable &table = document->table();
+    EXPECT_EQ(shape(table), (QStringList{"H0 Ledger E", "T0 Total E", "H0 Ledger R^", "T0 Total R", "G0 Total"}));
+    Currency expenditure;
+    for (const Account &a : accounts) {
+        if (QLatin1String(a.ledger) == QLatin1String("E") && !*a.historical)
+            expenditure += money(a.budget);
+    }
+    const Currency revenue = money("9000000");
+    EXPECT_EQ(table.rows[1].cells[1], expenditure.toSqlText());
+    EXPECT_EQ(table.rows[3].cells[1], revenue.toSqlText());
+    EXPECT_EQ(table.rows[4].cells[1], (expenditure + revenue).toSqlText());
+    EXPECT_EQ(table.rows[4].cells[2], "100");
+    const double share = expenditure.toDouble() * 100 / (expenditure + revenue).toDouble();
+    EXPECT_NEAR(table.rows[1].cells[2].toDouble(), share, 0.005);
+    EXPECT_LE(table.rows[1].cells[2].section(u'.', 1).size(), 2);
 }
 
 TEST_P(ReportRunTest, ParameterValuesReachTheSqlAsQuotedLiterals)
@@ -315,12 +445,14 @@ TEST_P(ReportRunTest, FailuresNameTheDefinitionAndWhatIsWrong)
     ASSERT_TRUE(definition);
     ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
     QString error;
-    ASSERT_TRUE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY1999_SummaryExpenditure"), error));
+    ASSERT_TRUE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY1999_SummaryExpenditure"), error));
     error = runError(*definition, fundFolder_->path());
     EXPECT_TRUE(error.contains("BgtStat.rpt")) << error.toStdString();
     EXPECT_TRUE(error.contains("no year with the table id \"FY1999\"")) << error.toStdString();
 
-    ASSERT_TRUE(details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
+    ASSERT_TRUE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
     EXPECT_TRUE(runError(*definition, QString()).contains("no Kora-Fund installation was given"));
 
     // A column the SQL does not give is found missing when the report runs.
@@ -345,8 +477,8 @@ TEST_P(ReportRunTest, ProgressIsReportedAndCancelStopsTheRun)
     }));
     EXPECT_GE(calls, 2);
     QString error;
-    EXPECT_FALSE(ReportDocument::run(*definition, {db().get(), fundFolder_->path()}, error,
-                                     [&](int, int) { return false; }));
+    EXPECT_FALSE(
+        ReportDocument::run(*definition, {db().get(), fundFolder_->path()}, error, [&](int, int) { return false; }));
     EXPECT_EQ(error, "Cancelled.");
 }
 
@@ -388,7 +520,7 @@ value = {Towns.TaxRate}
 kind = percent
 value = round({Towns.Share} % {Towns.Levy}, 2)
 )"),
-                                      QStringLiteral("TaxRev.rpt"));
+                                       QStringLiteral("TaxRev.rpt"));
     ASSERT_TRUE(definition);
     definition->setParameter(QStringLiteral("LedgerID"), ReportValue::text(QStringLiteral("E")));
     const auto document = run(*definition);
