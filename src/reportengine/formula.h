@@ -41,13 +41,16 @@ struct FormulaError {
 //   or       := and ('or' and)*
 //   and      := not ('and' not)*
 //   not      := 'not' not | compare
-//   compare  := join (('=' | '<>' | '<' | '>' | '<=' | '>=') join | 'in' '[' list ']')?
+//   compare  := join (('=' | '<>' | '<' | '>' | '<=' | '>=') join | 'in' '[' list? ']')?
 //   join     := sum ('&' sum)*
 //   sum      := product (('+' | '-') product)*
 //   product  := unary (('*' | '/' | '%') unary)*
 //   unary    := '-' unary | primary
 //   primary  := number | 'text' | "text" | 'true' | 'false' | {Table.Field} | {?Param} | {@Formula}
 //             | name '(' list? ')' | '(' expr ')'
+//   list     := expr (',' expr)*
+// Inside quotes the quote doubled stands for itself: 'It''s'. Names inside
+// braces may hold blanks ({Budget Lines.Prior Year}); a field splits at its first '.'.
 // Functions: chr(n), totext(x[, decimals]), round(x[, decimals]), abs(x), trim(t),
 // left(t, n), upper(t), isnull(x), date(y, m, d), year(d).
 // An empty formula text evaluates to null.
@@ -57,7 +60,8 @@ struct FormulaError {
 //   zero to four places. 'a % b' is a as a percentage of b (a / b * 100).
 //   Dividing by zero is an evaluation error.
 // - '&' joins any two values as text (ReportValue::toText; null joins as "");
-//   '+' of two texts joins them too. chr(13) is the line break of a heading.
+//   '+' of two texts joins them too. chr(13), a carriage return, is the line
+//   break of a two-line heading ('Line one' & chr(13) & 'Line two').
 // - Null in arithmetic, and as any function's argument but isnull's and
 //   totext's, gives null. Null equals only null ('=' and '<>'), and '<', '>',
 //   '<=', '>=' with a null side are false. A null condition (if, and, or, not)
@@ -67,6 +71,10 @@ struct FormulaError {
 //   with text is an error. 'x in [ ... ]' is x = some item; '[ ]' holds nothing.
 // - Dates: date +/- whole days, and date - date gives days.
 // - if/and/or evaluate only the side they need, so a guard protects a division.
+// Syntax, unknown function names and wrong argument counts are refused by
+// parse; a reference the context lacks, by evaluate. Formulas nested deeper
+// than 200 levels are refused. A parsed formula never changes: copies share
+// it and may be evaluated on several threads at once.
 class Formula {
 public:
     static std::optional<Formula> parse(const QString &text, FormulaError &error);

@@ -3,11 +3,15 @@
 #include "formulafunctions.h"
 #include "formulaoperators.h"
 
+#include <algorithm>
+
 namespace {
-ReportValue found(const std::optional<ReportValue> &value, int position, const QString &what)
+// The message is built only when the reference is missing: this runs for every row.
+template <typename Describe>
+ReportValue found(const std::optional<ReportValue> &value, int position, Describe describe)
 {
     if (!value)
-        failFormula(position, QStringLiteral("Unknown %1").arg(what));
+        failFormula(position, QStringLiteral("Unknown %1").arg(describe()));
     return *value;
 }
 
@@ -51,6 +55,11 @@ ReportValue unary(const FormulaNode &node, const FormulaContext &context)
 ReportValue membership(const FormulaNode &node, const FormulaContext &context)
 {
     const ReportValue value = evaluateFormulaNode(*node.children[0], context);
+    if (!node.sortedNumbers.empty() && (value.isNull() || value.type() == ReportValue::Type::Number)) {
+        return ReportValue::boolean(!value.isNull() && std::binary_search(node.sortedNumbers.begin(),
+                                                                          node.sortedNumbers.end(), value.asNumber()));
+    }
+    // Anything else meets each item in turn, which also reports a mismatch of kinds.
     for (size_t item = 1; item < node.children.size(); ++item) {
         if (compareValues(FormulaOperator::Equal, value, evaluateFormulaNode(*node.children[item], context), node.position))
             return ReportValue::boolean(true);
@@ -78,11 +87,13 @@ ReportValue evaluateFormulaNode(const FormulaNode &node, const FormulaContext &c
         return node.literal;
     case FormulaNode::Kind::Field:
         return found(context.field(node.table, node.name), node.position,
-                     QStringLiteral("field {%1.%2}").arg(node.table, node.name));
+                     [&] { return QStringLiteral("field {%1.%2}").arg(node.table, node.name); });
     case FormulaNode::Kind::Parameter:
-        return found(context.parameter(node.name), node.position, QStringLiteral("parameter {?%1}").arg(node.name));
+        return found(context.parameter(node.name), node.position,
+                     [&] { return QStringLiteral("parameter {?%1}").arg(node.name); });
     case FormulaNode::Kind::FormulaReference:
-        return found(context.formula(node.name), node.position, QStringLiteral("formula {@%1}").arg(node.name));
+        return found(context.formula(node.name), node.position,
+                     [&] { return QStringLiteral("formula {@%1}").arg(node.name); });
     case FormulaNode::Kind::Unary:
         return unary(node, context);
     case FormulaNode::Kind::Binary:

@@ -4,6 +4,8 @@
 #include "formulanode.h"
 #include "formulaoperators.h"
 
+#include <QLocale>
+
 #include <climits>
 
 namespace {
@@ -56,9 +58,9 @@ QString groupedText(Currency value, int decimals)
 {
     const bool negative = value.raw() < 0;
     const quint64 magnitude = negative ? 0 - quint64(value.raw()) : quint64(value.raw());
-    QString whole = QString::number(magnitude / Currency::Scale);
-    for (qsizetype at = whole.size() - 3; at > 0; at -= 3)
-        whole.insert(at, u',');
+    QLocale grouping(QLocale::C);
+    grouping.setNumberOptions(QLocale::DefaultNumberOptions); // the C locale omits separators unless told
+    const QString whole = grouping.toString(magnitude / Currency::Scale);
     QString text = negative ? QStringLiteral("-") + whole : whole;
     if (decimals > 0)
         text += u'.' + QStringLiteral("%1").arg(magnitude % Currency::Scale, 4, 10, QLatin1Char('0')).left(decimals);

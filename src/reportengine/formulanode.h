@@ -30,11 +30,15 @@ struct FormulaNode {
 
     Kind kind = Kind::Literal;
     int position = 0;
+    int depth = 1;                    // of the tree below and including this node
     ReportValue literal;              // Literal
     QString table;                    // Field
     QString name;                     // Field's field; Parameter's and FormulaReference's name
     FormulaOperator op = FormulaOperator::Add; // Unary, Binary
     const FormulaFunction *function = nullptr; // Call
+    // In: the items sorted, when every one is a number as written, so a long
+    // folder list is searched rather than walked for each row.
+    std::vector<Currency> sortedNumbers;
     // Unary: operand; Binary: left, right; In: value, list items...;
     // If: condition, then, else; Call: arguments.
     std::vector<std::unique_ptr<FormulaNode>> children;

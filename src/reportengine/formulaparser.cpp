@@ -3,6 +3,8 @@
 #include "formulafunctions.h"
 #include "formulalexer.h"
 
+#include <algorithm>
+
 namespace {
 using NodePtr = std::unique_ptr<FormulaNode>;
 
@@ -12,6 +14,10 @@ bool isKeyword(const QString &name)
     return keywords.contains(name, Qt::CaseInsensitive);
 }
 
+// Deeper formulas are refused rather than risk the stack: parsing, evaluating
+// and freeing a tree all recurse along its depth. Real formulas stay far below.
+constexpr int maximumDepth = 200;
+
 NodePtr makeNode(FormulaNode::Kind kind, int position)
 {
     auto node = std::make_unique<FormulaNode>();
@@ -20,18 +26,26 @@ NodePtr makeNode(FormulaNode::Kind kind, int position)
     return node;
 }
 
+void adopt(FormulaNode &parent, NodePtr child)
+{
+    parent.depth = std::max(parent.depth, child->depth + 1);
+    if (parent.depth > maximumDepth)
+        failFormula(parent.position, QStringLiteral("Formula nested too deeply"));
+    parent.children.push_back(std::move(child));
+}
+
 NodePtr makeOperation(FormulaOperator op, int position, NodePtr left, NodePtr right = nullptr)
 {
     auto node = makeNode(right ? FormulaNode::Kind::Binary : FormulaNode::Kind::Unary, position);
     node->op = op;
-    node->children.push_back(std::move(left));
+    adopt(*node, std::move(left));
     if (right)
-        node->children.push_back(std::move(right));
+        adopt(*node, std::move(right));
     return node;
 }
 
 struct OperatorSpelling {
-    const char *spelling;
+    const char *spelling; // a keyword when it starts with a letter
     FormulaOperator op;
 };
 
@@ -92,53 +106,71 @@ private:
     void expectSymbol(const char *symbol) { expect(atSymbol(symbol), quotedWord(symbol)); }
     void expectKeyword(const char *keyword) { expect(atKeyword(keyword), quotedWord(keyword)); }
 
+    template <size_t N>
+    const OperatorSpelling *atOperator(const OperatorSpelling (&ops)[N]) const
+    {
+        for (const auto &candidate : ops) {
+            if (QChar(QLatin1Char(candidate.spelling[0])).isLetter() ? atKeyword(candidate.spelling)
+                                                                      : atSymbol(candidate.spelling))
+                return &candidate;
+        }
+        return nullptr;
+    }
+
     // One left-associative level: next (op next)*.
     template <size_t N>
-    NodePtr leftAssociative(NodePtr (Parser::*next)(), const OperatorSpelling (&ops)[N], bool keywords)
+    NodePtr leftAssociative(NodePtr (Parser::*next)(), const OperatorSpelling (&ops)[N])
     {
         NodePtr left = (this->*next)();
-        for (;;) {
-            const OperatorSpelling *found = nullptr;
-            for (const auto &candidate : ops) {
-                if (keywords ? atKeyword(candidate.spelling) : atSymbol(candidate.spelling))
-                    found = &candidate;
-            }
-            if (!found)
-                return left;
+        while (const OperatorSpelling *found = atOperator(ops)) {
             const int position = take().position;
             left = makeOperation(found->op, position, std::move(left), (this->*next)());
         }
+        return left;
     }
+
+    // Counts the parser's own recursion, which runs ahead of the tree's depth.
+    struct Nesting {
+        explicit Nesting(Parser &parser) : parser_(parser)
+        {
+            if (++parser_.nesting_ > maximumDepth)
+                failFormula(parser_.peek().position, QStringLiteral("Formula nested too deeply"));
+        }
+        ~Nesting() { --parser_.nesting_; }
+        Parser &parser_;
+    };
 
     NodePtr expression()
     {
+        const Nesting nesting(*this);
         if (!atKeyword("if"))
             return orLevel();
         auto node = makeNode(FormulaNode::Kind::If, take().position);
-        node->children.push_back(expression());
+        adopt(*node, expression());
         expectKeyword("then");
-        node->children.push_back(expression());
+        adopt(*node, expression());
         expectKeyword("else");
-        node->children.push_back(expression());
+        adopt(*node, expression());
         return node;
     }
 
     NodePtr orLevel()
     {
         static const OperatorSpelling ops[] = {{"or", FormulaOperator::Or}};
-        return leftAssociative(&Parser::andLevel, ops, true);
+        return leftAssociative(&Parser::andLevel, ops);
     }
 
     NodePtr andLevel()
     {
         static const OperatorSpelling ops[] = {{"and", FormulaOperator::And}};
-        return leftAssociative(&Parser::notLevel, ops, true);
+        return leftAssociative(&Parser::notLevel, ops);
     }
 
     NodePtr notLevel()
     {
         if (!atKeyword("not"))
             return compareLevel();
+        const Nesting nesting(*this);
         const int position = take().position;
         return makeOperation(FormulaOperator::Not, position, notLevel());
     }
@@ -153,48 +185,55 @@ private:
         NodePtr left = joinLevel();
         if (atKeyword("in"))
             return inList(std::move(left));
-        for (const auto &candidate : ops) {
-            if (atSymbol(candidate.spelling)) {
-                const int position = take().position;
-                return makeOperation(candidate.op, position, std::move(left), joinLevel());
-            }
-        }
-        return left;
+        const OperatorSpelling *found = atOperator(ops);
+        if (!found)
+            return left;
+        const int position = take().position;
+        return makeOperation(found->op, position, std::move(left), joinLevel());
     }
 
     // value in [ item, ... ]; an empty list holds nothing.
     NodePtr inList(NodePtr value)
     {
         auto node = makeNode(FormulaNode::Kind::In, take().position);
-        node->children.push_back(std::move(value));
+        adopt(*node, std::move(value));
         expectSymbol("[");
         commaList(*node, "]");
+        const bool allNumbers = std::all_of(node->children.begin() + 1, node->children.end(), [](const NodePtr &item) {
+            return item->kind == FormulaNode::Kind::Literal && item->literal.type() == ReportValue::Type::Number;
+        });
+        if (allNumbers && node->children.size() > 1) {
+            for (auto item = node->children.begin() + 1; item != node->children.end(); ++item)
+                node->sortedNumbers.push_back((*item)->literal.asNumber());
+            std::sort(node->sortedNumbers.begin(), node->sortedNumbers.end());
+        }
         return node;
     }
 
     NodePtr joinLevel()
     {
         static const OperatorSpelling ops[] = {{"&", FormulaOperator::Join}};
-        return leftAssociative(&Parser::sumLevel, ops, false);
+        return leftAssociative(&Parser::sumLevel, ops);
     }
 
     NodePtr sumLevel()
     {
         static const OperatorSpelling ops[] = {{"+", FormulaOperator::Add}, {"-", FormulaOperator::Subtract}};
-        return leftAssociative(&Parser::productLevel, ops, false);
+        return leftAssociative(&Parser::productLevel, ops);
     }
 
     NodePtr productLevel()
     {
         static const OperatorSpelling ops[] = {
             {"*", FormulaOperator::Multiply}, {"/", FormulaOperator::Divide}, {"%", FormulaOperator::Percent}};
-        return leftAssociative(&Parser::unaryLevel, ops, false);
+        return leftAssociative(&Parser::unaryLevel, ops);
     }
 
     NodePtr unaryLevel()
     {
         if (!atSymbol("-"))
             return primary();
+        const Nesting nesting(*this);
         const int position = take().position;
         return makeOperation(FormulaOperator::Negate, position, unaryLevel());
     }
@@ -248,10 +287,10 @@ private:
             take();
             return;
         }
-        node.children.push_back(expression());
+        adopt(node, expression());
         while (atSymbol(",")) {
             take();
-            node.children.push_back(expression());
+            adopt(node, expression());
         }
         expect(atSymbol(close), QStringLiteral("',' or '%1'").arg(QLatin1String(close)));
     }
@@ -296,6 +335,7 @@ private:
 
     std::vector<FormulaToken> tokens_;
     size_t at_ = 0;
+    int nesting_ = 0;
 };
 } // namespace
 

@@ -1,5 +1,7 @@
 #include "formulatesting.h"
 
+#include <algorithm>
+
 namespace {
 struct Refusal {
     const char *formula;
@@ -86,4 +88,22 @@ TEST(FormulaErrors, EvaluationFaultsComeBackWithPositionAndANullResult)
         EXPECT_EQ(error.position, c.position) << c.formula;
         EXPECT_EQ(error.message, QString::fromUtf8(c.message)) << c.formula;
     }
+}
+
+TEST(FormulaErrors, FormulasTooDeepForTheStackAreRefusedNotCrashed)
+{
+    const QString deepParentheses = QString(1000, u'(') + u'1' + QString(1000, u')');
+    EXPECT_EQ(refusal(deepParentheses), "Formula nested too deeply at position 200");
+    EXPECT_EQ(refusal(QStringLiteral("not ").repeated(1000) + "true"), "Formula nested too deeply at position 796");
+    QStringList terms(1000, QStringLiteral("1"));
+    EXPECT_EQ(refusal(terms.join(u'+')), "Formula nested too deeply at position 399");
+    // What the reports write stays well inside: long folder lists are wide, not deep.
+    EXPECT_EQ(evaluated(QString(150, u'(') + u'1' + QString(150, u')')), number("1"));
+    QStringList ids;
+    for (int id = 1; id <= 5000; ++id)
+        ids.append(QString::number(id));
+    std::reverse(ids.begin(), ids.end());
+    const QString list = "in [ " + ids.join(u',') + "]";
+    EXPECT_EQ(evaluated("4999 " + list + " and 1 " + list + " and 5000 " + list + " and not 5001 " + list),
+              ReportValue::boolean(true));
 }

@@ -63,6 +63,9 @@ TEST(FormulaGrammar, InListsHoldNumbersOrTexts)
     const MapContext row = sampleRow();
     EXPECT_EQ(evaluated("{SummaryTree.ID} in [ 1, 2, 3 ]", row), no);
     EXPECT_EQ(evaluated("{SummaryTree.ID} in [ 4,12,30]", row), yes);
+    EXPECT_EQ(evaluated("{SummaryTree.ID} in [ 30, 12.0000, 4 ]", row), yes);
+    EXPECT_EQ(evaluated("{SummaryTree.ID} in [ 30, 13, -12, 11.9999 ]", row), no);
+    EXPECT_EQ(evaluated("-1.5 in [ 3, -1.5, 2 ]", row), yes);
     EXPECT_EQ(evaluated("{SummaryTree.ID} in [ 6 * 2 ]", row), yes);
     EXPECT_EQ(evaluated("{SummaryTree.ID} in [ ]", row), no); // no folder carries the code
     EXPECT_EQ(evaluated("{?LedgerID} in ['R', 'E']", row), yes);
@@ -137,6 +140,7 @@ TEST(FormulaGrammar, ComparesTextCaseSensitivelyAndNullOnlyWithNull)
         {"{T.Nothing} = 0", no},       {"{T.Nothing} = ''", no},
         {"{T.Nothing} <> 0", yes},     {"{T.Nothing} < 1", no},
         {"{T.Nothing} >= 1", no},      {"{T.Nothing} in [0, '']", no},
+        {"{T.Nothing} in [0, 1]", no}, {"{T.Nothing} in [1, {T.Nothing}]", yes},
         {"1.10 = 1.1", yes},           {"-1 < 0.0001", yes},
         {"false < true", yes},         {"if {T.Nothing} then 1 else 2", number("2")},
     };

@@ -8,6 +8,11 @@
 
 #include <ostream>
 
+inline void PrintTo(const QString &value, std::ostream *out)
+{
+    *out << '"' << value.toStdString() << '"';
+}
+
 inline void PrintTo(const ReportValue &value, std::ostream *out)
 {
     static const char *const kinds[] = {"null", "number", "text", "boolean", "date"};
