@@ -28,10 +28,17 @@ const ReportTable &statusTable()
 {
     static const ReportTable table = [] {
         ReportTable made;
-        made.headings = {"Account",         "Description",          "Original\nAppropriation",
-                         "Transfers and\nAdjustments", "Revised\nAppropriation", "Expended\nto Date",
-                         "Outstanding\nEncumbrances", "Unencumbered\nBalance", "Proposed\nBudget",
-                         "Increase\n(Decrease)", "Percent"};
+        made.headings = {"Account",
+                         "Description",
+                         "Original\nAppropriation",
+                         "Transfers and\nAdjustments",
+                         "Revised\nAppropriation",
+                         "Expended\nto Date",
+                         "Outstanding\nEncumbrances",
+                         "Unencumbered\nBalance",
+                         "Proposed\nBudget",
+                         "Increase\n(Decrease)",
+                         "Percent"};
         made.kinds = {Kind::Text,   Kind::Text,   Kind::Amount, Kind::Amount, Kind::Amount, Kind::Amount,
                       Kind::Amount, Kind::Amount, Kind::Amount, Kind::Amount, Kind::Percent};
         made.widths = {14, 30, 14, 14, 14, 14, 14, 14, 14, 14, 8};

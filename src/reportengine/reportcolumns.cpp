@@ -13,13 +13,15 @@ constexpr qreal smallestSize = 7;  // the smallest the text gets before text col
 constexpr qreal minimumSize = 4;   // for tables whose figures alone are wider than the page
 constexpr qreal referenceSize = 10; // widths measured once here scale with the size
 constexpr int fallbackWidth = 10;   // characters, for a column the table gives no width
-constexpr int narrowestText = 6;    // characters a text column keeps
+constexpr int narrowestText = 8;    // characters a text column keeps
+constexpr qreal slack = 1;          // points, so a measured width is not elided by rounding
 
 // Widths at the reference size, without padding.
 struct Measured {
     qreal averageChar = 0;
     std::vector<qreal> chars;   // the table's widths
     std::vector<qreal> figures; // widest shown cell of a number column, 0 for text
+    int deepest = 0;            // the deepest group level, which indents the first column
 };
 
 // The widest shown cell of a number column (bold, as totals are): only the
@@ -47,6 +49,8 @@ Measured measure(const ReportTable &table, const std::vector<ReportTable::Kind> 
     const QFontMetricsF bold = pointMetrics(referenceSize, true);
     Measured measured;
     measured.averageChar = regular.averageCharWidth();
+    for (const ReportTable::Row &row : rows)
+        measured.deepest = std::max(measured.deepest, row.level);
     for (std::size_t c = 0; c < kinds.size(); ++c) {
         const int chars = c < table.widths.size() && table.widths[c] > 0 ? table.widths[c] : fallbackWidth;
         measured.chars.push_back(chars * measured.averageChar);
@@ -87,7 +91,7 @@ ColumnFit fitColumns(const ReportTable &table, const std::vector<ReportTable::Ki
     const std::size_t count = kinds.size();
     const auto natural = [&](const ColumnFit &fit, std::size_t c) {
         const qreal scale = fit.size / referenceSize;
-        return std::max(measured.chars[c], measured.figures[c]) * scale + fit.pad;
+        return std::max(measured.chars[c], measured.figures[c]) * scale + fit.pad + slack;
     };
     // The text a little smaller, then every column in proportion.
     for (qreal size = baseSize; size >= smallestSize; size -= 0.5) {
@@ -111,23 +115,25 @@ ColumnFit fitColumns(const ReportTable &table, const std::vector<ReportTable::Ki
     for (qreal size = smallestSize;; size -= 0.5) {
         ColumnFit fit = sized(size, count);
         const qreal scale = size / referenceSize;
-        qreal figures = 0;
-        qreal texts = 0;
-        qreal narrowest = 0;
+        std::vector<qreal> least(count, 0);
+        qreal fixed = 0; // the figures and the least of every text column
+        qreal wanted = 0; // what the text columns would take beyond their least
         for (std::size_t c = 0; c < count; ++c) {
             if (isNumericKind(kinds[c])) {
                 fit.width[c] = natural(fit, c);
-                figures += fit.width[c];
-            } else {
-                texts += natural(fit, c);
-                narrowest += narrowestText * measured.averageChar * scale + fit.pad;
+                fixed += fit.width[c];
+                continue;
             }
+            const qreal indent = c == 0 ? fit.indent * measured.deepest : 0;
+            least[c] = std::min(natural(fit, c), narrowestText * measured.averageChar * scale + fit.pad + indent);
+            fixed += least[c];
+            wanted += natural(fit, c) - least[c];
         }
-        if (figures + narrowest <= pageWidth || size <= minimumSize) {
-            const qreal share = texts > 0 ? std::max(qreal(0), pageWidth - figures) / texts : 0;
+        if (fixed <= pageWidth || size <= minimumSize) {
+            const qreal share = wanted > 0 ? std::clamp((pageWidth - fixed) / wanted, qreal(0), qreal(1)) : 0;
             for (std::size_t c = 0; c < count; ++c)
                 if (!isNumericKind(kinds[c]))
-                    fit.width[c] = natural(fit, c) * share;
+                    fit.width[c] = least[c] + (natural(fit, c) - least[c]) * share;
             return placed(fit);
         }
     }

@@ -83,9 +83,8 @@ void ReportDocument::paintPage(int index, QPainter &painter) const
 
 bool ReportDocument::paint(QPagedPaintDevice &device, QString &error) const
 {
-    // A device that cannot take the report's paper (a printer's own) keeps
-    // its own, and the pages are scaled down to fit it.
-    device.setPageLayout(pageLayout());
+    // The device keeps the paper it was set up with; pages that do not fit
+    // on it (landscape on portrait paper, letter on A4) are scaled down whole.
     const QSizeF ours = pageLayout().paintRect(QPageLayout::Point).size();
     const QSizeF theirs = device.pageLayout().paintRect(QPageLayout::Point).size();
     const qreal fit = std::min({qreal(1), theirs.width() / ours.width(), theirs.height() / ours.height()});
@@ -122,6 +121,7 @@ bool ReportDocument::writePdf(const QString &path, QString &error) const
     }
     {
         QPdfWriter writer(&file);
+        writer.setPageLayout(pageLayout());
         writer.setTitle(title());
         writer.setCreator(QStringLiteral("Kora-Budget"));
         if (!paint(writer, error))

@@ -35,8 +35,8 @@ struct ReportTable {
     std::vector<int> widths; // one per column, in average characters
     struct Row {
         RowKind kind = RowKind::Detail;
-        int level = 0;              // group depth for headers and totals, from 0 (indents the first column)
-        bool newPage = false;       // a group header that starts a new page
+        int level = 0;        // group depth, from 0; indents the first column
+        bool newPage = false; // a group header that starts a new page
         // Amounts and numbers as plain decimals ("1234.5"), percentages as the
         // percentage ("12.5" is 12.5 %), dates "MM/dd/yyyy"; any other text
         // ("n/a") is shown as it stands. "" for empty.
@@ -78,7 +78,8 @@ public:
     // (1/72 inch) from the page's top-left corner of the paintable area.
     void paintPage(int index, QPainter &painter) const;
     // Every page onto a device already set up (a printer's copies and
-    // orientation, a PDF writer); returns false with `error` when painting fails.
+    // orientation, a PDF writer), each scaled down to fit when the device's
+    // paper is smaller; returns false with `error` when painting fails.
     bool paint(QPagedPaintDevice &device, QString &error) const;
 
     bool writePdf(const QString &path, QString &error) const;

@@ -40,6 +40,7 @@ struct RowExtent {
 
 // What one page shows: a run of rows, a run of note lines, or one chart.
 struct Page {
+    std::vector<int> continued; // the headings of groups carried on from the page before
     int firstRow = 0;
     int endRow = 0;
     int firstNote = 0;
@@ -136,35 +137,54 @@ void ReportPages::Impl::paginate()
 {
     const qreal height = bodyBottom - bodyTop;
     qreal y = 0;
+    bool atTop = true;
     newPage(0, 0);
     rowTop.resize(rows.size());
+    std::vector<int> open; // the heading of each group the rows are in, outermost first
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const ReportTable::Row &row = rows[i];
         RowExtent extent = extentOf(row);
         // A group's heading is not left alone at the foot of a page.
         const qreal keep = row.kind == RowKind::GroupHeader && i + 1 < rows.size() ? extentOf(rows[i + 1]).line : 0;
         const bool forced = row.kind == RowKind::GroupHeader && row.newPage;
-        if (y > 0 && (forced || y + extent.before + extent.line + keep > height)) {
+        if (!atTop && (forced || y + extent.before + extent.line + keep > height)) {
             newPage(int(i), 0);
-            y = 0;
+            // A page that begins inside groups says which, above its first row.
+            std::vector<int> &continued = pages.back().continued;
+            continued = open;
+            if (row.kind == RowKind::GroupHeader)
+                continued.resize(std::min(continued.size(), std::size_t(std::max(row.level, 0))));
+            y = rowHeight * qreal(continued.size());
+            atTop = true;
         }
-        if (y == 0)
+        if (atTop)
             extent.before = 0;
         rowTop[i] = y + extent.before;
         y = rowTop[i] + extent.line + extent.after;
+        atTop = false;
         pages.back().endRow = int(i) + 1;
+        const auto level = std::size_t(std::max(row.level, 0));
+        if (row.kind == RowKind::GroupHeader) {
+            open.resize(std::min(open.size(), level));
+            open.push_back(int(i));
+        } else if (row.kind == RowKind::GroupTotal) {
+            open.resize(std::min(open.size(), level));
+        } else if (row.kind == RowKind::GrandTotal) {
+            open.clear();
+        }
     }
     if (!noteLines.isEmpty()) {
         const qreal line = pointMetrics(columns.size, false).lineSpacing();
-        y += y > 0 ? rowHeight : 0;
+        y += atTop ? 0 : rowHeight;
         noteTop.resize(std::size_t(noteLines.size()));
         for (qsizetype n = 0; n < noteLines.size(); ++n) {
-            if (y > 0 && y + line > height) {
+            if (!atTop && y + line > height) {
                 newPage(int(rows.size()), int(n));
                 y = 0;
             }
             noteTop[std::size_t(n)] = y;
             y += line;
+            atTop = false;
             pages.back().endNote = int(n) + 1;
         }
     }
@@ -335,6 +355,12 @@ void ReportPages::paintPage(int index, QPainter &painter) const
         d.paintHeadings(painter);
         const DeviceFont regular(d.columns.size, false, painter.device());
         const DeviceFont bold(d.columns.size, true, painter.device());
+        for (std::size_t c = 0; c < page.continued.size(); ++c) {
+            ReportTable::Row heading = d.rows[std::size_t(page.continued[c])];
+            if (!heading.cells.empty())
+                heading.cells[0] += QStringLiteral(" (continued)");
+            d.paintRow(painter, bold, heading, d.bodyTop + d.rowHeight * qreal(c));
+        }
         for (int r = page.firstRow; r < page.endRow; ++r) {
             const ReportTable::Row &row = d.rows[std::size_t(r)];
             d.paintRow(painter, row.kind == RowKind::Detail ? regular : bold, row,

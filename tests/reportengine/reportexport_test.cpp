@@ -32,21 +32,29 @@ QString readText(const QString &path)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-// How each cell of the first sheet is stored: its reference, then its type attribute
-// ("s" for shared text, "" for a number) and its value.
-std::map<QString, std::pair<QString, QString>> storedCells(const QString &path)
+// How a cell of the first sheet is stored: its type ("s" for shared text, ""
+// for a number), its value and its style's index.
+struct StoredCell {
+    QString type;
+    QString value;
+    QString style;
+};
+
+std::map<QString, StoredCell> storedCells(const QString &path)
 {
     const QString xml = programOutput(
         "python3", {"-c",
                     "import sys,zipfile;"
                     "sys.stdout.write(zipfile.ZipFile(sys.argv[1]).read('xl/worksheets/sheet1.xml').decode())",
                     path});
-    std::map<QString, std::pair<QString, QString>> cells;
+    std::map<QString, StoredCell> cells;
     static const QRegularExpression cell(R"re(<c r="([A-Z]+\d+)"([^>]*)>(?:<f>[^<]*</f>)?<v>([^<]*)</v></c>)re");
     static const QRegularExpression type(R"re(t="(\w+)")re");
+    static const QRegularExpression style(R"re(s="(\d+)")re");
     for (auto match = cell.globalMatch(xml); match.hasNext();) {
         const auto found = match.next();
-        cells[found.captured(1)] = {type.match(found.captured(2)).captured(1), found.captured(3)};
+        cells[found.captured(1)] = {type.match(found.captured(2)).captured(1), found.captured(3),
+                                    style.match(found.captured(2)).captured(1)};
     }
     return cells;
 }
@@ -96,8 +104,8 @@ TEST_F(ReportExportTest, AWorkbookKeepsFiguresAsNumbersWithTheirFormats)
         EXPECT_NE(found, cells.end()) << ref;
         if (found == cells.end())
             return QString("<none>");
-        EXPECT_NE(found->second.first, "s") << ref << " is stored as text";
-        return found->second.second;
+        EXPECT_NE(found->second.type, "s") << ref << " is stored as text";
+        return found->second.value;
     };
     EXPECT_EQ(number("C3").toDouble(), 1234567.891);
     EXPECT_EQ(number("C4").toDouble(), -1234);
@@ -105,8 +113,10 @@ TEST_F(ReportExportTest, AWorkbookKeepsFiguresAsNumbersWithTheirFormats)
     EXPECT_DOUBLE_EQ(number("D3").toDouble(), 0.12345) << "a percentage as a fraction, shown in 0.00%";
     EXPECT_EQ(number("E4").toDouble(), 1234567);
     EXPECT_EQ(number("F3").toDouble(), 46204) << "07/01/2026 as a date serial";
-    EXPECT_EQ(cells.at("D4").first, "s") << "n/a stays text";
-    EXPECT_EQ(cells.at("A2").first, "s");
+    EXPECT_EQ(cells.at("D4").type, "s") << "n/a stays text";
+    EXPECT_EQ(cells.at("A2").type, "s");
+    EXPECT_NE(cells.at("C5").style, cells.at("C3").style) << "a total is bold, a detail not";
+    EXPECT_EQ(cells.at("C5").style, cells.at("C6").style);
 
     // The looks: currency and percent formats, bold group rows, indented details.
     const QString styles = programOutput(

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QImage>
 #include <QPainter>
+#include <QPdfWriter>
 
 #include <gtest/gtest.h>
 
@@ -107,6 +108,7 @@ TEST_F(ReportPagesTest, EveryPageRepeatsTheHeadingsAndEveryRowAppearsOnceInOrder
 
     QStringList seen;
     std::vector<int> rowsOnPage;
+    int continuedPages = 0;
     for (std::size_t p = 0; p < pages.size(); ++p) {
         const QString text = pageText(pages[p]);
         EXPECT_TRUE(text.contains("Lakeview Central School District")) << p;
@@ -126,6 +128,12 @@ TEST_F(ReportPagesTest, EveryPageRepeatsTheHeadingsAndEveryRowAppearsOnceInOrder
             }
         }
         rowsOnPage.push_back(rows);
+        // Under the headings, a page begins with its folder's heading, carried
+        // on from the page before when the folder is.
+        const QString first = text.section('\n', 6, 6);
+        EXPECT_TRUE(first.startsWith("Folder ") && (first.endsWith(" Header") || first.endsWith(" Header (continued)")))
+            << "page " << p + 1 << " begins with " << qPrintable(first);
+        continuedPages += first.endsWith("(continued)");
         // A folder's heading is followed on its own page by at least one of its rows.
         for (const PdfWord &word : pages[p]) {
             if (word.text != "Header")
@@ -140,6 +148,7 @@ TEST_F(ReportPagesTest, EveryPageRepeatsTheHeadingsAndEveryRowAppearsOnceInOrder
         for (int a = 0; a < accounts; ++a)
             expected << account(f, a);
     EXPECT_EQ(seen, expected);
+    EXPECT_GE(continuedPages, 3);
     // Full pages hold about as many rows as a letter page can.
     for (std::size_t p = 0; p + 1 < rowsOnPage.size(); ++p) {
         EXPECT_GE(rowsOnPage[p], 45) << "page " << p + 1;
@@ -216,7 +225,7 @@ TEST_F(ReportPagesTest, AWideTableGivesUpTextNeverFigures)
     for (int c = 0; c < 9; ++c) {
         table.headings << QString("Year %1\nActual").arg(2015 + c);
         table.kinds.push_back(Kind::Amount);
-        table.widths.push_back(14);
+        table.widths.push_back(10); // narrower than the figures: they win
     }
     table.headings.prepend("Description");
     table.kinds.insert(table.kinds.begin(), Kind::Text);
@@ -235,6 +244,16 @@ TEST_F(ReportPagesTest, AWideTableGivesUpTextNeverFigures)
         ASSERT_TRUE(word) << qPrintable(figure) << " is shown whole";
         EXPECT_LE(word->right, 612 - 36 + 0.5);
     }
+    // No figure runs into its neighbour.
+    PdfPage row;
+    const double top = findWord(pages[0], "-123,456,789.99")->top;
+    for (const PdfWord &word : pages[0])
+        if (std::abs(word.top - top) < 1 && word.text.startsWith("-1"))
+            row.push_back(word);
+    std::sort(row.begin(), row.end(), [](const PdfWord &a, const PdfWord &b) { return a.left < b.left; });
+    ASSERT_EQ(row.size(), 9u);
+    for (std::size_t w = 1; w < row.size(); ++w)
+        EXPECT_LT(row[w - 1].right + 2, row[w].left) << qPrintable(row[w].text);
     const QString text = pageText(pages[0]);
     EXPECT_TRUE(text.contains("Instruc")) << "the description is shortened, not dropped";
     EXPECT_FALSE(text.contains("grades kindergarten to six"));
@@ -331,6 +350,28 @@ TEST_F(ReportPagesTest, EveryPageRasterisesAndAFailedWriteNamesTheCause)
 
     EXPECT_FALSE(document->writePdf("/nonexistent-dir/report.pdf", error));
     EXPECT_FALSE(error.isEmpty());
+}
+
+TEST_F(ReportPagesTest, ADeviceKeepsItsPaperAndThePagesShrinkToFitIt)
+{
+    const auto document = ReportDocument::fromTable(budgetTable(2, 3), {}, setupFor(PaperOrientation::Landscape));
+    const QString path = dir.filePath("a4.pdf");
+    {
+        QPdfWriter writer(path);
+        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(20, 20, 20, 20),
+                                         QPageLayout::Point));
+        QString error;
+        ASSERT_TRUE(document->paint(writer, error)) << qPrintable(error);
+    }
+    EXPECT_TRUE(programOutput("pdfinfo", {path}).contains("(A4)")) << qPrintable(programOutput("pdfinfo", {path}));
+    const std::vector<PdfPage> pages = pdfWords(path);
+    ASSERT_EQ(pages.size(), 1u);
+    EXPECT_TRUE(findWord(pages[0], "Grand"));
+    EXPECT_TRUE(findWord(pages[0], "11,171,110.41"));
+    for (const PdfWord &word : pages[0]) {
+        EXPECT_GE(word.left, 20 - 0.5) << qPrintable(word.text);
+        EXPECT_LE(word.right, 595.3 - 20 + 0.5) << qPrintable(word.text);
+    }
 }
 
 } // namespace
