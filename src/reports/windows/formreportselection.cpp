@@ -70,6 +70,8 @@ void formReportSelection::FormBuild(classDialog &dialog)
     dialog.Control(gridName).Move(120, 120, 11280, 2400);
     table.setSingleSelection(true);
     table.setSorting(false);
+    // A click on a choice opens its list.
+    table.setDirectEdit(true);
     const auto hidden = [](int width) {
         GridColumnOptions options;
         options.widthTwips = width;
