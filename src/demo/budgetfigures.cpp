@@ -63,7 +63,9 @@ void addLineItems(District &district, std::uint64_t seed)
         SeededRandom random = streamFor(seed, QLatin1String("lines ") + spec.code);
         const Currency planned = active.figures[index].proposedBudget;
         const std::int64_t average = (spec.lowDollars + spec.highDollars) / 2;
-        const int count = int(std::clamp<std::int64_t>(planned.raw() / (average * Dollar), 3, 25));
+        // As many positions as the planned amount pays for, so the lines stay near the plan.
+        const int count =
+            int(std::clamp<std::int64_t>((planned.raw() + average * Dollar / 2) / (average * Dollar), 3, 250));
         Currency total;
         for (int number = 1; number <= count; ++number) {
             const Currency amount = dollars(random.uniform(spec.lowDollars, spec.highDollars));
@@ -110,6 +112,7 @@ void addBudgetFigures(District &district, std::uint64_t seed)
 {
     addProposals(district, seed);
     addLineItems(district, seed);
+    balanceGeneralFund(district, seed);
     addFundBalances(district, seed);
     addTowns(district, seed);
 }

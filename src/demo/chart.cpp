@@ -91,6 +91,7 @@ constexpr FolderSpec folderTable[] = {
 };
 
 constexpr RevenueSpec revenueTable[] = {
+    {"A", "A0599", "Appropriated Fund Balance", "other", "REV", 1200},
     {"A", "A1001", "Real Property Taxes", "loc.tax", "REV", 31500},
     {"A", "A1081", "Payments in Lieu of Taxes", "loc.tax", "REV", 420},
     {"A", "A1085", "STAR Reimbursement", "loc.tax", "REV", 3900},

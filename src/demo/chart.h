@@ -6,6 +6,12 @@
 // buildings, programs, folders and the account codes they give rise to.
 namespace demo::chart {
 
+// The general fund's real property tax, the line that balances its budgets,
+// and the part of its fund balance it budgets as a revenue. A district has
+// one of each; larger demo districts copy neither.
+constexpr const char *propertyTaxCode = "A1001";
+constexpr const char *fundBalanceCode = "A0599";
+
 struct FundSpec {
     const char *id;
     const char *name;

@@ -235,7 +235,8 @@ private:
         std::vector<int> otherPool;
         for (int i = 0; i < base; ++i) {
             const Account &a = district_.accounts[i];
-            if (a.historical || a.name.size() > maxTemplateName)
+            if (a.historical || a.name.size() > maxTemplateName || a.code == QLatin1String(chart::propertyTaxCode) ||
+                a.code == QLatin1String(chart::fundBalanceCode))
                 continue;
             if (generalExpenditure(a)) {
                 if (a.buildingId != nodes_.value(QStringLiteral("AEB00")))

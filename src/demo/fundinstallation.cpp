@@ -37,11 +37,18 @@ SampleDistrict sampleDistrictOf(const District &district)
     for (const GeneralLedgerAccount &g : district.generalLedger)
         sample.accounts.push_back({.code = g.code, .fundId = g.fundId, .ledger = u'G', .name = g.name});
     // A retired code is gone from the ledgers; that is how year-end finds it retired.
+    // The latest year's transactions add up to the accounts' figures to date,
+    // so the summaries show what the budget's history promises.
+    const FiscalYear &current = district.currentYear();
+    sample.monthsPosted = current.monthsPosted;
     for (const Account &a : district.accounts) {
         if (a.historical)
             continue;
         sample.accounts.push_back({a.code, a.fundId, a.ledger, a.name, a.stateCode, nodeText(a.parentId),
                                    nodeText(a.buildingId), nodeText(a.programId), a.currentBudget});
+        for (const YearFigures &y : a.history)
+            if (y.year == current.year)
+                sample.accounts.back().actuals = SampleActuals{y.adjustments, y.actual, y.encumbered};
     }
     for (const Folder &f : district.folders)
         if (f.nodeType == u'B')

@@ -295,10 +295,11 @@ struct Transaction {
 // monthly sums of its account so that the summaries agree with them.
 class TransactionStream {
 public:
-    TransactionStream(const std::vector<SampleAccount> &accounts, int perAccount, QDate fiscalStart, std::uint64_t seed,
-                      std::vector<MonthSums> &sums)
-        : accounts_(accounts), perAccount_(std::max(perAccount, 1)), start_(fiscalStart), random_(seed), sums_(sums),
-          table_(installationTable(QStringLiteral("Transactions")).table), builder_(table_)
+    TransactionStream(const std::vector<SampleAccount> &accounts, int perAccount, QDate fiscalStart, int monthsPosted,
+                      std::uint64_t seed, std::vector<MonthSums> &sums)
+        : accounts_(accounts), perAccount_(std::max(perAccount, 1)), start_(fiscalStart),
+          monthsPosted_(std::clamp(monthsPosted, 2, 12)), lastPostedDay_(start_.addMonths(monthsPosted_).addDays(-1)),
+          random_(seed), sums_(sums), table_(installationTable(QStringLiteral("Transactions")).table), builder_(table_)
     {
         for (const char *name : {"ID", "Ledger ID", "Fund ID", "Account Code", "Trans Date", "Reference Number",
                                  "Reference Text", "Vendor ID", "Description", "Encumbrance Number", "Invoice Number",
@@ -349,8 +350,129 @@ private:
     Currency randomAmount() { return Currency::fromRaw(static_cast<std::int64_t>(1000 + random_() % 499000) * 100); }
     QDate randomDate(int fromMonth)
     {
-        const int month = fromMonth + static_cast<int>(random_() % static_cast<std::uint64_t>(12 - fromMonth));
+        const int month =
+            fromMonth + static_cast<int>(random_() % static_cast<std::uint64_t>(monthsPosted_ - fromMonth));
         return start_.addMonths(month).addDays(static_cast<int>(random_() % 28));
+    }
+
+    // A purchase order placed for the amount; paid (liquidated and paid) unless still outstanding.
+    void addPurchase(std::vector<Transaction> &planned, Currency amount, bool paid)
+    {
+        const QString po = QString::number(++purchaseOrder_).rightJustified(6, u'0');
+        const QDate placed = randomDate(0);
+        const QDate payday = std::min(placed.addDays(static_cast<int>(random_() % 40)), lastPostedDay_);
+        const QString vendor = QStringLiteral("V%1").arg(random_() % 500, 4, 10, QLatin1Char('0'));
+        planned.push_back({QStringLiteral("EP"), placed, amount, amount, QStringLiteral("PE") + po,
+                           QStringLiteral("Purchase order"), vendor, po});
+        if (!paid)
+            return;
+        const QString check = QString::number(++check_);
+        planned.push_back({QStringLiteral("EL"),
+                           payday,
+                           amount,
+                           {},
+                           QStringLiteral("PR") + po,
+                           QStringLiteral("Liquidation"),
+                           vendor,
+                           po});
+        planned.push_back({QStringLiteral("PE"),
+                           payday,
+                           amount,
+                           {},
+                           QStringLiteral("CK") + check,
+                           QStringLiteral("Payment"),
+                           vendor,
+                           po,
+                           QStringLiteral("INV") + po,
+                           check});
+    }
+
+    void addReceipt(std::vector<Transaction> &planned, Currency amount)
+    {
+        const QString receipt = QString::number(++receipt_);
+        planned.push_back({QStringLiteral("RR"),
+                           randomDate(0),
+                           amount,
+                           {},
+                           QStringLiteral("CR") + receipt,
+                           QStringLiteral("Receipt"),
+                           {},
+                           {},
+                           {},
+                           {},
+                           receipt});
+    }
+
+    void addAdjustment(std::vector<Transaction> &planned, Currency amount)
+    {
+        planned.push_back({QStringLiteral("BA"),
+                           randomDate(1),
+                           amount,
+                           {},
+                           QStringLiteral("BA%1").arg(++adjustment_),
+                           QStringLiteral("Budget transfer")});
+    }
+
+    // The total in `count` random parts of whole cents that add up to it exactly.
+    std::vector<Currency> parts(Currency total, int count)
+    {
+        std::vector<std::int64_t> weights;
+        std::int64_t sum = 0;
+        for (int i = 0; i < count; ++i)
+            sum += weights.emplace_back(static_cast<std::int64_t>(1 + random_() % 100));
+        const std::int64_t cents = total.raw() / 100;
+        std::vector<Currency> result;
+        Currency given;
+        for (int i = 0; i + 1 < count; ++i) {
+            const auto share = static_cast<std::int64_t>(static_cast<__int128>(cents) * weights[std::size_t(i)] / sum);
+            result.push_back(Currency::fromRaw(share * 100));
+            given += result.back();
+        }
+        result.push_back(total - given);
+        return result;
+    }
+
+    // Transactions that add up to the account's known figures.
+    void planActuals(const SampleAccount &account, std::vector<Transaction> &planned)
+    {
+        const SampleActuals &figures = *account.actuals;
+        if (!figures.adjustments.isZero())
+            addAdjustment(planned, figures.adjustments);
+        const int room = std::max(1, perAccount_ - static_cast<int>(planned.size()));
+        if (account.ledger == u'R') {
+            if (!figures.actual.isZero())
+                for (const Currency part : parts(figures.actual, room))
+                    addReceipt(planned, part);
+            return;
+        }
+        if (!figures.actual.isZero())
+            for (const Currency part : parts(figures.actual, std::max(1, room / 3)))
+                addPurchase(planned, part, true);
+        if (!figures.encumbered.isZero())
+            addPurchase(planned, figures.encumbered, false);
+    }
+
+    void planRandom(const SampleAccount &account, std::vector<Transaction> &planned)
+    {
+        while (static_cast<int>(planned.size()) < perAccount_) {
+            const int room = perAccount_ - static_cast<int>(planned.size());
+            const Currency amount = randomAmount();
+            if (account.ledger == u'E' && room >= 3) {
+                addPurchase(planned, amount, true);
+            } else if (account.ledger == u'R') {
+                addReceipt(planned, amount);
+            } else if (account.ledger == u'G') {
+                const bool debit = planned.size() % 2 == 0;
+                planned.push_back({debit ? QStringLiteral("DR") : QStringLiteral("CR"),
+                                   randomDate(0),
+                                   amount,
+                                   {},
+                                   QStringLiteral("JE%1").arg(++journal_),
+                                   QStringLiteral("Journal entry")});
+            } else {
+                addAdjustment(planned, amount);
+            }
+        }
     }
 
     // Queues an account's transactions (popped from the back, so pushed newest first).
@@ -373,72 +495,18 @@ private:
                                {},
                                QStringLiteral("OE") + year,
                                QStringLiteral("Adopted budget")});
-        while (static_cast<int>(planned.size()) < perAccount_) {
-            const int room = perAccount_ - static_cast<int>(planned.size());
-            const Currency amount = randomAmount();
-            if (account.ledger == u'E' && room >= 3) {
-                const QString po = QString::number(++purchaseOrder_).rightJustified(6, u'0');
-                const QDate placed = randomDate(0);
-                const QDate paid =
-                    std::min(placed.addDays(static_cast<int>(random_() % 40)), start_.addYears(1).addDays(-1));
-                const QString vendor = QStringLiteral("V%1").arg(random_() % 500, 4, 10, QLatin1Char('0'));
-                const QString check = QString::number(++check_);
-                planned.push_back({QStringLiteral("EP"), placed, amount, amount, QStringLiteral("PE") + po,
-                                   QStringLiteral("Purchase order"), vendor, po});
-                planned.push_back({QStringLiteral("EL"),
-                                   paid,
-                                   amount,
-                                   {},
-                                   QStringLiteral("PR") + po,
-                                   QStringLiteral("Liquidation"),
-                                   vendor,
-                                   po});
-                planned.push_back({QStringLiteral("PE"),
-                                   paid,
-                                   amount,
-                                   {},
-                                   QStringLiteral("CK") + check,
-                                   QStringLiteral("Payment"),
-                                   vendor,
-                                   po,
-                                   QStringLiteral("INV") + po,
-                                   check});
-            } else if (account.ledger == u'R') {
-                const QString receipt = QString::number(++receipt_);
-                planned.push_back({QStringLiteral("RR"),
-                                   randomDate(0),
-                                   amount,
-                                   {},
-                                   QStringLiteral("CR") + receipt,
-                                   QStringLiteral("Receipt"),
-                                   {},
-                                   {},
-                                   {},
-                                   {},
-                                   receipt});
-            } else if (account.ledger == u'G') {
-                const bool debit = planned.size() % 2 == 0;
-                planned.push_back({debit ? QStringLiteral("DR") : QStringLiteral("CR"),
-                                   randomDate(0),
-                                   amount,
-                                   {},
-                                   QStringLiteral("JE%1").arg(++journal_),
-                                   QStringLiteral("Journal entry")});
-            } else {
-                planned.push_back({QStringLiteral("BA"),
-                                   randomDate(1),
-                                   amount,
-                                   {},
-                                   QStringLiteral("BA%1").arg(++adjustment_),
-                                   QStringLiteral("Budget transfer")});
-            }
-        }
+        if (account.actuals && account.ledger != u'G')
+            planActuals(account, planned);
+        else
+            planRandom(account, planned);
         pending_.assign(planned.rbegin(), planned.rend());
     }
 
     const std::vector<SampleAccount> &accounts_;
     int perAccount_;
     QDate start_;
+    int monthsPosted_;
+    QDate lastPostedDay_;
     std::mt19937_64 random_;
     std::vector<MonthSums> &sums_;
     const recman::TableDef &table_;
@@ -562,7 +630,8 @@ int createSampleInstallation(const QString &root, const SampleDistrict &district
             static_cast<int>(std::max<std::int64_t>(1, wanted / static_cast<std::int64_t>(accounts.size())));
         std::vector<MonthSums> sums(accounts.size());
         TransactionStream stream(accounts, perAccount,
-                                 FiscalYearStart(district.firstFiscalMonth, district.years.back()), options.seed, sums);
+                                 FiscalYearStart(district.firstFiscalMonth, district.years.back()),
+                                 district.monthsPosted, options.seed, sums);
         writeTable(fund, QStringLiteral("Transactions"),
                    [&](std::vector<std::uint8_t> &record) { return stream.next(record); });
         writeSummary(fund, "SummaryRevenue", u'R', accounts, sums);

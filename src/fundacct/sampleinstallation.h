@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 // A district as the sample installation needs it; the demo district and the
@@ -21,6 +22,14 @@ struct SampleFund {
     QString elMask{};
 };
 
+// An account's figures of the latest year to date, where the district knows
+// them; its transactions then add up to them exactly.
+struct SampleActuals {
+    Currency adjustments{}; // budget transfers and amendments
+    Currency actual{};      // payments, or revenue received
+    Currency encumbered{};  // purchase orders still outstanding (expenditure only)
+};
+
 struct SampleAccount {
     QString code{}; // begins with the fund ID
     QString fundId{};
@@ -31,6 +40,8 @@ struct SampleAccount {
     QString buildingId{};
     QString programId{};
     Currency budget{}; // the adopted amount: the opening entry of the year
+    // Without them the account gets a few small random transactions.
+    std::optional<SampleActuals> actuals{};
 };
 
 struct SampleDistrict {
@@ -47,6 +58,8 @@ struct SampleDistrict {
     QString sedCode;
     int firstFiscalMonth = 7;
     std::vector<int> years; // fiscal years, oldest first; the last is the latest
+    // Months of the latest year with transactions (2 to 12), from its first month.
+    int monthsPosted = 12;
     std::vector<SampleFund> funds;
     std::vector<SampleAccount> accounts;
     std::vector<std::pair<QString, QString>> buildings; // ID, name

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <optional>
 
 namespace {
 
@@ -23,21 +24,23 @@ mpz_class roundedQuotient(const mpz_class &numerator, const mpz_class &denominat
     return numerator < 0 ? mpz_class(-quotient) : quotient;
 }
 
-// Every figure handed back is bounded by the levy or an assessment, so it fits.
-Currency fromRaw(const mpz_class &raw)
+// The figure as an amount; nothing when it is beyond what an amount holds
+// (a full value or rate of a town at a minute rate, for instance).
+std::optional<Currency> toCurrency(const mpz_class &raw)
 {
-    return Currency::fromRaw(raw.get_si());
+    return raw.fits_slong_p() ? std::optional(Currency::fromRaw(raw.get_si())) : std::nullopt;
 }
 
+// Shares never exceed the levy, which is an amount already.
 Currency fromCents(const mpz_class &cents)
 {
-    return fromRaw(cents * rawPerCent);
+    return Currency::fromRaw(mpz_class(cents * rawPerCent).get_si());
 }
 
-// A raw amount divided by a rate: full value in raw units as numerator / denominator, to the cent.
-Currency fullValueToCent(const mpz_class &numerator, const mpz_class &denominator)
+// A full value in raw units as numerator / denominator, to the cent.
+std::optional<Currency> fullValueToCent(const mpz_class &numerator, const mpz_class &denominator)
 {
-    return fromCents(roundedQuotient(numerator, denominator * rawPerCent));
+    return toCurrency(roundedQuotient(numerator, denominator * rawPerCent) * rawPerCent);
 }
 
 struct ExactTown {
@@ -121,16 +124,28 @@ LevyApportionment apportionLevy(Currency levy, const std::vector<LevyTown> &town
         shares[order[std::size_t(k)]] += 1;
 
     for (std::size_t i = 0; i < exact.size(); ++i) {
-        TownLevyShare town;
-        town.name = towns[i].name;
-        town.fullValue = fullValueToCent(exact[i].assessment * rateUnits, exact[i].rate);
-        town.share = fromCents(shares[i]);
-        town.ratePerThousand = fromRaw(roundedQuotient(shares[i] * perThousand, exact[i].assessment));
-        result.towns.push_back(town);
+        const auto fullValue = fullValueToCent(exact[i].assessment * rateUnits, exact[i].rate);
+        const auto rate = toCurrency(roundedQuotient(shares[i] * perThousand, exact[i].assessment));
+        if (!fullValue || !rate) {
+            result.error = refusal(towns[i], QStringLiteral("a full value or tax rate beyond what an amount holds "
+                                                            "(equalization rate %1, taxable assessment %2)")
+                                                 .arg(towns[i].equalizationRate)
+                                                 .arg(towns[i].taxableAssessment.toDisplayText()));
+            result.towns.clear();
+            return result;
+        }
+        result.towns.push_back({towns[i].name, *fullValue, fromCents(shares[i]), *rate});
     }
     // The total full value is total weight / P in raw units.
     const mpz_class totalFullValue = totalWeight * rateUnits;
-    result.totalFullValue = fullValueToCent(totalFullValue, product);
-    result.fullValueRate = fromRaw(roundedQuotient(levyCents * perThousand * product, totalFullValue));
+    const auto total = fullValueToCent(totalFullValue, product);
+    if (!total) {
+        result.error = QStringLiteral("The levy cannot be apportioned: the total full value of the equalization "
+                                      "districts is beyond what an amount holds.");
+        result.towns.clear();
+        return result;
+    }
+    result.totalFullValue = *total;
+    result.fullValueRate = *toCurrency(roundedQuotient(levyCents * perThousand * product, totalFullValue));
     return result;
 }

@@ -11,7 +11,8 @@
 // What the general fund (fund "A") must raise by the real property tax:
 // its total appropriations less its revenues other than that tax. The
 // appropriated fund balance is one of those revenues: the district budgets it
-// as a revenue code of its own (A599), so it lowers the levy like state aid does.
+// as a revenue code of its own (the state's 599, A0599 in the demo district),
+// so it lowers the levy like state aid does.
 struct TaxLevy {
     Currency appropriations;      // ledger "E"
     Currency otherRevenues;       // ledger "R", every code but the property tax's

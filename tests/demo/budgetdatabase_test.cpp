@@ -1,5 +1,6 @@
 #include "accountsummary.h"
 #include "budgetdatabase.h"
+#include "taxlevy.h"
 #include "testdatabases.h"
 #include "treesummary.h"
 #include "years.h"
@@ -129,6 +130,38 @@ TEST_P(DemoDatabaseTest, FillsTheTablesTheStoresRead)
                      "AccountCodes where AccountCodes.ID = Proposal_GenFund.AcctId and FundID = 'A' and Ledger = 'E' "
                      "and ProposalId = '1'"),
               activeTotal(d, true));
+}
+
+// What the tax report will find: in every proposal and in the current budget
+// the levy the budget needs is the tax line it budgets.
+TEST_P(DemoDatabaseTest, EveryGeneralFundBudgetLeviesWhatItsTaxLineSays)
+{
+    populate();
+    for (const char *proposal : {"1", "2", "3"}) {
+        const QString sides = "select sum(Amount) As Total from ProposalAmount where FundID = 'A' and Ledger = '%1' "
+                              "and ProposalID = '%2'";
+        EXPECT_EQ(amount(sides.arg("E", proposal)), amount(sides.arg("R", proposal))) << proposal;
+        TaxLevy levy;
+        DbError error;
+        ASSERT_TRUE(readProposedTaxLevy(*db(), proposal, {"A1001"}, levy, &error)) << error.text.toStdString();
+        EXPECT_EQ(levy.levy(), levy.propertyTaxBudgeted) << proposal;
+        EXPECT_GT(levy.otherRevenues, Currency()) << proposal;
+    }
+    TaxLevy current;
+    ASSERT_TRUE(readCurrentTaxLevy(*db(), {"A1001"}, current));
+    EXPECT_EQ(current.levy(), current.propertyTaxBudgeted);
+    // The closed years' adopted budgets balance too.
+    for (const char *year : {"2023", "2024"})
+        EXPECT_EQ(
+            amount(
+                QString("select sum(Budgets.CurrentBudget) As Total from Budgets, AccountCodes where AccountCodes.ID "
+                        "= Budgets.AcctId and FundID = 'A' and Ledger = 'E' and YearID = '%1'")
+                    .arg(year)),
+            amount(
+                QString("select sum(Budgets.CurrentBudget) As Total from Budgets, AccountCodes where AccountCodes.ID "
+                        "= Budgets.AcctId and FundID = 'A' and Ledger = 'R' and YearID = '%1'")
+                    .arg(year)))
+            << year;
 }
 
 TEST_P(DemoDatabaseTest, RefusesADatabaseThatAlreadyHoldsData)

@@ -1,10 +1,14 @@
 #include "admincommand.h"
+#include "dataaccesscontrol.h"
 #include "fundinstallation.h"
+#include "installationschema.h"
 
 #include <gtest/gtest.h>
 
 #include <QSet>
 #include <QTemporaryDir>
+
+#include <map>
 
 using namespace demo;
 
@@ -41,6 +45,53 @@ TEST(DemoFundInstallation, CarriesTheLiveAccountsWithNodesTheBuildingsResolve)
     SampleSummary summary;
     ASSERT_EQ(createSampleInstallation(root.path(), sample, {}, message, &summary), 0) << message.toStdString();
     EXPECT_EQ(summary.accounts, qint64(sample.accounts.size()));
+}
+
+// The current year's summaries hold what the district's history says for it:
+// received or paid to date, outstanding encumbrances and adjustments, and
+// nothing after the last posted month.
+TEST(DemoFundInstallation, SummariesHoldTheCurrentYearsFiguresToDate)
+{
+    const District district = makeDistrict();
+    QTemporaryDir root;
+    QString message;
+    ASSERT_EQ(createSampleInstallation(root.path(), sampleDistrictOf(district), {}, message), 0)
+        << message.toStdString();
+    int checked = 0;
+    for (const auto &[table, ledger] : {std::pair{"SummaryRevenue", u'R'}, std::pair{"SummaryExpenditure", u'E'}}) {
+        DataAccessControl summary;
+        summary.setDdfPath(root.path());
+        summary.setFileName(QString::fromLatin1(table));
+        ASSERT_EQ(summary.Open(), 0);
+        for (int s = summary.StepFirst(); s == 0; s = summary.StepNext()) {
+            const QString code = summary.FieldValue(QStringLiteral("Account Code")).toString().trimmed();
+            std::map<QString, Currency> year; // amount name -> the year's sum
+            for (int month = 1; month <= 12; ++month)
+                for (const QString &amount : monthlyAmountNames(ledger)) {
+                    const Currency value = summary.FieldValue(monthlyFieldName(month, amount)).value<Currency>();
+                    year[amount] += value;
+                    if (month == 5 || month == 6)
+                        EXPECT_TRUE(value.isZero()) << code.toStdString() << " posted in month " << month;
+                }
+            const int index = district.accountIndex(code);
+            ASSERT_GE(index, 0) << code.toStdString();
+            const Account &account = district.accounts[std::size_t(index)];
+            const YearFigures &now = account.history.back();
+            ASSERT_EQ(now.year, 2025);
+            SCOPED_TRACE(code.toStdString());
+            EXPECT_EQ(year["Opening Entry"], account.currentBudget);
+            EXPECT_EQ(year["Budget Adjustment"], now.adjustments);
+            if (ledger == u'R') {
+                EXPECT_EQ(year["Revenue Received"], now.actual);
+            } else {
+                EXPECT_EQ(year["Payment Expense"], now.actual);
+                EXPECT_EQ(year["Encum Placed"] - year["Encum Liquidated"], now.encumbered);
+            }
+            ++checked;
+        }
+    }
+    EXPECT_EQ(checked, std::count_if(district.accounts.begin(), district.accounts.end(),
+                                     [](const Account &a) { return !a.historical; }));
 }
 
 namespace {

@@ -88,6 +88,10 @@ TEST(LevyApportionmentTest, UnusableTownsAreRefusedByName)
     const std::string zero = refusal({{"Pawling", money("0"), 0.9}});
     EXPECT_NE(zero.find("\"Pawling\" has a taxable assessment of 0.00"), std::string::npos) << zero;
     EXPECT_NE(refusal({}).find("no equalization districts"), std::string::npos);
+    // A minute rate makes a full value no amount can hold.
+    EXPECT_NE(refusal({{"Dover", money("100"), 0.9}, {"Kent", money("90000000000"), 0.00000001}})
+                  .find("\"Kent\" has a full value or tax rate beyond what an amount holds"),
+              std::string::npos);
 }
 
 // Random districts: the shares add up to the levy to the cent, each is its
