@@ -1,3 +1,4 @@
+#include "customername.h"
 #include "guiapplication.h"
 #include "recordingmessages.h"
 #include "reportcatalog.h"
@@ -263,4 +264,15 @@ TEST_F(PreparationTest, TheComparisonsAndTheGeneratorGetTheirYearsAndColumns)
     EXPECT_EQ(parameter(*definition, "ReportName"), format.name);
     EXPECT_EQ(definition->OpenSubreport("Details")->tableLocation("Summary"),
               format.ledger == u'R' ? "FY2025_SummaryRevenue" : "FY2025_SummaryExpenditure");
+}
+
+TEST(CustomerName, AnOrganisationRecordThatCannotBeOpenedIsSaidUnderKoraFund)
+{
+    ScopedMessages messages;
+    QTemporaryDir empty;
+    EXPECT_EQ(GetCustomerName(empty.path(), empty.path() + "\\FUND"), "");
+    ASSERT_EQ(messages->shown().size(), 1u);
+    EXPECT_EQ(messages->shown().front().error.title, "Kora-Fund");
+    EXPECT_TRUE(messages->shown().front().error.text.startsWith("Cannot initialize system parameters. error:"))
+        << messages->shown().front().error.text.toStdString();
 }

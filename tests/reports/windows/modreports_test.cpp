@@ -1,12 +1,18 @@
+#include "frmreportviewer.h"
+#include "guiapplication.h"
 #include "modreports.h"
 #include "errobject.h"
 #include "recordingmessages.h"
 #include "reportdefinition.h"
 #include "reportdemo.h"
+#include "reportwindowoutput.h"
 
 #include <gtest/gtest.h>
 
 #include <QFileInfo>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPrinter>
 #include <QRegularExpression>
 
 #include <deque>
@@ -200,4 +206,32 @@ TEST_F(ReportProceduresTest, TheListingAndTheGeneratorOfferTheirOwnRowsAndFund)
     EXPECT_FALSE(log.contains("dialog"));
     ASSERT_FALSE(messages->shown().empty());
     EXPECT_EQ(messages->shown().back().error.title, "Report Format");
+}
+
+TEST_F(ReportProceduresTest, TheProgramsOutputShowsTheViewerOrPrintsTheCopies)
+{
+    guiApplication();
+    QMdiArea area;
+    QPrinter printer;
+    const QString pdf = logFolder.filePath("printed.pdf");
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(pdf);
+    ReportWindowOutput output(area, printer, {demo.db().get(), demo.root()});
+    ReportPreparation preparation(demo.environment());
+    ASSERT_TRUE(preparation.readYears());
+    ReportChoices choices;
+    choices.fund = "A";
+    choices.orientation = 2;
+    output.Print(preparation.prepare(ReportKind::Historical, choices), 2);
+    EXPECT_EQ(printer.copyCount(), 2);
+    EXPECT_EQ(printer.pageLayout().orientation(), QPageLayout::Landscape);
+    EXPECT_GT(QFileInfo(pdf).size(), 1000);
+
+    output.Preview(preparation.prepare(ReportKind::TaxRevenue, choices));
+    ASSERT_EQ(area.subWindowList().size(), 1);
+    auto *viewer = qobject_cast<frmReportViewer *>(area.subWindowList().front()->widget());
+    ASSERT_TRUE(viewer);
+    ASSERT_TRUE(viewer->Report());
+    EXPECT_EQ(viewer->Report()->title(), "Analysis of Tax Revenue");
+    EXPECT_TRUE(messages->shown().empty());
 }
