@@ -208,6 +208,7 @@ ReportPreparation::~ReportPreparation() = default;
 
 bool ReportPreparation::fail(const QString &sub, const QString &text)
 {
+    // Filled as a database's error is, so no record-manager wording replaces the report's own.
     error_.setDatabaseError(reportError, sub, text);
     return false;
 }
