@@ -140,7 +140,8 @@ const QStringList &publicBudgetCategories()
 
 const QStringList &reportTypes()
 {
-    static const QStringList types{"Detail", "Summary"};
+    // The definitions print every account under its folders.
+    static const QStringList types{"Detail"};
     return types;
 }
 

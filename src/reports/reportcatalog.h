@@ -38,7 +38,7 @@ ReportRow reportRow(ReportKind kind, const QString &ledger);
 const QStringList &statusOptions();
 // The categories of the public budget report, "All Components" first.
 const QStringList &publicBudgetCategories();
-// The report types offered in the "Report Type" column.
+// The report types offered in the "Report Type" column (passed as RptType).
 const QStringList &reportTypes();
 
 // The report a command-line name stands for ("BudgetStatus", "TaxRevenue", ...),
