@@ -10,9 +10,9 @@ QStringList statusParameters()
             "ProposedYear", "CurBudgetYear", "CompareCode", "RptType",    "Percent",      "RptOption",  "CalenderYear"};
 }
 
-const std::array<ReportSpec, 8> &specs()
+const std::array<ReportInfo, 8> &reportTable()
 {
-    static const std::array<ReportSpec, 8> table{{
+    static const std::array<ReportInfo, 8> table{{
         {ReportKind::Status, "BgtStat.rpt", statusParameters()},
         {ReportKind::TaxRevenue,
          "TaxRev.rpt",
@@ -69,9 +69,9 @@ constexpr NamedReport namedReports[] = {
 
 } // namespace
 
-const ReportSpec &reportSpec(ReportKind kind)
+const ReportInfo &reportInfo(ReportKind kind)
 {
-    return specs()[static_cast<std::size_t>(kind)];
+    return reportTable()[static_cast<std::size_t>(kind)];
 }
 
 QString reportCaption(ReportKind kind, const QString &ledger)

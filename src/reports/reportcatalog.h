@@ -21,14 +21,14 @@ struct ReportRow {
     int orientationFlag = 0;
 };
 
-struct ReportSpec {
+struct ReportInfo {
     ReportKind kind;
     QString file;          // under <installation>/reports/budget/
     QStringList parameters; // the parameter fields the program sets, by name
     bool dialog = true;     // false: the report runs without the selection dialog
 };
 
-const ReportSpec &reportSpec(ReportKind kind);
+const ReportInfo &reportInfo(ReportKind kind);
 
 // The dialog's caption and report row for a report on a ledger ("E" or "R").
 QString reportCaption(ReportKind kind, const QString &ledger);

@@ -236,7 +236,7 @@ const QString &ReportPreparation::customerName()
 std::unique_ptr<ReportDefinition> ReportPreparation::prepare(ReportKind kind, const ReportChoices &choices)
 {
     error_.Clear();
-    const ReportSpec &spec = reportSpec(kind);
+    const ReportInfo &info = reportInfo(kind);
     Run run{kind, choices, procedureOf(kind), choices.ledger == u"R" ? QStringLiteral("R") : QStringLiteral("E"),
             choices.fund.trimmed(), {}, {}, nullptr, {}, {}, {}};
     if (kind == ReportKind::TaxRevenue) {
@@ -279,11 +279,11 @@ std::unique_ptr<ReportDefinition> ReportPreparation::prepare(ReportKind kind, co
     if (kind == ReportKind::TaxRevenue && !taxLevyFormulas(run))
         return nullptr;
 
-    const QString path = findReportDefinition(environment_.rootPath, spec.file);
+    const QString path = findReportDefinition(environment_.rootPath, info.file);
     if (path.isEmpty()) {
         fail(run.sub, QStringLiteral("The report definition %1 is neither in %2/reports/budget nor among the "
                                      "program's reports.")
-                          .arg(spec.file, environment_.rootPath));
+                          .arg(info.file, environment_.rootPath));
         return nullptr;
     }
     QString why;
@@ -330,7 +330,7 @@ bool ReportPreparation::statusValues(Run &run)
 
 void ReportPreparation::applyParameters(Run &run)
 {
-    const QStringList &names = reportSpec(run.kind).parameters;
+    const QStringList &names = reportInfo(run.kind).parameters;
     for (ParameterField &field : run.definition->ParameterFields()) {
         for (const QString &name : names) {
             if (field.Name.compare(name, Qt::CaseInsensitive) == 0 && run.values.contains(name)) {

@@ -30,21 +30,21 @@ TEST(ReportDefinitions, EachLoadsAndTakesExactlyTheParametersItsProcedureSets)
 {
     guiApplication(); // the program's installed copies are found beside the executable
     for (ReportKind kind : allKinds) {
-        const ReportSpec &spec = reportSpec(kind);
-        SCOPED_TRACE(spec.file.toStdString());
-        const QString path = findReportDefinition(QString(), spec.file);
+        const ReportInfo &info = reportInfo(kind);
+        SCOPED_TRACE(info.file.toStdString());
+        const QString path = findReportDefinition(QString(), info.file);
         ASSERT_FALSE(path.isEmpty());
         QString error;
         const auto definition = ReportDefinition::load(path, error);
         ASSERT_TRUE(definition) << error.toStdString();
         // Exact names, spellings included: CalenderYear here, CalendarYear there.
-        EXPECT_EQ(parameterNames(*definition), spec.parameters);
+        EXPECT_EQ(parameterNames(*definition), info.parameters);
         const bool withDetails = kind == ReportKind::Status || kind == ReportKind::VersusProposed ||
                                  kind == ReportKind::Generated;
         EXPECT_EQ(definition->subreportNames().size(), withDetails ? 2 : 0);
     }
-    EXPECT_TRUE(reportSpec(ReportKind::Status).parameters.contains("CalenderYear"));
-    EXPECT_TRUE(reportSpec(ReportKind::Historical).parameters.contains("CalendarYear"));
+    EXPECT_TRUE(reportInfo(ReportKind::Status).parameters.contains("CalenderYear"));
+    EXPECT_TRUE(reportInfo(ReportKind::Historical).parameters.contains("CalendarYear"));
     EXPECT_EQ(reportRow(ReportKind::VersusProposed, "R").name, "Revenue Vs Proposed Budget ");
     EXPECT_EQ(reportCaption(ReportKind::VersusProposed, "E"), "Historical Comparison");
 }
