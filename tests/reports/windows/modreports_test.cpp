@@ -1,11 +1,13 @@
 #include "frmreportviewer.h"
 #include "guiapplication.h"
 #include "modreports.h"
+#include "appglobals.h"
 #include "errobject.h"
 #include "recordingmessages.h"
 #include "reportdefinition.h"
 #include "reportdemo.h"
 #include "reportwindowoutput.h"
+#include "selectiondialog.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +18,7 @@
 #include <QRegularExpression>
 
 #include <deque>
+#include <utility>
 
 namespace {
 
@@ -234,4 +237,21 @@ TEST_F(ReportProceduresTest, TheProgramsOutputShowsTheViewerOrPrintsTheCopies)
     ASSERT_TRUE(viewer->Report());
     EXPECT_EQ(viewer->Report()->title(), "Analysis of Tax Revenue");
     EXPECT_TRUE(messages->shown().empty());
+}
+
+TEST(SelectionDialogAdapter, FillsTheDialogAsTheProceduresAsk)
+{
+    guiApplication();
+    const std::int16_t savedPreview = std::exchange(gintPrintPreview, std::int16_t(1));
+    SelectionDialog dialog;
+    dialog.setOptionFundSelection({{"A", "General Fund"}});
+    dialog.setOptionOptionSelection(statusOptions());
+    dialog.setFrames(true, 3, 2, 2);
+    dialog.AddReport(reportRow(ReportKind::Status, "R"));
+    EXPECT_TRUE(dialog.Preview());
+    EXPECT_EQ(dialog.Copies(), 3);
+    EXPECT_EQ(dialog.Records(), 2);
+    EXPECT_EQ(dialog.Orientation(), 2);
+    EXPECT_EQ(dialog.CloseAction(), 0);
+    gintPrintPreview = savedPreview;
 }
