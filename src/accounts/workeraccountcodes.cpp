@@ -235,7 +235,7 @@ void workerAccountCodes::mwfrmChild_Command(const QString &command)
     } else if (command == u"_Refresh") {
         loadTree(child_->Explorer().SelectedNode());
     } else if (command == u"_Print") {
-        showMessage(QStringLiteral("The account code listing report is not available yet."), QStringLiteral("Print"));
+        printListing();
     }
     if (child_)
         enableCommands();
@@ -512,6 +512,15 @@ void workerAccountCodes::find()
     }
     showMessage(QStringLiteral("No account code or folder matches \"") + lastFind_ + QStringLiteral("\"."),
                 QStringLiteral("Find"));
+}
+
+void workerAccountCodes::printListing()
+{
+    if (!context_.printListing) {
+        showMessage(QStringLiteral("The account code listing report is not available."), QStringLiteral("Print"));
+        return;
+    }
+    context_.printListing(fund_, ledger_, view_);
 }
 
 void workerAccountCodes::editAccountsInGrid()

@@ -29,6 +29,8 @@ struct AccountCodesContext {
     // Opens the grid in which a fund's and ledger's accounts are edited
     // together (state and historical codes, components); returns when it closes.
     std::function<void(const QString &fund, const QString &ledger)> editAccountsInGrid;
+    // Prints the account code listing of a fund, ledger and view (node type).
+    std::function<void(const QString &fund, const QString &ledger, const QString &node)> printListing;
     std::function<int(classDialog &)> runDialog;
 };
 
@@ -80,6 +82,7 @@ private:
     void enableCommands();
     void showMessage(const QString &text, const QString &title = {});
     void editAccountsInGrid();
+    void printListing();
     int runDialog(DialogWorker &worker);
     // Another workstation changed what the command worked on: say so and show the tree as it is now.
     void staleNode(const QString &what, const QString &title);

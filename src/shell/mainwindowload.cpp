@@ -20,12 +20,6 @@ namespace {
 
 QPointer<mdiParent> parentWindow;
 
-void showInvalidCommandLine(long code)
-{
-    messages().errorDialog({1, QStringLiteral("Kora-Budget"),
-                            QStringLiteral("Application called with Invalid Command Line.  (%1)").arg(code), false});
-}
-
 } // namespace
 
 mdiParent *ParentWindow()
@@ -49,31 +43,9 @@ bool MainWindowLoad::Load(const StartupSettings &settings)
         return false;
     loadSharedForms(settings);
 
-    QString root;
-    if (const long code = ParseCommandLine(settings.commandLine, gstrUserID, root); code != 0) {
-        showInvalidCommandLine(code);
+    if (!OpenSession(settings.commandLine))
         return false;
-    }
-    gstrFundPath = root + QStringLiteral("\\FUND");
-    gstrFundDataPath = root + QStringLiteral("\\FUND\\DATA");
-    if (const long code = LoadUser(gstrUserID, gstrUserName); code != 0) {
-        showInvalidCommandLine(code);
-        return false;
-    }
-
-    ReadActiveProposal();
-    ReadBudgetYears();
     addStatusPanels();
-
-    QString message;
-    if (const long code = ReadFundYear(message); code != 0)
-        messages().errorDialog(
-            {4, QStringLiteral("Error returned from Kora-Fund"),
-             QStringLiteral("Cannot find current year. error:%1 %2 Fund Description will not available.")
-                 .arg(QString::number(code), message),
-             false});
-    gstrFundYear = gstrYear;
-    gstrYear = gstrBudgetYearID;
 
     if (const int status = userPrivileges().Load(gstrRootPath, gstrFundPath, gstrUserID); status != 0)
         messages().errorDialog({4, QStringLiteral("Error returned from Kora-Fund"),

@@ -46,6 +46,12 @@ bool folderExists(const QString &path)
     return found && std::filesystem::is_directory(*found, error);
 }
 
+void showInvalidCommandLine(long code)
+{
+    showError(1, QStringLiteral("Kora-Budget"),
+              QStringLiteral("Application called with Invalid Command Line.  (%1)").arg(code));
+}
+
 } // namespace
 
 bool OpenDatabase(const BudgetDbConfig &config)
@@ -188,6 +194,33 @@ QString ProposalName(const QString &proposalId)
     proposal.setAdoConnection(gadoConnection->dbConnection());
     proposal.ProposalItem().ID = proposalId;
     return proposal.Retrieve() ? proposal.ProposalItem().Name.trimmed() : QString();
+}
+
+bool OpenSession(const QString &commandLine)
+{
+    QString root;
+    if (const long code = ParseCommandLine(commandLine, gstrUserID, root); code != 0) {
+        showInvalidCommandLine(code);
+        return false;
+    }
+    gstrFundPath = root + QStringLiteral("\\FUND");
+    gstrFundDataPath = root + QStringLiteral("\\FUND\\DATA");
+    if (const long code = LoadUser(gstrUserID, gstrUserName); code != 0) {
+        showInvalidCommandLine(code);
+        return false;
+    }
+
+    ReadActiveProposal();
+    ReadBudgetYears();
+
+    QString message;
+    if (const long code = ReadFundYear(message); code != 0)
+        showError(4, QStringLiteral("Error returned from Kora-Fund"),
+                  QStringLiteral("Cannot find current year. error:%1 %2 Fund Description will not available.")
+                      .arg(QString::number(code), message));
+    gstrFundYear = gstrYear;
+    gstrYear = gstrBudgetYearID;
+    return true;
 }
 
 void Pause()

@@ -49,5 +49,13 @@ QString ReadDistrictName();
 // The name of the proposal with that ID; empty when it cannot be read.
 QString ProposalName(const QString &proposalId);
 
+// Everything start-up reads once the database is open: the user and root of
+// the command line ("USER ROOT"), the Kora-Fund folders, the active proposal,
+// the budget years and the latest Kora-Fund year (gstrFundYear; gstrYear
+// becomes the budget year). False, after saying why, when the command line or
+// the user is refused; a year or proposal that cannot be read is said and
+// start-up goes on.
+bool OpenSession(const QString &commandLine);
+
 // Busy-waits two seconds.
 void Pause();

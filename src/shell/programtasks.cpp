@@ -1,6 +1,7 @@
 #include "programtasks.h"
 
 #include "adoconnection.h"
+#include "chartpainter.h"
 #include "appglobals.h"
 #include "codechooser.h"
 #include "equalizationwindow.h"
@@ -9,9 +10,11 @@
 #include "installationfunds.h"
 #include "mdiparent.h"
 #include "menusecurity.h"
-#include "messageservice.h"
 #include "modmain.h"
+#include "modreports.h"
 #include "organizationwindow.h"
+#include "reportwindowoutput.h"
+#include "selectiondialog.h"
 #include "systemparameters.h"
 #include "workeraccountcodes.h"
 #include "workeraudittrail.h"
@@ -29,14 +32,7 @@
 // registerReport) under the same name.
 const std::vector<ProgramTask> &programTasks()
 {
-    static const std::vector<ProgramTask> tasks{
-        {TaskKind::Report, "StatusReport", "The status report"},
-        {TaskKind::Report, "HistoricalComparison", "The historical comparison report"},
-        {TaskKind::Report, "VersusBudget", "The versus-budget report"},
-        {TaskKind::Report, "TaxRevenue", "The tax revenue report"},
-        {TaskKind::Report, "PublicBudget", "The public budget report"},
-        {TaskKind::Report, "Chart", "Charts"},
-    };
+    static const std::vector<ProgramTask> tasks{};
     return tasks;
 }
 
@@ -57,11 +53,34 @@ ProposalPanel proposalPanel(mdiParent &frame)
     };
 }
 
-// Stands in for the generator report's printing until that report is written.
-void printGeneratedReportUntilWritten(std::int32_t)
+// The report procedures as the frame runs them: the selection dialog over
+// the frame, the viewer in its area, its printer; charts drawn by Qt Charts.
+modReports reportProcedures(mdiParent &frame)
 {
-    messages().messageBox(
-        {QStringLiteral("Report Format"), QStringLiteral("The generator report is not available yet.")});
+    setChartPainter(paintReportChart);
+    ReportServices services;
+    services.environment = ReportEnvironment::fromAppContext();
+    services.listFunds = readInstallationFunds;
+    services.makeSelection = [&frame] { return std::make_unique<SelectionDialog>(&frame); };
+    services.output = std::make_shared<ReportWindowOutput>(frame.Area(), frame.Printer(),
+                                                           ReportSources{budgetDatabase().get(), gstrRootPath});
+    return modReports(std::move(services));
+}
+
+void registerReports(mdiParent &frame)
+{
+    frame.registerReport(QStringLiteral("StatusReport"),
+                         [&frame](const QString &ledger) { reportProcedures(frame).PrintStatusReport(ledger); });
+    frame.registerReport(QStringLiteral("HistoricalComparison"),
+                         [&frame](const QString &) { reportProcedures(frame).PrintHistoricalReport(); });
+    frame.registerReport(QStringLiteral("VersusBudget"),
+                         [&frame](const QString &ledger) { reportProcedures(frame).PrintVsProposedReport(ledger); });
+    frame.registerReport(QStringLiteral("TaxRevenue"),
+                         [&frame](const QString &) { reportProcedures(frame).PrintTaxRevenueReport(); });
+    frame.registerReport(QStringLiteral("PublicBudget"),
+                         [&frame](const QString &) { reportProcedures(frame).PrintPublicBudgetReport(); });
+    frame.registerReport(QStringLiteral("Chart"),
+                         [&frame](const QString &ledger) { reportProcedures(frame).PrintChart(ledger); });
 }
 } // namespace
 
@@ -70,6 +89,7 @@ void registerProgramTasks(mdiParent &frame)
     for (const ProgramTask &task : programTasks())
         frame.registerUnavailable(task.kind, QLatin1String(task.name), QLatin1String(task.title));
 
+    registerReports(frame);
     QWidget *const parent = &frame;
     frame.registerChildWorker(QStringLiteral("workerAccountCodes"), [&frame] {
         AccountCodesContext context;
@@ -83,13 +103,16 @@ void registerProgramTasks(mdiParent &frame)
                                   {QStringLiteral("FundID"), fund},
                                   {QStringLiteral("LedgerID"), ledger}});
         };
+        context.printListing = [&frame](const QString &fund, const QString &ledger, const QString &node) {
+            reportProcedures(frame).PrintAccountCodeListing(fund, ledger, node);
+        };
         return std::make_unique<workerAccountCodes>(std::move(context));
     });
-    frame.registerChildWorker(QStringLiteral("workerReportGenerator"), [] {
+    frame.registerChildWorker(QStringLiteral("workerReportGenerator"), [&frame] {
         ReportGeneratorContext context;
         context.connection = budgetDatabase();
         context.listFunds = readInstallationFunds;
-        context.printFormat = printGeneratedReportUntilWritten;
+        context.printFormat = [&frame](std::int32_t formatId) { reportProcedures(frame).PrintGeneratedReport(formatId); };
         context.lockToolbar = LockToolbar;
         return std::make_unique<workerReportGenerator>(std::move(context));
     });

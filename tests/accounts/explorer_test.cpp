@@ -106,10 +106,13 @@ TEST_P(ExplorerTest, FundsThatCannotBeReadAreReportedAndTheWindowStillOpens)
     EXPECT_EQ(second.child()->Explorer().NodeCount(), 0);
 }
 
-TEST_P(ExplorerTest, TheAccountGridOpensOnTheShownFundAndLedgerAndTheTreeIsReadAgain)
+TEST_P(ExplorerTest, TheAccountGridAndTheListingOpenOnTheShownFundLedgerAndView)
 {
     AccountCodesContext withGrid = context();
     QStringList opened;
+    withGrid.printListing = [&](const QString &fund, const QString &ledger, const QString &node) {
+        opened << fund + "/" + ledger + "/" + node;
+    };
     withGrid.editAccountsInGrid = [&](const QString &fund, const QString &ledger) {
         opened << fund + "/" + ledger;
         exec("update AccountCodes set AccountName = 'Renamed In Grid' where AccountCode = 'A1010.400'");
@@ -123,6 +126,8 @@ TEST_P(ExplorerTest, TheAccountGridOpensOnTheShownFundAndLedgerAndTheTreeIsReadA
     for (QTreeWidgetItemIterator it(second.child()->Explorer().view()); *it; ++it)
         renamedShown = renamedShown || (*it)->text(0) == "A1010.400  -  Renamed In Grid";
     EXPECT_TRUE(renamedShown) << "what the grid saved shows in the tree";
+    second.mwfrmChild_Command("_Print");
+    EXPECT_EQ(opened, (QStringList{"A/E", "A/E/T"}));
 
     command("Account_Grid");
     EXPECT_EQ(lastMessage(), maintenance + "|Editing accounts in a grid is not available.");
@@ -671,7 +676,7 @@ TEST_P(ExplorerTest, FindSelectsTheNextMatchAndSaysWhenThereIsNone)
     EXPECT_EQ(explorer().SelectedNode(), nodeNamed(code.code));
 
     command("_Print");
-    EXPECT_EQ(lastMessage(), "Print|The account code listing report is not available yet.");
+    EXPECT_EQ(lastMessage(), "Print|The account code listing report is not available.");
 }
 
 KORA_ALL_BACKENDS(ExplorerTest);
