@@ -33,6 +33,7 @@ protected:
 TEST_P(AdoptTest, BringsInADatabaseMadeWithoutTheVersionTable)
 {
     exec("DROP VIEW ProposalAmount");
+    exec("DROP TABLE AuditTrail");
     exec("DROP VIEW SummaryTree");
     exec("DROP VIEW Proposal_GenFund");
     exec("DROP INDEX AccountCodes_Folder");
@@ -82,6 +83,7 @@ TEST_P(AdoptTest, BringsInADatabaseMadeWithoutTheVersionTable)
 TEST_P(AdoptTest, RefusesNamingEachMissingColumnAndWrongType)
 {
     exec("DROP VIEW ProposalAmount");
+    exec("DROP TABLE AuditTrail");
     exec("DROP TABLE KoraSchema");
     exec("ALTER TABLE AccountCodes DROP COLUMN CatCFlag");
     exec("DROP TABLE LnItem");
