@@ -51,8 +51,10 @@ constexpr LineSpec lineSpecs[] = {
     {"A2250.490", "BOCES Special Class Placement %1", 45000, 90000},
 };
 
-// Line items of the active proposal's larger accounts; the proposal's figure
-// for each is the sum of its lines, as forwarding the total would leave it.
+// Line items of the active proposal's larger accounts: as many positions as
+// the planned amount pays for, their drawn salaries scaled to the plan (whole
+// dollars, the last line taking the rounding), so the proposal's figure is the
+// sum of its lines, as forwarding the total would leave it, and stays the plan.
 void addLineItems(District &district, std::uint64_t seed)
 {
     Proposal &active = district.proposals.front();
@@ -63,12 +65,18 @@ void addLineItems(District &district, std::uint64_t seed)
         SeededRandom random = streamFor(seed, QLatin1String("lines ") + spec.code);
         const Currency planned = active.figures[index].proposedBudget;
         const std::int64_t average = (spec.lowDollars + spec.highDollars) / 2;
-        // As many positions as the planned amount pays for, so the lines stay near the plan.
         const int count =
-            int(std::clamp<std::int64_t>((planned.raw() + average * Dollar / 2) / (average * Dollar), 3, 250));
+            int(std::clamp<std::int64_t>((planned.raw() + average * Dollar / 2) / (average * Dollar), 1, 250));
+        std::vector<Currency> drawn;
+        Currency drawnTotal;
+        for (int number = 1; number <= count; ++number) {
+            drawn.push_back(dollars(random.uniform(spec.lowDollars, spec.highDollars)));
+            drawnTotal += drawn.back();
+        }
         Currency total;
         for (int number = 1; number <= count; ++number) {
-            const Currency amount = dollars(random.uniform(spec.lowDollars, spec.highDollars));
+            const Currency amount = number == count ? planned - total
+                                                    : scaled(drawn[number - 1], planned.raw(), drawnTotal.raw(), Dollar);
             district.lineItems.push_back(
                 {spec.code, number, QString(spec.text).arg(number, 2, 10, QChar(u'0')), amount});
             total += amount;
