@@ -380,8 +380,10 @@ int DataAccessControl::Open()
     }
     d.resolvedPath = QString::fromStdString(path->string());
     clearRecord();
-    if (const auto &info = d.file.info(); !info.rolledBack.empty()) {
-        d.set(0, QString::fromStdString(info.rolledBack));
+    // The file is whole again; Message says so for a caller that wants to tell the user.
+    const QString rolledBack = QString::fromStdString(d.file.info().rolledBack);
+    if (!rolledBack.isEmpty()) {
+        d.set(0, rolledBack);
         d.logError();
     }
     if (const auto &info = d.file.info(); info.countMismatch()) {
@@ -394,7 +396,7 @@ int DataAccessControl::Open()
         d.logError();
         return d.status;
     }
-    return d.set(0);
+    return d.set(0, rolledBack);
 }
 
 int DataAccessControl::Close()
