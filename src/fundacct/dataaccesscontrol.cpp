@@ -18,18 +18,6 @@ constexpr int statusFileNotOpen = 3;
 constexpr int statusEndOfFile = 9;
 constexpr int statusFileNotFound = 12;
 
-// What AbortTransaction must put back, newest last.
-struct UndoStep {
-    enum Kind { RemoveInserted, RestoreUpdated, ReinsertDeleted } kind;
-    std::vector<std::uint8_t> before; // record as it was (update, delete)
-    std::vector<std::uint8_t> after;  // record as written (insert, update)
-};
-
-std::vector<std::uint8_t> copyOf(recman::Bytes bytes)
-{
-    return {bytes.begin(), bytes.end()};
-}
-
 // Field names match ignoring ASCII case, as the dictionary's own look-up does.
 char16_t foldedAscii(QChar c)
 {
@@ -93,8 +81,6 @@ struct DataAccessControl::Impl {
 
     // Another process held the file for writing at Open: opened for reading only.
     bool lockedByOther = false;
-    bool inTransaction = false;
-    std::vector<UndoStep> undo;
 
     int set(int code, const QString &text = {})
     {
@@ -180,27 +166,12 @@ struct DataAccessControl::Impl {
         return 0;
     }
 
-    // Finds the record whose bytes equal `record` (through key 0, then duplicates).
-    FileStatus locate(const std::vector<std::uint8_t> &record)
+    // Writes an entry in the error log with the status and message now set.
+    void logError() const
     {
-        const auto key = file.keyValueOf(0, record);
-        FileStatus found = file.getEqual(0, key);
-        while (found == FileStatus::Success && !std::ranges::equal(file.record(), record)) {
-            found = file.getNext(0);
-            if (found == FileStatus::Success && file.keyValueOf(0, file.record()) != key)
-                found = FileStatus::KeyNotFound;
-        }
-        return found;
-    }
-
-    FileStatus undoStep(const UndoStep &step)
-    {
-        if (step.kind == UndoStep::ReinsertDeleted)
-            return file.insert(step.before);
-        const FileStatus found = locate(step.after);
-        if (found != FileStatus::Success)
-            return found;
-        return step.kind == UndoStep::RemoveInserted ? file.erase() : file.update(step.before);
+        clsErrObject log;
+        log.set(status, QStringLiteral("DataAccessControl.Open"), message);
+        log.LogError();
     }
 };
 
@@ -409,6 +380,12 @@ int DataAccessControl::Open()
     }
     d.resolvedPath = QString::fromStdString(path->string());
     clearRecord();
+    // The file is whole again; Message says so for a caller that wants to tell the user.
+    const QString rolledBack = QString::fromStdString(d.file.info().rolledBack);
+    if (!rolledBack.isEmpty()) {
+        d.set(0, rolledBack);
+        d.logError();
+    }
     if (const auto &info = d.file.info(); info.countMismatch()) {
         d.set(StatusRecordCountMismatch,
               QStringLiteral("\"%1\": the file's header counts %2 records but its data pages hold %3; all %3 are "
@@ -416,18 +393,16 @@ int DataAccessControl::Open()
                   .arg(d.resolvedPath)
                   .arg(info.headerRecordCount)
                   .arg(info.recordCount));
-        clsErrObject log;
-        log.set(d.status, QStringLiteral("DataAccessControl.Open"), d.message);
-        log.LogError();
+        d.logError();
         return d.status;
     }
-    return d.set(0);
+    return d.set(0, rolledBack);
 }
 
 int DataAccessControl::Close()
 {
     Impl &d = *impl_;
-    if (d.inTransaction)
+    if (d.file.inGroup())
         AbortTransaction();
     d.file.close();
     d.rows.clear();
@@ -540,10 +515,7 @@ int DataAccessControl::Insert()
     Impl &d = *impl_;
     if (!d.requireWritable())
         return d.status;
-    const FileStatus result = d.file.insert(d.buffer);
-    if (result == FileStatus::Success && d.inTransaction)
-        d.undo.push_back({UndoStep::RemoveInserted, {}, d.buffer});
-    return d.fromFile(result);
+    return d.fromFile(d.file.insert(d.buffer));
 }
 
 int DataAccessControl::Update()
@@ -551,11 +523,7 @@ int DataAccessControl::Update()
     Impl &d = *impl_;
     if (!d.requireWritable())
         return d.status;
-    auto before = copyOf(d.file.record());
-    const FileStatus result = d.file.update(d.buffer);
-    if (result == FileStatus::Success && d.inTransaction)
-        d.undo.push_back({UndoStep::RestoreUpdated, std::move(before), d.buffer});
-    return d.fromFile(result);
+    return d.fromFile(d.file.update(d.buffer));
 }
 
 int DataAccessControl::Delete()
@@ -563,11 +531,7 @@ int DataAccessControl::Delete()
     Impl &d = *impl_;
     if (!d.requireWritable())
         return d.status;
-    auto before = copyOf(d.file.record());
-    const FileStatus result = d.file.erase();
-    if (result == FileStatus::Success && d.inTransaction)
-        d.undo.push_back({UndoStep::ReinsertDeleted, std::move(before), {}});
-    return d.fromFile(result);
+    return d.fromFile(d.file.erase());
 }
 
 // One process owns the files; there is no other holder of a lock to release.
@@ -581,32 +545,15 @@ int DataAccessControl::BeginTransaction()
     Impl &d = *impl_;
     if (!d.requireOpen())
         return d.status;
-    if (d.inTransaction)
-        return d.set(statusInvalidOperation, QStringLiteral("a transaction is already open"));
-    d.inTransaction = true;
-    d.undo.clear();
-    return d.set(0);
+    return d.fromFile(d.file.beginGroup());
 }
 
 int DataAccessControl::Endtransaction()
 {
-    Impl &d = *impl_;
-    if (!d.inTransaction)
-        return d.set(statusInvalidOperation, QStringLiteral("no transaction is open"));
-    d.inTransaction = false;
-    d.undo.clear();
-    return d.set(0);
+    return impl_->fromFile(impl_->file.endGroup());
 }
 
 int DataAccessControl::AbortTransaction()
 {
-    Impl &d = *impl_;
-    if (!d.inTransaction)
-        return d.set(statusInvalidOperation, QStringLiteral("no transaction is open"));
-    d.inTransaction = false;
-    FileStatus result = FileStatus::Success;
-    for (auto step = d.undo.rbegin(); step != d.undo.rend() && result == FileStatus::Success; ++step)
-        result = d.undoStep(*step);
-    d.undo.clear();
-    return d.fromFile(result);
+    return impl_->fromFile(impl_->file.abortGroup());
 }

@@ -124,9 +124,13 @@ public:
     int Update();
     int Delete();
     int Unlock();
-    // A transaction on this control: writes after BeginTransaction are undone,
-    // last first, by AbortTransaction; Endtransaction keeps them. Closing the
-    // file with a transaction open aborts it.
+    // A transaction on this control: writes after BeginTransaction are undone
+    // by AbortTransaction (the file is then as it was at BeginTransaction, read
+    // afresh, with no current record); Endtransaction keeps them. The bytes each
+    // write overwrites are kept in a journal beside the data file, so a
+    // transaction a crash interrupts is rolled back by the next Open (status 0,
+    // Message and the error log say so). Closing the file with a transaction
+    // open aborts it.
     int BeginTransaction();
     int AbortTransaction();
     int Endtransaction();

@@ -33,6 +33,16 @@ bool isEncumbrancePlaced(const TransactionFields &record)
 {
     return columnKey(record) == QStringLiteral("E:EP");
 }
+
+bool isUnbounded(const QString &from, const QString &to)
+{
+    return from == QLatin1String(lowestDateText) && to == QLatin1String(highestDateText);
+}
+
+bool within(const QString &date, const QString &from, const QString &to)
+{
+    return isUnbounded(from, to) || (date >= from && date <= to);
+}
 } // namespace
 
 int transactionQueryKey(TransactionQuery kind)
@@ -71,8 +81,14 @@ QString transactionQueryField(TransactionQuery kind)
 
 bool classObjectTransactions::inPeriod(const QString &date) const
 {
-    const bool unbounded = PeriodStart == QLatin1String(lowestDateText) && PeriodEnd == QLatin1String(highestDateText);
-    return unbounded || (date >= PeriodStart && date <= PeriodEnd);
+    return within(date, PeriodStart, PeriodEnd);
+}
+
+std::pair<QString, QString> classObjectTransactions::periodOf(const KeyRange &range) const
+{
+    if (range.fundYear && isUnbounded(PeriodStart, PeriodEnd) && !FundYearStart.isEmpty() && !FundYearEnd.isEmpty())
+        return {FundYearStart, FundYearEnd};
+    return {PeriodStart, PeriodEnd};
 }
 
 int classObjectTransactions::walkRange(const KeyRange &range, const Visitor &visit)
@@ -81,13 +97,14 @@ int classObjectTransactions::walkRange(const KeyRange &range, const Visitor &vis
     if (!DataBound())
         return notBound();
     DataAccessControl &file = control();
+    const auto [from, to] = periodOf(range);
     file.setIndexNumber(range.key);
     file.clearRecord();
     for (const auto &[field, value] : range.fixed) {
         if (!file.setFieldValue(field, value))
             return fail(file.Status(), file.Message());
     }
-    if (range.dated && !file.setFieldValue(QStringLiteral("Trans Date"), PeriodStart))
+    if (range.dated && !file.setFieldValue(QStringLiteral("Trans Date"), from))
         return fail(file.Status(), file.Message());
     int status = file.GetGreaterOrEqual();
     for (; status == 0; status = file.GetNext()) {
@@ -98,9 +115,9 @@ int classObjectTransactions::walkRange(const KeyRange &range, const Visitor &vis
             break;
         TransactionFields record;
         loadCurrent(record);
-        if (range.dated && !range.fixed.empty() && record.TransDate > PeriodEnd)
+        if (range.dated && !range.fixed.empty() && record.TransDate > to)
             break;
-        if (inPeriod(record.TransDate) && !visit(record))
+        if (within(record.TransDate, from, to) && !visit(record))
             break;
     }
     return done(status);
@@ -269,7 +286,7 @@ int classObjectTransactions::FetchListEncumbrances(std::vector<OpenEncumbrance> 
             list.push_back(current);
     };
     QString bad;
-    const int status = walkRange({4, {}, false}, [&](TransactionFields &record) {
+    const int status = walkRange({4, {}, false, true}, [&](TransactionFields &record) {
         if (record.EncumbranceNumber.isEmpty())
             return true;
         if (record.EncumbranceNumber != current.EncumbranceNumber) {
@@ -323,7 +340,7 @@ int classObjectTransactions::FetchUnique(TransactionQuery kind, const QString &v
 
 int classObjectTransactions::RetrievePONumber(const QString &poNumber)
 {
-    return firstOf({4, {{encumbranceField, ConvertPONumber(poNumber)}}, true}, isEncumbrancePlaced);
+    return firstOf({4, {{encumbranceField, ConvertPONumber(poNumber)}}, true, true}, isEncumbrancePlaced);
 }
 
 int classObjectTransactions::RetrieveAcctRef(const QString &accountCode, const QString &referenceNumber)
@@ -344,17 +361,18 @@ QString classObjectTransactions::ConvertPONumber(const QString &text)
 
 int classObjectTransactions::CalculateOutstandingEncumbranceAmount(const QString &accountCode, Currency &amount)
 {
-    return signedSum({1, {{accountField, accountCode}}, true}, encumbranceSigns, amount);
+    return signedSum({1, {{accountField, accountCode}}, true, true}, encumbranceSigns, amount);
 }
 int classObjectTransactions::Calc_OutEncAmt_byEncNo(const QString &encumbranceNumber, Currency &amount)
 {
-    return signedSum({4, {{encumbranceField, ConvertPONumber(encumbranceNumber)}}, true}, encumbranceSigns, amount);
+    return signedSum({4, {{encumbranceField, ConvertPONumber(encumbranceNumber)}}, true, true}, encumbranceSigns,
+                     amount);
 }
 int classObjectTransactions::CalculateOutstandingAmount(const QString &accountCode, Currency &amount)
 {
-    return signedSum({1, {{accountField, accountCode}}, true}, outstandingSigns, amount);
+    return signedSum({1, {{accountField, accountCode}}, true, true}, outstandingSigns, amount);
 }
 int classObjectTransactions::CalculateUnencBalance(const QString &accountCode, Currency &amount)
 {
-    return signedSum({1, {{accountField, accountCode}}, true}, unencumberedSigns, amount);
+    return signedSum({1, {{accountField, accountCode}}, true, true}, unencumberedSigns, amount);
 }

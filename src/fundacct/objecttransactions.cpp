@@ -4,6 +4,7 @@
 #include "objectfunds.h"
 #include "objectsummary.h"
 #include "objectsysparams.h"
+#include "objectyear.h"
 
 #include <array>
 
@@ -85,6 +86,14 @@ int classObjectTransactions::openCompanions(const QString &ddfPath, const QStrin
     }
     if (!counters_)
         counters_ = std::make_shared<DataAccessControl>();
+    // Without a readable year the sums cover every year, as they always could.
+    classObjectYear year;
+    FundYearStart.clear();
+    FundYearEnd.clear();
+    if (year.Init(ddfPath, installationFolder(ddfPath)) == 0 && year.RetrieveLatestYear() == 0) {
+        FundYearStart = year.FiscalYearStart;
+        FundYearEnd = year.FiscalYearEnd;
+    }
     return bindFundFile(*counters_, ddfPath, installationFolder(ddfPath), countersFile);
 }
 

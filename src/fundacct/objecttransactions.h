@@ -66,6 +66,12 @@ public:
     // The period lists and calculations are limited to (yyyymmdd, inclusive).
     QString PeriodStart = QString::fromLatin1(lowestDateText);
     QString PeriodEnd = QString::fromLatin1(highestDateText);
+    // The Kora-Fund year (yyyymmdd, inclusive), from the latest "Years" record
+    // at Init. Purchase-order numbers start again each year, so the sums and
+    // the encumbrance look-ups cover this year only while the period is left
+    // as it is; a period set, or these cleared, and they cover what the period says.
+    QString FundYearStart;
+    QString FundYearEnd;
 
     // The summary file of a ledger ('R', 'E', 'G'); null before Init or for
     // another letter. Each control keeps its own view of its file: a summary
@@ -166,6 +172,7 @@ private:
         int key = 0;
         std::vector<std::pair<QString, QString>> fixed;
         bool dated = false;
+        bool fundYear = false; // a default period means the fund year
     };
     using Filter = std::function<bool(const TransactionFields &)>;
     // Sees each record of the range in key order; returning false stops the walk.
@@ -185,6 +192,8 @@ private:
     int fail(int status, const QString &why);
     int done(int status);
     bool inPeriod(const QString &date) const;
+    // The dates a range covers: the period, or the fund year (see FundYearStart).
+    std::pair<QString, QString> periodOf(const KeyRange &range) const;
 
     std::map<QChar, std::shared_ptr<DataAccessControl>> summaries_;
     std::shared_ptr<DataAccessControl> counters_;

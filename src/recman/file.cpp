@@ -57,6 +57,7 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
         return fail(Status::InvalidFileName, "no file name given");
     auto impl = std::make_unique<Impl>();
     impl->mode = mode;
+    impl->path = path;
     std::error_code error;
     if (!std::filesystem::exists(path, error))
         return fail(Status::FileNotFound, "file not found: " + path.string());
@@ -69,6 +70,9 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
                     "cannot open " + path.string() + ": " + reason);
     if (mode == OpenMode::ReadWrite && !impl->handle.tryLockExclusive())
         return fail(Status::FileInUse, path.string() + " is open for writing by another process");
+    std::string rolledBack;
+    if (mode == OpenMode::ReadWrite && rollBack(path, rolledBack) == Rollback::Failed)
+        return fail(Status::IoError, rolledBack);
     try {
         // One read of the whole file: records are then taken from memory, and
         // a file changed later by someone else cannot tear the picture.
@@ -80,6 +84,7 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
         attachCollatingSequences(impl->header, *impl->pages);
         auto scan = scanRecords(impl->header, *impl->pages, std::move(image));
         impl->info = describe(impl->header, scan);
+        impl->info.rolledBack = std::move(rolledBack);
         impl->records = std::move(scan.records);
         impl->unusedSlots = std::move(scan.unusedSlots);
         // Key definitions live in info so that indexes can point at them for good.

@@ -55,6 +55,8 @@ struct FileInfo {
     std::uint16_t fileFlags = 0;
     std::vector<KeyDefinition> keys;
     std::vector<std::string> warnings; // oddities found while reading (e.g. count mismatch)
+    // Set when open rolled back a group of writes that never ended: what was done.
+    std::string rolledBack;
 
     bool countMismatch() const { return recordCount != headerRecordCount; }
 };
@@ -103,6 +105,19 @@ public:
     Status insert(Bytes record);
     Status erase();
 
+    // A group of writes that a crash cannot tear: after beginGroup, every write
+    // first saves the bytes it overwrites in a journal beside the file (see
+    // journal.h). endGroup keeps the writes and removes the journal; abortGroup
+    // puts the file back as it was at beginGroup and reads it afresh (no
+    // current record). A group still open when the process dies, or when the
+    // File is closed, is rolled back by the next open for writing
+    // (FileInfo::rolledBack says so). On a file opened read-only nothing can be
+    // written, so no journal is kept.
+    Status beginGroup();
+    Status endGroup();
+    Status abortGroup();
+    bool inGroup() const;
+
     struct Impl;
 
 private:
@@ -116,6 +131,8 @@ private:
     Status step(Step which);
     Status positionAt(int key, std::size_t position);
     Status guardedWrite(const std::function<Status(std::string &)> &write);
+    // Puts the file back from its journal and reads it afresh (closes it if that fails).
+    Status rollBackGroup();
 
     std::unique_ptr<Impl> impl_;
     mutable std::string message_;

@@ -1,5 +1,7 @@
 #include "filehandle.h"
 
+#include "journal.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -25,9 +27,10 @@ FileHandle::~FileHandle()
     close();
 }
 
-FileHandle::FileHandle(FileHandle &&other) noexcept : fd_(other.fd_)
+FileHandle::FileHandle(FileHandle &&other) noexcept : fd_(other.fd_), journal_(other.journal_)
 {
     other.fd_ = -1;
+    other.journal_ = nullptr;
 }
 
 FileHandle &FileHandle::operator=(FileHandle &&other) noexcept
@@ -35,7 +38,9 @@ FileHandle &FileHandle::operator=(FileHandle &&other) noexcept
     if (this != &other) {
         close();
         fd_ = other.fd_;
+        journal_ = other.journal_;
         other.fd_ = -1;
+        other.journal_ = nullptr;
     }
     return *this;
 }
@@ -105,6 +110,8 @@ std::string FileHandle::readWhole(FileImage &image) const
 
 bool FileHandle::writeAt(std::uint64_t offset, std::span<const std::uint8_t> data)
 {
+    if (journal_ && !journal_->save(*this, offset, data.size()))
+        return false;
     std::size_t done = 0;
     while (done < data.size()) {
         const auto put = ::pwrite(fd_, data.data() + done, data.size() - done, static_cast<off_t>(offset + done));

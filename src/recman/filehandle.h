@@ -10,6 +10,8 @@
 
 namespace recman {
 
+class Journal;
+
 // All bytes of a file, in memory. The buffer is not zeroed first: the read
 // fills it.
 class FileImage {
@@ -45,13 +47,16 @@ public:
     // The whole file as it is now; the size is taken once, so a file that grows
     // meanwhile is read to that size and one that shrinks fails the read.
     std::string readWhole(FileImage &image) const;
+    // With a journal set, the bytes about to be overwritten are saved in it first.
     bool writeAt(std::uint64_t offset, std::span<const std::uint8_t> data);
+    void setJournal(Journal *journal) { journal_ = journal; }
     bool sync();
     // Exclusive advisory lock so that two of our own processes never write at once.
     bool tryLockExclusive();
 
 private:
     int fd_ = -1;
+    Journal *journal_ = nullptr;
 };
 
 // Makes a rename or create durable by syncing the directory that holds it.

@@ -4,6 +4,7 @@
 #include "file.h"
 #include "filehandle.h"
 #include "header.h"
+#include "journal.h"
 #include "keyindex.h"
 #include "pagemap.h"
 #include "recordstore.h"
@@ -16,7 +17,11 @@ namespace recman {
 
 struct File::Impl {
     FileHandle handle;
+    std::filesystem::path path;
     OpenMode mode = OpenMode::ReadOnly;
+    // A group of writes is open (beginGroup); its journal when the file is writable.
+    bool inGroup = false;
+    std::unique_ptr<Journal> journal;
     FileHeader header;
     std::unique_ptr<PageMap> pages;
     RecordStore records;

@@ -16,6 +16,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -174,6 +175,36 @@ TEST_F(LiveFileTest, AFileAnotherProcessHoldsForWritingIsReadButNotWritten)
     ::waitpid(child, nullptr, 0);
     for (int fd : {ready[0], ready[1], release[0], release[1]})
         ::close(fd);
+}
+
+TEST_F(LiveFileTest, ATransactionCutShortByACrashIsRolledBackAtTheNextOpen)
+{
+    const QByteArray before = bytesOf(QStringLiteral("building.btr"));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        DataAccessControl control;
+        bool ok = open(control, QStringLiteral("Buildings")) == 0 && control.BeginTransaction() == 0;
+        for (int status = ok ? control.StepFirst() : 1; ok && status == 0; status = control.StepNext())
+            ok = control.setFieldValue(QStringLiteral("Name"), QStringLiteral("Zeroed")) && control.Update() == 0;
+        control.clearRecord();
+        control.setFieldValue(QStringLiteral("Building ID"), QStringLiteral("77"));
+        if (ok && control.Insert() == 0 && control.GetEqual() == 0 && control.Delete() == 0)
+            ::kill(::getpid(), SIGKILL);
+        ::_exit(1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the child's writes failed";
+    ASSERT_NE(bytesOf(QStringLiteral("building.btr")), before);
+
+    DataAccessControl control;
+    ASSERT_EQ(open(control, QStringLiteral("Buildings")), 0) << control.Message().toStdString();
+    EXPECT_EQ(bytesOf(QStringLiteral("building.btr")), before);
+    EXPECT_TRUE(control.Message().contains(QStringLiteral("rolled back"))) << control.Message().toStdString();
+    EXPECT_TRUE(errorLog().contains(QStringLiteral("building.btr.kbj"))) << errorLog().toStdString();
+    control.setFieldValue(QStringLiteral("Building ID"), QStringLiteral("01"));
+    ASSERT_EQ(control.GetEqual(), 0);
+    EXPECT_EQ(control.FieldValue(QStringLiteral("Name")).toString(), QStringLiteral("Lakeview Elementary"));
 }
 
 TEST_F(LiveFileTest, FieldsTheDictionaryLacksAreNamedOnceAndTheRestStillWorks)

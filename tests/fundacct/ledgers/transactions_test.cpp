@@ -259,6 +259,68 @@ TEST_F(TransactionsTest, PurchaseOrdersReferencesAndOutstandingEncumbrances)
     EXPECT_EQ(outstanding, expected);
 }
 
+TEST_F(TransactionsTest, SumsAndOrderLookUpsKeepToTheFundYearUnlessToldOtherwise)
+{
+    classObjectTransactions transactions;
+    init(transactions);
+    ASSERT_EQ(transactions.FundYearStart, QStringLiteral("20240701"));
+    ASSERT_EQ(transactions.FundYearEnd, QStringLiteral("20250630"));
+    const TransactionFields po = firstPurchaseOrder(transactions);
+    // Order 000777 placed last year and partly liquidated; the same number again this year.
+    const auto post = [&](const char *date, const char *column, const char *value) {
+        transactions.Clear();
+        transactions.LedgerID = QStringLiteral("E");
+        transactions.AccountCode = po.AccountCode;
+        transactions.TransDate = QString::fromLatin1(date);
+        transactions.EncumbranceNumber = QStringLiteral("000777");
+        transactions.VendorID = QStringLiteral("V0001");
+        transactions.ColumnID = QString::fromLatin1(column);
+        transactions.Amount1 = QString::fromLatin1(value);
+        ASSERT_EQ(transactions.Add(), 0) << transactions.ErrorMsg().toStdString();
+    };
+    post("20240315", "EP", "900.00");
+    post("20240410", "EL", "250.00");
+    post("20250201", "EP", "800.00");
+    post("20250301", "EL", "300.00");
+    const int thisYearsOrder = transactions.ID - 1;
+
+    const auto outstanding = [&](Currency &byOrder, Currency &byAccount, std::vector<OpenEncumbrance> &open) {
+        open.clear();
+        ASSERT_EQ(transactions.Calc_OutEncAmt_byEncNo(QStringLiteral("PE777"), byOrder), 0);
+        ASSERT_EQ(transactions.CalculateOutstandingEncumbranceAmount(po.AccountCode, byAccount), 0);
+        ASSERT_EQ(transactions.FetchListEncumbrances(open), 0);
+    };
+    Currency byOrder, byAccount;
+    std::vector<OpenEncumbrance> open;
+    outstanding(byOrder, byAccount, open);
+    EXPECT_EQ(byOrder, Currency::fromUnits(500));
+    EXPECT_EQ(byAccount, Currency::fromUnits(500));
+    ASSERT_EQ(open.size(), 1u);
+    EXPECT_EQ(open[0].Outstanding, Currency::fromUnits(500));
+    ASSERT_EQ(transactions.RetrievePONumber(QStringLiteral("777")), 0);
+    EXPECT_EQ(transactions.ID, thisYearsOrder);
+
+    // A period chosen is what counts: last year alone.
+    transactions.PeriodStart = QStringLiteral("20230701");
+    transactions.PeriodEnd = QStringLiteral("20240630");
+    outstanding(byOrder, byAccount, open);
+    EXPECT_EQ(byOrder, Currency::fromUnits(650));
+    EXPECT_EQ(byAccount, Currency::fromUnits(650));
+    ASSERT_EQ(open.size(), 1u);
+    EXPECT_EQ(transactions.RetrievePONumber(QStringLiteral("777")), 0);
+    EXPECT_EQ(transactions.TransDate, QStringLiteral("20240315"));
+
+    // Every year, when asked for: the two orders merge.
+    transactions.PeriodStart = QString::fromLatin1(lowestDateText);
+    transactions.PeriodEnd = QString::fromLatin1(highestDateText);
+    transactions.FundYearStart.clear();
+    outstanding(byOrder, byAccount, open);
+    EXPECT_EQ(byOrder, Currency::fromUnits(1150));
+    EXPECT_EQ(byAccount, Currency::fromUnits(1150));
+    ASSERT_EQ(open.size(), 1u);
+    EXPECT_EQ(open[0].Outstanding, Currency::fromUnits(1150));
+}
+
 TEST_F(TransactionsTest, SearchesWalkOnlyTheChosenValuesFundsAndPeriod)
 {
     classObjectTransactions transactions;

@@ -1,0 +1,207 @@
+// Groups of writes: a process killed in the middle of one leaves a journal,
+// and the next open for writing puts the file back byte for byte.
+#include "creator.h"
+#include "file.h"
+#include "journal.h"
+#include "recmantest.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstring>
+#include <functional>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace recman;
+
+namespace {
+
+constexpr std::uint32_t recordLength = 40;
+
+std::vector<std::uint8_t> makeRecord(std::int32_t id, char fill)
+{
+    std::vector<std::uint8_t> record(recordLength, static_cast<std::uint8_t>(fill));
+    std::memcpy(record.data(), &id, 4);
+    return record;
+}
+
+FileSpec idKeyed()
+{
+    FileSpec spec;
+    spec.recordLength = recordLength;
+    KeyDefinition id;
+    id.segments.push_back({0, 0, keyflag::Extended, static_cast<std::uint8_t>(DataType::Integer), 0, 4, 0, {}});
+    spec.keys = {id};
+    return spec;
+}
+
+// In a child process: opens the file for writing, begins a group, makes the
+// writes and is killed before the group ends.
+void killedMidGroup(const std::filesystem::path &path, const std::function<bool(File &)> &writes)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        File file;
+        const bool ok = file.open(path, OpenMode::ReadWrite) == Status::Success &&
+                        file.beginGroup() == Status::Success && writes(file);
+        if (ok)
+            ::kill(::getpid(), SIGKILL);
+        ::_exit(1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the child's writes failed";
+}
+
+bool firstRecordChanged(File &file, char fill)
+{
+    if (file.stepFirst() != Status::Success)
+        return false;
+    std::vector<std::uint8_t> record(file.record().begin(), file.record().end());
+    std::fill(record.begin() + 4, record.end(), static_cast<std::uint8_t>(fill));
+    return file.update(record) == Status::Success;
+}
+
+// Several updates, inserts that grow the file, and a delete.
+bool manyWrites(File &file)
+{
+    for (std::int32_t id = 100; id < 112; ++id)
+        if (file.insert(makeRecord(id, 'n')) != Status::Success)
+            return false;
+    if (!firstRecordChanged(file, 'u') || file.getEqual(0, makeRecord(3, ' ')) != Status::Success)
+        return false;
+    return file.erase() == Status::Success && firstRecordChanged(file, 'v');
+}
+
+class JournalTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::vector<std::vector<std::uint8_t>> records;
+        for (std::int32_t id = 1; id <= 20; ++id)
+            records.push_back(makeRecord(id, 'a'));
+        std::string message;
+        ASSERT_EQ(createFile(path, idKeyed(), records, message), Status::Success) << message;
+        original = recmantest::readBytes(path);
+    }
+
+    void appendToJournal(const std::vector<std::uint8_t> &bytes) const
+    {
+        auto content = recmantest::readBytes(journalPathFor(path));
+        content.insert(content.end(), bytes.begin(), bytes.end());
+        recmantest::writeBytes(journalPathFor(path), content);
+    }
+
+    recmantest::TempDir dir;
+    std::filesystem::path path = dir / "GROUP.BTR";
+    std::vector<std::uint8_t> original;
+};
+
+TEST_F(JournalTest, AGroupKilledMidwayIsRolledBackByTheNextOpenForWriting)
+{
+    killedMidGroup(path, manyWrites);
+    ASSERT_TRUE(std::filesystem::exists(journalPathFor(path)));
+    ASSERT_GT(recmantest::readBytes(path).size(), original.size()) << "the group should have grown the file";
+
+    File reader; // a reader cannot put anything back and leaves the journal alone
+    ASSERT_EQ(reader.open(path), Status::Success) << reader.lastMessage();
+    EXPECT_TRUE(reader.info().rolledBack.empty());
+    reader.close();
+    EXPECT_TRUE(std::filesystem::exists(journalPathFor(path)));
+
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+    EXPECT_NE(file.info().rolledBack.find("rolled back"), std::string::npos) << file.info().rolledBack;
+    EXPECT_EQ(recmantest::readBytes(path), original);
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(path)));
+    EXPECT_EQ(file.info().recordCount, 20u);
+    file.close();
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success);
+    EXPECT_TRUE(file.info().rolledBack.empty());
+}
+
+TEST_F(JournalTest, ATornJournalIsReadUpToItsLastCompleteEntry)
+{
+    // An entry that would blank the control record, cut short or with a
+    // checksum that fails: the crash came while it was written, so its write
+    // never happened and it must not be applied.
+    std::vector<std::uint8_t> blanking(1 + 8 + 4 + 512 + 8, 0);
+    blanking[0] = 1;
+    blanking[9] = 0x00;
+    blanking[10] = 0x02; // length 512 at offset 0
+    for (const std::size_t kept : {blanking.size(), blanking.size() - 3, std::size_t{5}}) {
+        SCOPED_TRACE(kept);
+        std::filesystem::remove(path);
+        recmantest::writeBytes(path, original);
+        killedMidGroup(path, manyWrites);
+        appendToJournal({blanking.begin(), blanking.begin() + static_cast<std::ptrdiff_t>(kept)});
+        File file;
+        ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+        EXPECT_NE(file.info().rolledBack.find("torn"), std::string::npos) << file.info().rolledBack;
+        EXPECT_EQ(recmantest::readBytes(path), original);
+    }
+
+    // Torn while its tag was written: nothing had changed yet.
+    recmantest::writeBytes(journalPathFor(path), {'K', 'O', 'R'});
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+    EXPECT_EQ(recmantest::readBytes(path), original);
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(path)));
+    file.close();
+
+    // Not a journal of ours: refused, named, and nothing touched.
+    recmantest::writeBytes(journalPathFor(path), std::vector<std::uint8_t>(64, 'x'));
+    EXPECT_EQ(file.open(path, OpenMode::ReadWrite), Status::IoError);
+    EXPECT_NE(file.lastMessage().find("GROUP.BTR.kbj"), std::string::npos) << file.lastMessage();
+    EXPECT_EQ(recmantest::readBytes(path), original);
+    EXPECT_TRUE(std::filesystem::exists(journalPathFor(path)));
+}
+
+TEST_F(JournalTest, EndKeepsTheGroupAndAbortPutsTheFileBack)
+{
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success);
+    EXPECT_EQ(file.endGroup(), Status::InvalidOperation);
+    ASSERT_EQ(file.beginGroup(), Status::Success);
+    EXPECT_EQ(file.beginGroup(), Status::InvalidOperation);
+    ASSERT_TRUE(manyWrites(file));
+    ASSERT_EQ(file.abortGroup(), Status::Success) << file.lastMessage();
+    EXPECT_EQ(recmantest::readBytes(path), original);
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(path)));
+    EXPECT_EQ(file.info().recordCount, 20u);
+    ASSERT_EQ(file.getEqual(0, makeRecord(3, ' ')), Status::Success) << "the file is read afresh";
+
+    ASSERT_EQ(file.beginGroup(), Status::Success);
+    ASSERT_TRUE(manyWrites(file));
+    ASSERT_EQ(file.endGroup(), Status::Success) << file.lastMessage();
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(path)));
+    const auto kept = recmantest::readBytes(path);
+    file.close();
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success);
+    EXPECT_EQ(file.info().recordCount, 31u);
+    EXPECT_EQ(recmantest::readBytes(path), kept);
+}
+
+TEST(RecordManagerFileGroups, AnInPlaceUpdateKilledMidGroupIsRolledBack)
+{
+    recmantest::TempDir dir;
+    const auto path = recmantest::writableFixture(dir, "GALTELA.DAT");
+    const auto original = recmantest::readBytes(path);
+    killedMidGroup(path, [](File &file) {
+        for (bool more = file.stepFirst() == Status::Success; more; more = file.stepNext() == Status::Success) {
+            std::vector<std::uint8_t> record(file.record().begin(), file.record().end());
+            record[500] = 'Z';
+            if (file.update(record) != Status::Success)
+                return false;
+        }
+        return true;
+    });
+    ASSERT_NE(recmantest::readBytes(path), original);
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+    EXPECT_FALSE(file.info().rolledBack.empty());
+    EXPECT_EQ(recmantest::readBytes(path), original);
+}
+
+} // namespace
