@@ -21,13 +21,13 @@ struct Measured {
     qreal averageChar = 0;
     std::vector<qreal> chars;   // the table's widths
     std::vector<qreal> figures; // widest shown cell of a number column, 0 for text
+    std::vector<QStringList> headingWords; // of a number column, whose heading wraps at blanks but is never cut
     int deepest = 0;            // the deepest group level, which indents the first column
 };
 
 // The widest shown cell of a number column (bold, as totals are): only the
 // cells within a character of the longest are measured.
-qreal widestFigure(std::size_t column, const std::vector<ReportTable::Row> &rows, const QString &heading,
-                   const QFontMetricsF &bold)
+qreal widestFigure(std::size_t column, const std::vector<ReportTable::Row> &rows, const QFontMetricsF &bold)
 {
     qsizetype longest = 0;
     for (const ReportTable::Row &row : rows)
@@ -36,8 +36,18 @@ qreal widestFigure(std::size_t column, const std::vector<ReportTable::Row> &rows
     for (const ReportTable::Row &row : rows)
         if (row.cells[column].size() >= longest - 1)
             widest = std::max(widest, bold.horizontalAdvance(row.cells[column]));
-    // The heading wraps at blanks, so its longest word sets the least width.
-    for (const QString &word : QString(heading).replace(QLatin1Char('\n'), QLatin1Char(' ')).split(QLatin1Char(' ')))
+    return widest;
+}
+
+// The heading's longest word in bold at `size`: measured at the size it is
+// printed, since text does not scale exactly with its size.
+qreal widestWord(const QStringList &words, qreal size)
+{
+    if (words.isEmpty())
+        return 0;
+    const QFontMetricsF bold = pointMetrics(size, true);
+    qreal widest = 0;
+    for (const QString &word : words)
         widest = std::max(widest, bold.horizontalAdvance(word));
     return widest;
 }
@@ -54,8 +64,12 @@ Measured measure(const ReportTable &table, const std::vector<ReportTable::Kind> 
     for (std::size_t c = 0; c < kinds.size(); ++c) {
         const int chars = c < table.widths.size() && table.widths[c] > 0 ? table.widths[c] : fallbackWidth;
         measured.chars.push_back(chars * measured.averageChar);
-        measured.figures.push_back(isNumericKind(kinds[c]) ? widestFigure(c, rows, table.headings[qsizetype(c)], bold)
-                                                           : 0);
+        const bool numeric = isNumericKind(kinds[c]);
+        measured.figures.push_back(numeric ? widestFigure(c, rows, bold) : 0);
+        measured.headingWords.push_back(numeric ? QString(table.headings[qsizetype(c)])
+                                                      .replace(QLatin1Char('\n'), QLatin1Char(' '))
+                                                      .split(QLatin1Char(' '), Qt::SkipEmptyParts)
+                                                : QStringList());
     }
     return measured;
 }
@@ -91,7 +105,9 @@ ColumnFit fitColumns(const ReportTable &table, const std::vector<ReportTable::Ki
     const std::size_t count = kinds.size();
     const auto natural = [&](const ColumnFit &fit, std::size_t c) {
         const qreal scale = fit.size / referenceSize;
-        return std::max(measured.chars[c], measured.figures[c]) * scale + fit.pad + slack;
+        return std::max(std::max(measured.chars[c], measured.figures[c]) * scale,
+                        widestWord(measured.headingWords[c], fit.size)) +
+               fit.pad + slack;
     };
     // The text a little smaller, then every column in proportion.
     for (qreal size = baseSize; size >= smallestSize; size -= 0.5) {
