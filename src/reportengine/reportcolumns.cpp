@@ -19,36 +19,44 @@ constexpr qreal slack = 1;          // points, so a measured width is not elided
 // Widths at the reference size, without padding.
 struct Measured {
     qreal averageChar = 0;
-    std::vector<qreal> chars;   // the table's widths
-    std::vector<qreal> figures; // widest shown cell of a number column, 0 for text
-    std::vector<QStringList> headingWords; // of a number column, whose heading wraps at blanks but is never cut
-    int deepest = 0;            // the deepest group level, which indents the first column
+    std::vector<qreal> chars; // the table's widths
+    // Of a number column, what must never be cut: its widest shown cell and
+    // its heading's words (the heading wraps at blanks); nothing for text.
+    std::vector<QStringList> whole;
+    int deepest = 0; // the deepest group level, which indents the first column
 };
 
 // The widest shown cell of a number column (bold, as totals are): only the
 // cells within a character of the longest are measured.
-qreal widestFigure(std::size_t column, const std::vector<ReportTable::Row> &rows, const QFontMetricsF &bold)
+QString widestFigure(std::size_t column, const std::vector<ReportTable::Row> &rows, const QFontMetricsF &bold)
 {
     qsizetype longest = 0;
     for (const ReportTable::Row &row : rows)
         longest = std::max(longest, row.cells[column].size());
     qreal widest = 0;
-    for (const ReportTable::Row &row : rows)
-        if (row.cells[column].size() >= longest - 1)
-            widest = std::max(widest, bold.horizontalAdvance(row.cells[column]));
-    return widest;
+    QString figure;
+    for (const ReportTable::Row &row : rows) {
+        if (row.cells[column].size() < longest - 1)
+            continue;
+        const qreal width = bold.horizontalAdvance(row.cells[column]);
+        if (width > widest) {
+            widest = width;
+            figure = row.cells[column];
+        }
+    }
+    return figure;
 }
 
-// The heading's longest word in bold at `size`: measured at the size it is
+// The widest of `texts` in bold at `size`: measured at the size they are
 // printed, since text does not scale exactly with its size.
-qreal widestWord(const QStringList &words, qreal size)
+qreal widestAt(const QStringList &texts, qreal size)
 {
-    if (words.isEmpty())
+    if (texts.isEmpty())
         return 0;
     const QFontMetricsF bold = pointMetrics(size, true);
     qreal widest = 0;
-    for (const QString &word : words)
-        widest = std::max(widest, bold.horizontalAdvance(word));
+    for (const QString &text : texts)
+        widest = std::max(widest, bold.horizontalAdvance(text));
     return widest;
 }
 
@@ -64,12 +72,14 @@ Measured measure(const ReportTable &table, const std::vector<ReportTable::Kind> 
     for (std::size_t c = 0; c < kinds.size(); ++c) {
         const int chars = c < table.widths.size() && table.widths[c] > 0 ? table.widths[c] : fallbackWidth;
         measured.chars.push_back(chars * measured.averageChar);
-        const bool numeric = isNumericKind(kinds[c]);
-        measured.figures.push_back(numeric ? widestFigure(c, rows, bold) : 0);
-        measured.headingWords.push_back(numeric ? QString(table.headings[qsizetype(c)])
-                                                      .replace(QLatin1Char('\n'), QLatin1Char(' '))
-                                                      .split(QLatin1Char(' '), Qt::SkipEmptyParts)
-                                                : QStringList());
+        QStringList whole;
+        if (isNumericKind(kinds[c])) {
+            whole = QString(table.headings[qsizetype(c)])
+                        .replace(QLatin1Char('\n'), QLatin1Char(' '))
+                        .split(QLatin1Char(' '), Qt::SkipEmptyParts);
+            whole << widestFigure(c, rows, bold);
+        }
+        measured.whole.push_back(whole);
     }
     return measured;
 }
@@ -105,9 +115,7 @@ ColumnFit fitColumns(const ReportTable &table, const std::vector<ReportTable::Ki
     const std::size_t count = kinds.size();
     const auto natural = [&](const ColumnFit &fit, std::size_t c) {
         const qreal scale = fit.size / referenceSize;
-        return std::max(std::max(measured.chars[c], measured.figures[c]) * scale,
-                        widestWord(measured.headingWords[c], fit.size)) +
-               fit.pad + slack;
+        return std::max(measured.chars[c] * scale, widestAt(measured.whole[c], fit.size)) + fit.pad + slack;
     };
     // The text a little smaller, then every column in proportion.
     for (qreal size = baseSize; size >= smallestSize; size -= 0.5) {
