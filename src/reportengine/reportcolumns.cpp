@@ -19,26 +19,44 @@ constexpr qreal slack = 1;          // points, so a measured width is not elided
 // Widths at the reference size, without padding.
 struct Measured {
     qreal averageChar = 0;
-    std::vector<qreal> chars;   // the table's widths
-    std::vector<qreal> figures; // widest shown cell of a number column, 0 for text
-    int deepest = 0;            // the deepest group level, which indents the first column
+    std::vector<qreal> chars; // the table's widths
+    // Of a number column, what must never be cut: its widest shown cell and
+    // its heading's words (the heading wraps at blanks); nothing for text.
+    std::vector<QStringList> whole;
+    int deepest = 0; // the deepest group level, which indents the first column
 };
 
 // The widest shown cell of a number column (bold, as totals are): only the
 // cells within a character of the longest are measured.
-qreal widestFigure(std::size_t column, const std::vector<ReportTable::Row> &rows, const QString &heading,
-                   const QFontMetricsF &bold)
+QString widestFigure(std::size_t column, const std::vector<ReportTable::Row> &rows, const QFontMetricsF &bold)
 {
     qsizetype longest = 0;
     for (const ReportTable::Row &row : rows)
         longest = std::max(longest, row.cells[column].size());
     qreal widest = 0;
-    for (const ReportTable::Row &row : rows)
-        if (row.cells[column].size() >= longest - 1)
-            widest = std::max(widest, bold.horizontalAdvance(row.cells[column]));
-    // The heading wraps at blanks, so its longest word sets the least width.
-    for (const QString &word : QString(heading).replace(QLatin1Char('\n'), QLatin1Char(' ')).split(QLatin1Char(' ')))
-        widest = std::max(widest, bold.horizontalAdvance(word));
+    QString figure;
+    for (const ReportTable::Row &row : rows) {
+        if (row.cells[column].size() < longest - 1)
+            continue;
+        const qreal width = bold.horizontalAdvance(row.cells[column]);
+        if (width > widest) {
+            widest = width;
+            figure = row.cells[column];
+        }
+    }
+    return figure;
+}
+
+// The widest of `texts` in bold at `size`: measured at the size they are
+// printed, since text does not scale exactly with its size.
+qreal widestAt(const QStringList &texts, qreal size)
+{
+    if (texts.isEmpty())
+        return 0;
+    const QFontMetricsF bold = pointMetrics(size, true);
+    qreal widest = 0;
+    for (const QString &text : texts)
+        widest = std::max(widest, bold.horizontalAdvance(text));
     return widest;
 }
 
@@ -54,8 +72,14 @@ Measured measure(const ReportTable &table, const std::vector<ReportTable::Kind> 
     for (std::size_t c = 0; c < kinds.size(); ++c) {
         const int chars = c < table.widths.size() && table.widths[c] > 0 ? table.widths[c] : fallbackWidth;
         measured.chars.push_back(chars * measured.averageChar);
-        measured.figures.push_back(isNumericKind(kinds[c]) ? widestFigure(c, rows, table.headings[qsizetype(c)], bold)
-                                                           : 0);
+        QStringList whole;
+        if (isNumericKind(kinds[c])) {
+            whole = QString(table.headings[qsizetype(c)])
+                        .replace(QLatin1Char('\n'), QLatin1Char(' '))
+                        .split(QLatin1Char(' '), Qt::SkipEmptyParts);
+            whole << widestFigure(c, rows, bold);
+        }
+        measured.whole.push_back(whole);
     }
     return measured;
 }
@@ -91,7 +115,7 @@ ColumnFit fitColumns(const ReportTable &table, const std::vector<ReportTable::Ki
     const std::size_t count = kinds.size();
     const auto natural = [&](const ColumnFit &fit, std::size_t c) {
         const qreal scale = fit.size / referenceSize;
-        return std::max(measured.chars[c], measured.figures[c]) * scale + fit.pad + slack;
+        return std::max(measured.chars[c] * scale, widestAt(measured.whole[c], fit.size)) + fit.pad + slack;
     };
     // The text a little smaller, then every column in proportion.
     for (qreal size = baseSize; size >= smallestSize; size -= 0.5) {

@@ -6,8 +6,10 @@ void DataTable::setColumns(const QStringList &columns)
 {
     columns_ = columns;
     index_.clear();
-    for (int i = 0; i < columns.size(); ++i)
+    for (int i = 0; i < columns.size(); ++i) {
         index_.insert(columns[i].toLower(), i);
+        index_.insert(columns[i], i);
+    }
 }
 
 bool DataTable::indexBy(const QString &name)

@@ -14,7 +14,12 @@ class DataTable {
 public:
     void setColumns(const QStringList &columns);
     // The column's position (any case); -1 when there is none.
-    int column(const QString &name) const { return index_.value(name.toLower(), -1); }
+    // Looked up as written first: formulas mostly spell a column as the source does.
+    int column(const QString &name) const
+    {
+        const auto exact = index_.constFind(name);
+        return exact != index_.cend() ? *exact : index_.value(name.toLower(), -1);
+    }
 
     void addRow(std::vector<ReportValue> row) { rows_.push_back(std::move(row)); }
     const std::vector<std::vector<ReportValue>> &rows() const { return rows_; }

@@ -275,8 +275,11 @@ void ReportPages::Impl::paintHeadings(QPainter &painter) const
     const qreal bottom = titleHeight + headingHeight - 2;
     for (std::size_t c = 0; c < headings.size(); ++c) {
         const QStringList &lines = headings[c];
+        // A figure's heading may reach into the blank before its column rather
+        // than lose letters to the device font's hinting.
+        const qreal room = columns.contentWidth(c) + (isNumericKind(kinds[c]) ? columns.pad / 2 : 0);
         for (qsizetype l = 0; l < lines.size(); ++l) {
-            const QString text = metrics.elidedText(lines[l], Qt::ElideRight, columns.contentWidth(c));
+            const QString text = metrics.elidedText(lines[l], Qt::ElideRight, room);
             const qreal baseline = bottom - metrics.descent() - metrics.lineSpacing() * qreal(lines.size() - 1 - l);
             const qreal x = isNumericKind(kinds[c]) ? columns.contentRight(c) - metrics.horizontalAdvance(text)
                                                     : columns.contentLeft(c);

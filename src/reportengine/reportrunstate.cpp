@@ -137,28 +137,59 @@ bool RunState::readTable(const DefinitionTable &table, const ReportDefinitionDat
     return ok;
 }
 
+bool RunState::sourceIdentity(const DefinitionTable &table, const ReportDefinitionData &own, QString &identity,
+                              QString &error) const
+{
+    identity.clear();
+    switch (table.source) {
+    case DefinitionTable::Source::Sql:
+        if (!substitute(table.sql, own, identity, error))
+            return false;
+        identity.prepend(QStringLiteral("sql\n"));
+        break;
+    case DefinitionTable::Source::Fund:
+        identity = QStringLiteral("fund\n") + table.fundTable.trimmed().toLower();
+        break;
+    case DefinitionTable::Source::Levy:
+        return true;
+    }
+    identity += QStringLiteral("\nkey ") + table.key.toLower();
+    return true;
+}
+
 bool RunState::readLinked(const DefinitionTable &table, const ReportDefinitionData &own, LinkedTable &into,
-                          QString &error) const
+                          QString &error)
 {
     into.definition = &table;
-    if (!readTable(table, own, into.data, error))
-        return false;
     into.single = table.key.isEmpty();
-    if (into.single && into.data.rowCount() > 1) {
+    QString identity;
+    if (!sourceIdentity(table, own, identity, error))
+        return false;
+    if (const auto read = linkedBySource_.constFind(identity); !identity.isEmpty() && read != linkedBySource_.cend()) {
+        into.data = *read;
+        return true;
+    }
+    auto data = std::make_shared<DataTable>();
+    if (!readTable(table, own, *data, error))
+        return false;
+    if (into.single && data->rowCount() > 1) {
         error = QStringLiteral("%1, line %2: table %3 has no key, so it must give one row; it gave %4")
                     .arg(label_)
                     .arg(table.line)
                     .arg(table.name)
-                    .arg(into.data.rowCount());
+                    .arg(data->rowCount());
         return false;
     }
-    if (!into.single && !into.data.indexBy(table.key)) {
+    if (!into.single && !data->indexBy(table.key)) {
         error = QStringLiteral("%1, line %2: table %3 has no column %4 to join by")
                     .arg(label_)
                     .arg(table.line)
                     .arg(table.name, table.key);
         return false;
     }
+    into.data = data;
+    if (!identity.isEmpty())
+        linkedBySource_.insert(identity, into.data);
     return true;
 }
 
@@ -286,12 +317,12 @@ const FolderNode *RunState::folderOf(int row) const
 int RunState::linkedRow(const LinkedTable &table, int row, const RowContext &context) const
 {
     if (table.single)
-        return table.data.rowCount() > 0 ? 0 : -1;
+        return table.data->rowCount() > 0 ? 0 : -1;
     if (row < 0)
         return -1;
     int &linked = table.rowOfMain[row];
     if (linked == -2)
-        linked = table.data.find(context.evaluate(table.definition->link));
+        linked = table.data->find(context.evaluate(table.definition->link));
     return linked;
 }
 
@@ -367,11 +398,11 @@ std::optional<ReportValue> RowContext::formula(const QString &name) const
 
 std::optional<ReportValue> RowContext::linkedField(const LinkedTable &table, const QString &field) const
 {
-    const int column = table.data.column(field);
+    const int column = table.data->column(field);
     if (column < 0)
         return std::nullopt;
     const int row = run_.linkedRow(table, row_, *this);
-    return row < 0 ? ReportValue() : table.data.cell(row, column);
+    return row < 0 ? ReportValue() : table.data->cell(row, column);
 }
 
 std::optional<ReportValue> RowContext::treeField(const QString &field) const

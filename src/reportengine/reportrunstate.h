@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QString>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -18,7 +19,7 @@ struct ReportSources;
 // A table joined to the main rows: a lookup or a subreport's table.
 struct LinkedTable {
     const DefinitionTable *definition = nullptr;
-    DataTable data;
+    std::shared_ptr<const DataTable> data; // shared with every linked table of the run reading the same source
     bool single = false;                // a one-row table, seen from every row
     mutable std::vector<int> rowOfMain; // the linked row per main row; -2 until resolved
 };
@@ -78,8 +79,12 @@ private:
     bool readTable(const DefinitionTable &table, const ReportDefinitionData &own, DataTable &into,
                    QString &error) const;
     bool readLinked(const DefinitionTable &table, const ReportDefinitionData &own, LinkedTable &into,
-                    QString &error) const;
+                    QString &error);
     bool readFolders(QString &error);
+    // What identifies the rows a table reads within this run (its source with the
+    // parameters in place, and its key); "" for a table read anew each time.
+    bool sourceIdentity(const DefinitionTable &table, const ReportDefinitionData &own, QString &identity,
+                        QString &error) const;
     // The SQL text with {?Name} and {@Name} replaced by literals.
     bool substitute(const QString &sql, const ReportDefinitionData &own, QString &out, QString &error) const;
     int linkedRow(const LinkedTable &table, int row, const RowContext &context) const;
@@ -90,6 +95,9 @@ private:
     QString label_;
     DataTable main_;
     std::vector<LinkedTable> lookups_;
+    // Linked tables by source identity: subreports pointed at one Kora-Fund year
+    // table read it once.
+    QHash<QString, std::shared_ptr<const DataTable>> linkedBySource_;
     std::vector<SubreportState> subreports_;
     std::vector<FolderNode> folders_;
     QHash<QString, int> folderById_;

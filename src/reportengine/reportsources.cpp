@@ -103,8 +103,8 @@ bool readSummary(const QString &fundRoot, const QString &dataFolder, const QStri
     }
     const int lastMonth = summary.FirstFiscalMonth <= 1 ? 12 : summary.FirstFiscalMonth - 1;
     const QString through = QStringLiteral("%1-01-00").arg(lastMonth, 2, 10, QLatin1Char('0'));
-    for (const Fields &account : accounts) {
-        static_cast<Fields &>(summary) = account;
+    for (Fields &account : accounts) {
+        static_cast<Fields &>(summary) = std::move(account);
         summary.TransDate = through;
         if (summary.CalcBalance() != 0) {
             error = QStringLiteral("Kora-Fund table %1: %2").arg(table, summary.ErrorMsg());

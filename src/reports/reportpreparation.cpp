@@ -278,6 +278,9 @@ std::unique_ptr<ReportDefinition> ReportPreparation::prepare(ReportKind kind, co
         return nullptr;
     if (kind == ReportKind::TaxRevenue && !taxLevyFormulas(run))
         return nullptr;
+    // The chart takes no district parameter; its page header still names the district.
+    if (kind == ReportKind::Chart)
+        run.formulas.emplace_back(QStringLiteral("District"), quoted(customerName()));
 
     const QString path = findReportDefinition(environment_.rootPath, info.file);
     if (path.isEmpty()) {

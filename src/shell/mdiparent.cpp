@@ -1,6 +1,7 @@
 #include "mdiparent.h"
 
 #include "formabout.h"
+#include "frmreportviewer.h"
 #include "mdichild.h"
 #include "menudefinition.h"
 
@@ -218,12 +219,18 @@ void mdiParent::PrinterSetup()
 void mdiParent::FilePrint()
 {
     QMdiSubWindow *sub = area_->activeSubWindow();
-    auto *child = sub ? qobject_cast<mdiChild *>(sub->widget()) : nullptr;
-    if (!child) {
+    QWidget *window = sub ? sub->widget() : nullptr;
+    if (auto *child = qobject_cast<mdiChild *>(window)) {
+        child->DoPrint();
+        return;
+    }
+    // A report viewer still preparing its report has nothing to print yet.
+    auto *viewer = qobject_cast<frmReportViewer *>(window);
+    if (!viewer || viewer->Waiting()) {
         messages().beep();
         return;
     }
-    child->DoPrint();
+    viewer->Print();
 }
 
 void mdiParent::TileHorizontally()

@@ -259,6 +259,29 @@ TEST_F(ReportPagesTest, AWideTableGivesUpTextNeverFigures)
     EXPECT_FALSE(text.contains("grades kindergarten to six"));
 }
 
+TEST_F(ReportPagesTest, AFiguresHeadingWrapsAtBlanksAndKeepsEveryWordWhole)
+{
+    // Small figures under long words, crowded enough that the text gets smaller.
+    const QStringList headings{"Original\nAppropriation", "Transfers and\nAdjustments", "Outstanding\nEncumbrances",
+                               "Unencumbered\nBalance", "Equalization\nRate 2025", "Increase/\n(Decrease)"};
+    ReportTable table;
+    table.headings = QStringList{"Account Code", "Description"} + headings + headings;
+    table.kinds.assign(table.headings.size(), Kind::Amount);
+    table.kinds[0] = table.kinds[1] = Kind::Text;
+    table.widths.assign(table.headings.size(), 6);
+    table.widths[1] = 30;
+    std::vector<QString> cells{"A1010.400", "Board of Education Contractual"};
+    cells.resize(table.headings.size(), "0.93");
+    table.rows.push_back({RowKind::Detail, 0, false, cells});
+    const auto document = ReportDocument::fromTable(table, {}, setupFor());
+    const std::vector<PdfPage> pages = printed(*document);
+    ASSERT_EQ(pages.size(), 1u);
+    const QString text = pageText(pages[0]);
+    for (const QString &word : {"Appropriation", "Adjustments", "Encumbrances", "Unencumbered", "Equalization",
+                                "(Decrease)", "Transfers", "2025"})
+        EXPECT_EQ(text.count(word), 2) << qPrintable(word) << " is printed whole over both of its columns";
+}
+
 TEST_F(ReportPagesTest, NotesFollowTheGrandTotalAndLandscapeIsLetterTurned)
 {
     ReportPageSetup setup = setupFor(PaperOrientation::Landscape);

@@ -328,6 +328,50 @@ TEST_P(ReportRunTest, TheSubreportReadsTheRePointedKoraFundTableAndTheSelectionN
     EXPECT_EQ(rowStarting(table, "Total Fund A").cells[2], expended.toSqlText());
 }
 
+TEST_P(ReportRunTest, SubreportsOnOneKoraFundTableShareItsRowsAndAnotherTableKeepsItsOwn)
+{
+    QString text = QString::fromLatin1(statusReport);
+    text.replace(QStringLiteral("[group]"), QStringLiteral("[subreport Details - 01]\ntable = Summary\nfund =\n"
+                                                         "link = {Accounts.AccountCode}\n"
+                                                         "formula Col2Amount = {Summary.BudgetAdjustment}\n\n[group]"));
+    text.replace(QStringLiteral("[chart]"), QStringLiteral("[column]\nname = Adjusted\nkind = amount\n"
+                                                         "value = {Details - 01.Col2Amount}\n\n[chart]"));
+    auto definition = files.load(text, QStringLiteral("BgtStat.rpt"));
+    ASSERT_TRUE(definition);
+    for (const char *name : {"FundID", "LedgerID"})
+        definition->setParameter(QString::fromLatin1(name), ReportValue::text(name[0] == 'F' ? "A" : "E"));
+    QString error;
+    ReportDefinition *details = definition->OpenSubreport(QStringLiteral("Details"));
+    ReportDefinition *adjustments = definition->OpenSubreport(QStringLiteral("Details - 01"));
+    ASSERT_TRUE(details->setFormula(QStringLiteral("Col2Amount"), QStringLiteral("{Summary.PaymentExpense}"), error));
+    ASSERT_TRUE(
+        details->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
+    const QStringList codes{"A1010.150", "A2110.120", "A2110.450", "A5510.200"};
+    const QHash<QString, Currency> payments = paymentsInFundFiles();
+
+    // Left without a table, Details - 01 has no rows even though Details has read its year.
+    auto document = run(*definition);
+    ASSERT_TRUE(document);
+    for (const QString &code : codes) {
+        EXPECT_EQ(rowStarting(document->table(), code).cells[2], payments.value(code).toSqlText());
+        EXPECT_EQ(rowStarting(document->table(), code).cells[5], QString()) << code.toStdString();
+    }
+
+    // Pointed at the same year, each subreport takes its own field from the one table.
+    ASSERT_TRUE(
+        adjustments->setTableLocation(QStringLiteral("Summary"), QStringLiteral("FY2025_SummaryExpenditure"), error));
+    document = run(*definition);
+    ASSERT_TRUE(document);
+    const auto adjusted = yearSums(QStringLiteral("SummaryExpenditure"), QStringLiteral("SumExp.btr"),
+                                   {QStringLiteral("Budget Adjustment")});
+    for (const QString &code : codes) {
+        EXPECT_EQ(rowStarting(document->table(), code).cells[2], payments.value(code).toSqlText());
+        EXPECT_EQ(rowStarting(document->table(), code).cells[5], adjusted.value(code).at(0).toSqlText())
+            << code.toStdString();
+    }
+    EXPECT_NE(adjusted.value(QStringLiteral("A2110.450")).at(0), payments.value(QStringLiteral("A2110.450")));
+}
+
 TEST_P(ReportRunTest, KoraFundYearTablesGiveEveryAccountsTotalsForTheWholeYear)
 {
     const QString expenditure = QStringLiteral(R"([report]

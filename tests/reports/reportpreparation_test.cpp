@@ -3,6 +3,7 @@
 #include "recordingmessages.h"
 #include "reportcatalog.h"
 #include "reportdefinition.h"
+#include "reportdefinitiondata.h"
 #include "reportdemo.h"
 #include "treesummary.h"
 
@@ -264,6 +265,19 @@ TEST_F(PreparationTest, TheComparisonsAndTheGeneratorGetTheirYearsAndColumns)
     EXPECT_EQ(parameter(*definition, "ReportName"), format.name);
     EXPECT_EQ(definition->OpenSubreport("Details")->tableLocation("Summary"),
               format.ledger == u'R' ? "FY2025_SummaryRevenue" : "FY2025_SummaryExpenditure");
+}
+
+TEST_F(PreparationTest, TheChartsPageHeaderNamesTheDistrictWithoutADistrictParameter)
+{
+    ReportChoices choices;
+    choices.ledger = "R";
+    const auto definition = prepare(ReportKind::Chart, choices);
+    ASSERT_TRUE(definition) << error.toStdString();
+    EXPECT_EQ(parameter(*definition, "CustomerName"), "<none>");
+    const DefinitionFormula *district = definition->data().formula("District");
+    ASSERT_TRUE(district);
+    EXPECT_EQ(district->text, "'" + demo.district().organisation.reportName + "'");
+    EXPECT_EQ(parameter(*definition, "Ledger"), "R");
 }
 
 TEST(CustomerName, AnOrganisationRecordThatCannotBeOpenedIsSaidUnderKoraFund)

@@ -4,9 +4,11 @@
 #include "formcomplexsorting.h"
 #include "formerrordialog.h"
 #include "formerrorlog.h"
+#include "frmreportviewer.h"
 #include "mdichild.h"
 #include "mdiparent.h"
 #include "menudefinition.h"
+#include "viewedreport.h"
 
 #include "guiapplication.h"
 #include "recordingmessages.h"
@@ -14,6 +16,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QPrinter>
 
 #include <gtest/gtest.h>
 
@@ -158,11 +161,38 @@ TEST_F(FrameTest, AChildTaskOpensOnceAndComesForward)
     EXPECT_EQ(created, 2);
 }
 
-TEST_F(FrameTest, PrintWithoutAChildBeeps)
+// One blank page, all a viewer needs to have something to print.
+class BlankReport final : public ViewedReport {
+public:
+    QString title() const override { return QStringLiteral("Budget Status Report"); }
+    QPageLayout pageLayout() const override
+    {
+        return QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Landscape, QMarginsF());
+    }
+    int pageCount() const override { return 1; }
+    void paintPage(int, QPainter &) const override {}
+    bool paint(QPagedPaintDevice &, QString &) const override { return true; }
+    bool write(ReportFormat, const QString &, QString &) const override { return false; }
+};
+
+TEST_F(FrameTest, PrintWithoutAChildBeepsAndAReportViewerPrintsItsReport)
 {
     click("mnuFilePrint");
     ASSERT_EQ(shown->shown().size(), 1u);
     EXPECT_EQ(shown->shown()[0].kind, RecordingMessages::Shown::Kind::Beep);
+
+    auto *viewer = new frmReportViewer; // owned by its sub-window once shown
+    viewer->ShowForm(frame.Area());
+    viewer->showPages(std::make_unique<BlankReport>());
+    QStringList printed;
+    viewer->setPrintConfirm([&](QPrinter &) {
+        printed << viewer->windowTitle();
+        return false; // the print dialog cancelled: nothing reaches a printer
+    });
+    frame.Area().setActiveSubWindow(frame.Area().subWindowList().first());
+    click("mnuFilePrint");
+    EXPECT_EQ(printed, QStringList{"Budget Status Report"});
+    EXPECT_EQ(shown->shown().size(), 1u) << "a viewer's report prints without a beep";
 }
 
 TEST_F(FrameTest, ATaskNotAvailableSaysSoAndItemsWithoutATaskAreDisabled)
