@@ -6,13 +6,12 @@
 // does between its repaints: nothing.
 //   newyear_benchmarks            SQLite (and PostgreSQL when $KORA_BENCH_PG is set)
 #include "benchdatabase.h"
+#include "benchinstallation.h"
 
-#include "fundinstallation.h"
 #include "initnewyear.h"
 
 #include <benchmark/benchmark.h>
 
-#include <QTemporaryDir>
 
 namespace {
 
@@ -21,18 +20,10 @@ constexpr std::int64_t installationTransactions = 200'000;
 
 const QString &installation()
 {
-    static QTemporaryDir folder;
-    static const QString root = [] {
-        QString message;
-        SampleOptions options;
-        options.accounts = installationAccounts;
-        options.transactions = installationTransactions;
-        if (createSampleInstallation(folder.path(), demo::sampleDistrictOf(BenchDatabase::sqlite()->district()),
-                                     options, message) != 0)
-            throw std::runtime_error(message.toStdString());
-        return folder.path();
-    }();
-    return root;
+    SampleOptions options;
+    options.accounts = installationAccounts;
+    options.transactions = installationTransactions;
+    return benchInstallation(options);
 }
 
 QString firstCell(DbConnection &db, const QString &sql)

@@ -6,10 +6,10 @@
 // the first page as the preview paints it.
 //   reports_benchmarks     SQLite (and PostgreSQL when $KORA_BENCH_PG is set)
 #include "benchdatabase.h"
+#include "benchinstallation.h"
 
 #include "appglobals.h"
 #include "chartpainter.h"
-#include "fundinstallation.h"
 #include "reportdefinition.h"
 #include "reportdocument.h"
 #include "reportpreparation.h"
@@ -27,17 +27,9 @@ constexpr int installationAccounts = 20'000;
 
 const QString &installation()
 {
-    static QTemporaryDir folder;
-    static const QString root = [] {
-        QString message;
-        SampleOptions options;
-        options.accounts = installationAccounts;
-        if (createSampleInstallation(folder.path(), demo::sampleDistrictOf(BenchDatabase::sqlite()->district()),
-                                     options, message) != 0)
-            throw std::runtime_error(message.toStdString());
-        return folder.path();
-    }();
-    return root;
+    SampleOptions options;
+    options.accounts = installationAccounts;
+    return benchInstallation(options);
 }
 
 ReportEnvironment environmentOf(BenchDatabase &database)

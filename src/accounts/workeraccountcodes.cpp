@@ -4,11 +4,9 @@
 #include "classdialog.h"
 #include "explorerrules.h"
 #include "folderqueries.h"
-#include "mdichild.h"
 #include "messageservice.h"
 #include "objectfunds.h"
 
-#include <QCoreApplication>
 #include <QMenu>
 #include <QShortcut>
 #include <QSplitter>
@@ -79,7 +77,7 @@ QString ledgerCaption(const QString &ledger)
 } // namespace
 
 workerAccountCodes::workerAccountCodes(AccountCodesContext context, QObject *parent)
-    : ChildWorker(parent), context_(std::move(context))
+    : MdiChildWorker(parent), context_(std::move(context))
 {
     accounts_.setAdoConnection(context_.connection);
     accounts_.setAuditTask(AuditTask::AccountCodes);
@@ -94,20 +92,11 @@ workerAccountCodes::~workerAccountCodes()
 
 void workerAccountCodes::DoMDIChild(QMdiArea &area)
 {
-    child_ = new mdiChild;
-    child_->setWindowTitle(explorerTitle());
-    connect(child_, &mdiChild::Command, this, &workerAccountCodes::mwfrmChild_Command);
-    child_->InitForm();
+    openChild(explorerTitle());
     buildWindow();
     child_->ShowForm(area);
     loadFunds();
     loadTree();
-}
-
-void workerAccountCodes::ShowChild()
-{
-    if (child_)
-        child_->BringToFront();
 }
 
 void workerAccountCodes::buildWindow()
@@ -195,16 +184,8 @@ void workerAccountCodes::readChoices()
     view_ = explorerView(lists.GetSelectedByKey(viewList)).nodeType;
 }
 
-void workerAccountCodes::mwfrmChild_Command(const QString &command)
+void workerAccountCodes::doCommand(const QString &command)
 {
-    if (!child_)
-        return;
-    if (command == u"_Unload") {
-        child_->deleteLater();
-        child_ = nullptr;
-        emit unloaded();
-        return;
-    }
     using Handler = void (workerAccountCodes::*)();
     static const QHash<QString, Handler> handlers{
         {QStringLiteral("Folder_Create"), &workerAccountCodes::createFolder},
@@ -352,10 +333,7 @@ void workerAccountCodes::addFolders(const QString &parentKey, qint64 parentId, b
         if (folders_.contains(folder.ID))
             continue; // a loop in the stored tree: show each folder once
         if (top) {
-            status.setPanelText(statusPanel, QStringLiteral("Loading ") + folder.Name);
-            status.SetProgress(++done);
-            // Let the status bar paint; the user's input waits until the tree is whole.
-            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+            status.ShowStep(statusPanel, QStringLiteral("Loading ") + folder.Name, ++done);
         }
         folders_.insert(folder.ID, folder);
         const QString key = folderKey(folder.ID);

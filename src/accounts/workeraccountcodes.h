@@ -1,15 +1,13 @@
 #pragma once
 
 #include "accountsummary.h"
-#include "childworker.h"
 #include "codechooser.h"
 #include "explorerdialogs.h"
 #include "installationfunds.h"
-#include "mdichild.h"
+#include "mdichildworker.h"
 #include "treesummary.h"
 
 #include <QHash>
-#include <QPointer>
 #include <QString>
 
 #include <functional>
@@ -37,17 +35,14 @@ struct AccountCodesContext {
 // The "Account Code Maintenance" child window: one fund's, ledger's and
 // view's folders in the explorer, the selected folder's content in the grid,
 // and every command that builds and rearranges them.
-class workerAccountCodes : public ChildWorker {
+class workerAccountCodes : public MdiChildWorker {
     Q_OBJECT
 public:
     explicit workerAccountCodes(AccountCodesContext context, QObject *parent = nullptr);
     ~workerAccountCodes() override;
 
     void DoMDIChild(QMdiArea &area) override;
-    void ShowChild() override;
-    void mwfrmChild_Command(const QString &command);
 
-    mdiChild *child() const { return child_; }
     const QString &fund() const { return fund_; }
     const QString &ledger() const { return ledger_; }
     const QString &view() const { return view_; }
@@ -62,6 +57,8 @@ public:
     static std::vector<std::pair<QString, QString>> nodeCommands(const QString &nodeKey);
 
 private:
+    void doCommand(const QString &command) override;
+
     enum class NodeKind { None, Root, Folder, Code };
     static NodeKind kindOf(const QString &key);
     static qint64 idOf(const QString &key);
@@ -110,7 +107,6 @@ private:
     void find();
 
     AccountCodesContext context_;
-    QPointer<mdiChild> child_;
     ClsAccountSummary accounts_;
     clsTreeSummary tree_;
     std::vector<FundEntry> funds_;

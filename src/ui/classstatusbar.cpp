@@ -3,6 +3,7 @@
 #include "twips.h"
 #include "wrappererror.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QLabel>
 #include <QPainter>
@@ -214,6 +215,13 @@ void classStatusbar::SetProgress(int value)
 {
     if (progress_)
         progress_->setValue(std::clamp(value, progress_->minimum(), progress_->maximum()));
+}
+
+void classStatusbar::ShowStep(const QString &key, const QString &text, int done)
+{
+    setPanelText(key, text);
+    SetProgress(done);
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 void classStatusbar::HideProgress()

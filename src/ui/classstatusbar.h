@@ -42,6 +42,9 @@ public:
     // The progress panel, shown at the right while long work runs.
     void ShowProgress(int maximum);
     void SetProgress(int value);
+    // One step of long work: the panel says what is being done, the progress
+    // panel shows `done`, and both are painted; the user's input waits.
+    void ShowStep(const QString &key, const QString &text, int done);
     void HideProgress();
     bool ProgressVisible() const;
     int ProgressValue() const;

@@ -1,9 +1,8 @@
 #include "dataaccesscontrol.h"
-#include "guiapplication.h"
 #include "recordingmessages.h"
 #include "recordobject.h"
 #include "reportdefinition.h"
-#include "reportdemo.h"
+#include "reportdemotest.h"
 #include "reportdocument.h"
 
 #include <gtest/gtest.h>
@@ -42,23 +41,14 @@ Currency proposed(const demo::Account &account, const demo::ProposalFigures &fig
     return figures.proposedBudget;
 }
 
-class ReportFiguresTest : public ::testing::Test {
+class ReportFiguresTest : public ReportDemoTest {
 protected:
-    void SetUp() override
-    {
-        guiApplication();
-        ASSERT_TRUE(demo.problem().isEmpty()) << demo.problem().toStdString();
-    }
-
     std::unique_ptr<ReportDocument> run(ReportKind kind, const ReportChoices &choices)
     {
-        ReportPreparation preparation(demo.environment());
-        EXPECT_TRUE(preparation.readYears());
-        const auto definition = preparation.prepare(kind, choices);
-        EXPECT_TRUE(definition) << preparation.Error().ErrorText().toStdString();
+        const auto definition = prepare(kind, choices);
+        EXPECT_TRUE(definition) << error.toStdString();
         if (!definition)
             return nullptr;
-        QString error;
         auto document = ReportDocument::run(*definition, {demo.db().get(), demo.root()}, error);
         EXPECT_TRUE(document) << error.toStdString();
         return document;
@@ -76,7 +66,6 @@ protected:
         return {};
     }
 
-    ReportDemo &demo = ReportDemo::get();
     ScopedMessages messages;
 };
 

@@ -1,10 +1,9 @@
 #include "customername.h"
-#include "guiapplication.h"
 #include "recordingmessages.h"
 #include "reportcatalog.h"
 #include "reportdefinition.h"
 #include "reportdefinitiondata.h"
-#include "reportdemo.h"
+#include "reportdemotest.h"
 #include "treesummary.h"
 
 #include <QSet>
@@ -80,23 +79,8 @@ TEST(ReportOptions, EachOptionGivesItsNumberAndCompareYears)
     EXPECT_EQ(effectiveCompareCode(choices), "");
 }
 
-class PreparationTest : public ::testing::Test {
+class PreparationTest : public ReportDemoTest {
 protected:
-    void SetUp() override
-    {
-        guiApplication();
-        ASSERT_TRUE(demo.problem().isEmpty()) << demo.problem().toStdString();
-    }
-
-    std::unique_ptr<ReportDefinition> prepare(ReportKind kind, const ReportChoices &choices)
-    {
-        ReportPreparation preparation(demo.environment());
-        EXPECT_TRUE(preparation.readYears()) << preparation.Error().ErrorText().toStdString();
-        auto definition = preparation.prepare(kind, choices);
-        error = preparation.Error().ErrorText();
-        return definition;
-    }
-
     static ReportChoices status(const QString &ledger, int option)
     {
         ReportChoices choices;
@@ -145,9 +129,7 @@ protected:
         return ids;
     }
 
-    ReportDemo &demo = ReportDemo::get();
     ScopedMessages messages;
-    QString error;
 };
 
 TEST_F(PreparationTest, OnlyOptionsFourAndFiveRepointTheDetailsAtTheCurrentYearsSummary)

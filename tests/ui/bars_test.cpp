@@ -71,6 +71,9 @@ TEST(Statusbar, PanelsByKeyInTheOrderAsked)
     status.SetProgress(25);
     EXPECT_TRUE(status.ProgressVisible());
     EXPECT_EQ(status.ProgressValue(), 10);
+    status.ShowStep("Date", "Loading 3", 3);
+    EXPECT_EQ(status.PanelText("Date"), "Loading 3");
+    EXPECT_EQ(status.ProgressValue(), 3);
     status.HideProgress();
     EXPECT_FALSE(status.ProgressVisible());
 }

@@ -1,4 +1,5 @@
 #include "mdichild.h"
+#include "mdichildworker.h"
 #include "setwaiting.h"
 
 #include "guiapplication.h"
@@ -193,6 +194,39 @@ TEST_F(ChildTest, ExplorerBoxAndSortLayoutNamesBelongToTheChild)
     EXPECT_FALSE(explorerBox->isVisible());
     shown->Explorer().setVisible(true);
     EXPECT_TRUE(explorerBox->isVisible());
+}
+
+// Keeps the commands that reach it past the base.
+class RecordingWorker : public MdiChildWorker {
+public:
+    QStringList received;
+    void DoMDIChild(QMdiArea &area) override { openChild("Worker").ShowForm(area); }
+
+protected:
+    void doCommand(const QString &command) override { received << command; }
+};
+
+TEST_F(ChildTest, AWorkerHearsItsWindowUntilTheWindowUnloads)
+{
+    QMdiArea area;
+    RecordingWorker worker;
+    bool unloaded = false;
+    QObject::connect(&worker, &ChildWorker::unloaded, [&] { unloaded = true; });
+    worker.ShowChild(); // no window yet: nothing to bring forward
+    worker.DoMDIChild(area);
+    ASSERT_TRUE(worker.child());
+    EXPECT_EQ(worker.child()->windowTitle(), "Worker");
+    emit worker.child()->Command("Find");
+    EXPECT_EQ(worker.received, QStringList{"Find"});
+
+    worker.child()->Unload();
+    EXPECT_TRUE(unloaded);
+    EXPECT_EQ(worker.child(), nullptr);
+    EXPECT_FALSE(worker.received.contains("_Unload"));
+    const qsizetype heard = worker.received.size();
+    worker.mwfrmChild_Command("Find");
+    EXPECT_EQ(worker.received.size(), heard) << "no window, no command";
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 TEST_F(ChildTest, EscapeAndTheCloseBoxSendTheWorkersCloseCommand)

@@ -56,26 +56,17 @@ QString shownTime(const QString &stamp)
 } // namespace
 
 workerAuditTrail::workerAuditTrail(std::shared_ptr<DbConnection> connection, QObject *parent)
-    : ChildWorker(parent), connection_(std::move(connection))
+    : MdiChildWorker(parent), connection_(std::move(connection))
 {
 }
 
 void workerAuditTrail::DoMDIChild(QMdiArea &area)
 {
-    child_ = new mdiChild;
-    child_->setWindowTitle(windowCaption);
-    connect(child_, &mdiChild::Command, this, &workerAuditTrail::mwfrmChild_Command);
-    child_->InitForm();
+    openChild(windowCaption);
     buildWindow();
     child_->ShowForm(area);
     fillChoices();
     showEntries();
-}
-
-void workerAuditTrail::ShowChild()
-{
-    if (child_)
-        child_->BringToFront();
 }
 
 void workerAuditTrail::buildWindow()
@@ -182,15 +173,9 @@ void workerAuditTrail::showEntries()
     child_->Statusbar().setPanelText(statusPanel, QStringLiteral("%1 entries").arg(entries.size()));
 }
 
-void workerAuditTrail::mwfrmChild_Command(const QString &command)
+void workerAuditTrail::doCommand(const QString &command)
 {
-    if (!child_)
-        return;
-    if (command == u"_Unload") {
-        child_->deleteLater();
-        child_ = nullptr;
-        emit unloaded();
-    } else if (command == u"Find" || command == u"_Refresh" || command == userList || command == taskList) {
+    if (command == u"Find" || command == u"_Refresh" || command == userList || command == taskList) {
         showEntries();
     } else if (command == u"Export") {
         child_->DoExport();

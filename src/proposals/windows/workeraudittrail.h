@@ -1,8 +1,7 @@
 #pragma once
 
 #include "audittrail.h"
-#include "childworker.h"
-#include "mdichild.h"
+#include "mdichildworker.h"
 
 #include <QPointer>
 
@@ -14,27 +13,24 @@ class QLineEdit;
 // Utilities › Audit Trail: the changes to the budget figures, newest first,
 // narrowed by account code, user, task and a range of days (UTC), and
 // exported from the grid as CSV or an Excel workbook.
-class workerAuditTrail : public ChildWorker {
+class workerAuditTrail : public MdiChildWorker {
     Q_OBJECT
 public:
     explicit workerAuditTrail(std::shared_ptr<DbConnection> connection, QObject *parent = nullptr);
 
     void DoMDIChild(QMdiArea &area) override;
-    void ShowChild() override;
-    void mwfrmChild_Command(const QString &command);
 
-    mdiChild *child() const { return child_; }
     // What the filter controls say; an unset day reads as an invalid date.
     AuditFilter filter() const;
 
 private:
+    void doCommand(const QString &command) override;
     void buildWindow();
     void addFilterBar();
     void fillChoices();
     void showEntries();
 
     std::shared_ptr<DbConnection> connection_;
-    QPointer<mdiChild> child_;
     QPointer<QLineEdit> accountCode_;
     QPointer<QDateEdit> from_;
     QPointer<QDateEdit> to_;

@@ -2,9 +2,9 @@
 
 #include "appglobals.h"
 #include "classgrid.h"
+#include "gridlistcolumn.h"
 #include "messageservice.h"
 #include "padwidth.h"
-#include "rowlistcolumn.h"
 
 #include <QIntValidator>
 #include <QItemSelectionModel>

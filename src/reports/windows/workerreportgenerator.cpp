@@ -4,8 +4,6 @@
 #include "formreportformat.h"
 #include "messageservice.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 
 namespace {
@@ -42,7 +40,7 @@ GridColumnOptions column(int twips, bool hidden = false)
 } // namespace
 
 workerReportGenerator::workerReportGenerator(ReportGeneratorContext context, QObject *parent)
-    : ChildWorker(parent), context_(std::move(context))
+    : MdiChildWorker(parent), context_(std::move(context))
 {
     generator_.setAdoConnection(context_.connection);
 }
@@ -54,20 +52,10 @@ workerReportGenerator::~workerReportGenerator()
 
 void workerReportGenerator::DoMDIChild(QMdiArea &area)
 {
-    child_ = new mdiChild;
-    child_->setObjectName(QStringLiteral("workerReportGenerator"));
-    child_->setWindowTitle(QStringLiteral("Report Generator"));
-    connect(child_, &mdiChild::Command, this, &workerReportGenerator::mwfrmChild_Command);
-    child_->InitForm();
+    openChild(QStringLiteral("Report Generator")).setObjectName(QStringLiteral("workerReportGenerator"));
     buildWindow();
     child_->ShowForm(area);
     loadList();
-}
-
-void workerReportGenerator::ShowChild()
-{
-    if (child_)
-        child_->BringToFront();
 }
 
 void workerReportGenerator::buildWindow()
@@ -92,15 +80,9 @@ void workerReportGenerator::buildWindow()
     child_->setLoading(false);
 }
 
-void workerReportGenerator::mwfrmChild_Command(const QString &command)
+void workerReportGenerator::doCommand(const QString &command)
 {
-    if (!child_)
-        return;
-    if (command == u"_Unload") {
-        child_->deleteLater();
-        child_ = nullptr;
-        emit unloaded();
-    } else if (command == createKey) {
+    if (command == createKey) {
         openFormat(false);
     } else if (command == editKey) {
         openFormat(true);
@@ -139,10 +121,8 @@ void workerReportGenerator::loadList(std::int32_t reselect)
     status.ShowProgress(int(sorted.size()));
     int loaded = 0;
     for (const clsReportName *name : sorted) {
-        status.setPanelText(statusPanel, QStringLiteral("Loading record ") + QString::number(++loaded));
-        status.SetProgress(loaded);
-        // Let the status bar paint; the user's input waits until the list is whole.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        ++loaded;
+        status.ShowStep(statusPanel, QStringLiteral("Loading record ") + QString::number(loaded), loaded);
         const int row = grid.AddRow();
         grid.SetCell(row, idColumn, QString::number(name->ID));
         grid.SetCell(row, QStringLiteral("Name"), name->Name);

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "childworker.h"
 #include "installationfunds.h"
-#include "mdichild.h"
+#include "mdichildworker.h"
 #include "reportgenerator.h"
-
-#include <QPointer>
 
 #include <cstdint>
 #include <functional>
@@ -29,19 +26,16 @@ struct ReportGeneratorContext {
 
 // The "Report Generator" child window: the user's report formats in a grid,
 // created, edited, deleted and printed from its toolbar.
-class workerReportGenerator : public ChildWorker {
+class workerReportGenerator : public MdiChildWorker {
     Q_OBJECT
 public:
     explicit workerReportGenerator(ReportGeneratorContext context, QObject *parent = nullptr);
     ~workerReportGenerator() override;
 
     void DoMDIChild(QMdiArea &area) override;
-    void ShowChild() override;
-    void mwfrmChild_Command(const QString &command);
-
-    mdiChild *child() const { return child_; }
 
 private:
+    void doCommand(const QString &command) override;
     void buildWindow();
     // Fills the grid from the database, keeping the format `reselect` current when it is still there.
     void loadList(std::int32_t reselect = 0);
@@ -52,6 +46,5 @@ private:
     void printFormat();
 
     ReportGeneratorContext context_;
-    QPointer<mdiChild> child_;
     clsReportGenerator generator_;
 };
