@@ -45,6 +45,7 @@ workerReportGenerator::workerReportGenerator(ReportGeneratorContext context, QOb
     : ChildWorker(parent), context_(std::move(context))
 {
     generator_.setAdoConnection(context_.connection);
+    generator_.setAuditTask(AuditTask::ReportFormats);
 }
 
 workerReportGenerator::~workerReportGenerator()
