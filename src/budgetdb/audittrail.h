@@ -38,6 +38,11 @@ struct AuditedRows {
     std::vector<AuditColumn> columns;
     QString where;   // picks every row the write may touch, before and after it; empty: all
     QString account; // an SQL expression for the row's account code; empty when rows have none
+    // A condition taking in `where`'s rows (and maybe more), shared by the writes of
+    // one save: inside a transaction the caller opened through the store, the rows
+    // it picks are read once before the first write and once at the end, not per
+    // write. Empty: each write's rows are read on their own.
+    QString batch = {};
 };
 
 struct AuditEntry {

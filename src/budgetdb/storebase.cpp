@@ -1,5 +1,28 @@
 #include "storebase.h"
 
+#include <algorithm>
+
+// The rows of a batch (where = the batch's condition) as they stood before its first write.
+struct StoreBase::Batch {
+    AuditedRows rows;
+    QString identity;
+    int transaction = 0; // the openTransactions_ it was opened in
+    AuditTrail::Snapshot before;
+};
+
+namespace {
+
+// Writes share a batch when they read the same rows the same way.
+QString batchIdentity(const AuditedRows &rows)
+{
+    QStringList parts{rows.table, rows.batch, rows.key.join(u','), rows.account};
+    for (const AuditColumn &column : rows.columns)
+        parts << column.name + u':' + QString::number(int(column.kind));
+    return parts.join(u'|');
+}
+
+} // namespace
+
 StoreBase::StoreBase(QString className)
 {
     error_.setErrorCls(std::move(className));
@@ -27,8 +50,10 @@ DbConnection &StoreBase::db()
 bool StoreBase::BeginTransaction()
 {
     DbError error;
-    if (db().BeginTrans(&error))
+    if (db().BeginTrans(&error)) {
+        ++openTransactions_;
         return true;
+    }
     reportDbError(QStringLiteral("BeginTransaction"), error);
     return false;
 }
@@ -36,19 +61,59 @@ bool StoreBase::BeginTransaction()
 bool StoreBase::AbortTransaction()
 {
     DbError error;
-    if (db().RollbackTrans(&error))
-        return true;
-    reportDbError(QStringLiteral("AbortTransaction"), error);
-    return false;
+    const bool undone = db().RollbackTrans(&error);
+    closeTransaction();
+    if (!undone)
+        reportDbError(QStringLiteral("AbortTransaction"), error);
+    return undone;
 }
 
 bool StoreBase::Endtransaction()
 {
+    const QString sub = QStringLiteral("Endtransaction");
     DbError error;
-    if (db().CommitTrans(&error))
-        return true;
-    reportDbError(QStringLiteral("Endtransaction"), error);
-    return false;
+    bool committed = recordBatches(sub);
+    if (!committed)
+        db().RollbackTrans();
+    else if (!(committed = db().CommitTrans(&error)))
+        reportDbError(sub, error);
+    closeTransaction();
+    return committed;
+}
+
+StoreBase::Batch *StoreBase::batchOf(const QString &sub, const AuditedRows &rows)
+{
+    const QString identity = batchIdentity(rows);
+    const auto open = std::find_if(batches_.begin(), batches_.end(),
+                                   [&](const std::unique_ptr<Batch> &batch) { return batch->identity == identity; });
+    if (open != batches_.end())
+        return open->get();
+    auto batch = std::make_unique<Batch>(Batch{rows, identity, openTransactions_, {}});
+    batch->rows.where = rows.batch;
+    DbError error;
+    if (!AuditTrail::snapshot(db(), batch->rows, batch->before, &error)) {
+        reportDbError(sub, error);
+        return nullptr;
+    }
+    batches_.push_back(std::move(batch));
+    return batches_.back().get();
+}
+
+bool StoreBase::recordBatches(const QString &sub)
+{
+    return std::all_of(batches_.begin(), batches_.end(), [&](const std::unique_ptr<Batch> &batch) {
+        return batch->transaction < openTransactions_ || recordChanges(sub, batch->rows, batch->before);
+    });
+}
+
+void StoreBase::closeTransaction()
+{
+    if (openTransactions_ == 0)
+        return;
+    std::erase_if(batches_, [this](const std::unique_ptr<Batch> &batch) {
+        return batch->transaction >= openTransactions_;
+    });
+    --openTransactions_;
 }
 
 void StoreBase::reportDbError(const QString &sub, const DbError &error)
@@ -113,21 +178,27 @@ bool StoreBase::atomicallyAudited(const QString &sub, const AuditedRows &rows, c
 
 bool StoreBase::audited(const QString &sub, const AuditedRows &rows, const std::function<bool()> &write)
 {
+    // In a batch the rows were (or are now) read for the whole save; Endtransaction records it.
+    if (!rows.batch.isEmpty() && openTransactions_ > 0)
+        return batchOf(sub, rows) && write();
     AuditTrail::Snapshot before;
-    AuditTrail::Snapshot after;
     DbError error;
     if (!AuditTrail::snapshot(db(), rows, before, &error)) {
         reportDbError(sub, error);
         return false;
     }
-    if (!write())
-        return false;
-    if (!AuditTrail::snapshot(db(), rows, after, &error) ||
-        !AuditTrail::record(db(), auditTask_, AuditTrail::changes(rows, before, after), &error)) {
-        reportDbError(sub, error);
-        return false;
-    }
-    return true;
+    return write() && recordChanges(sub, rows, before);
+}
+
+bool StoreBase::recordChanges(const QString &sub, const AuditedRows &rows, const AuditTrail::Snapshot &before)
+{
+    AuditTrail::Snapshot after;
+    DbError error;
+    if (AuditTrail::snapshot(db(), rows, after, &error) &&
+        AuditTrail::record(db(), auditTask_, AuditTrail::changes(rows, before, after), &error))
+        return true;
+    reportDbError(sub, error);
+    return false;
 }
 
 bool StoreBase::recordSummary(const QString &sub, const QString &table, const QString &text)

@@ -21,7 +21,11 @@
 // say that callers group them between BeginTransaction and Endtransaction.
 //
 // Every write is recorded in the audit trail inside the same work, under the
-// task the window that owns the store has set (setAuditTask).
+// task the window that owns the store has set (setAuditTask). Writes made in a
+// transaction opened by BeginTransaction whose rows name a `batch` are audited
+// together: their rows read once before the first and once when Endtransaction
+// ends that transaction, the entries inserted before it commits (and dropped
+// with an AbortTransaction).
 class StoreBase {
 public:
     explicit StoreBase(QString className);
@@ -34,7 +38,8 @@ public:
     clsErrObject &Error() { return error_; }
     const clsErrObject &Error() const { return error_; }
 
-    // Nest as DbConnection's transactions do.
+    // Nest as DbConnection's transactions do. A failing Endtransaction has ended
+    // the transaction (rolled back).
     bool BeginTransaction();
     bool AbortTransaction();
     bool Endtransaction();
@@ -107,7 +112,19 @@ protected:
     }
 
 private:
+    struct Batch;
+    // The batch `rows` belong to, opened (its rows read) on first use; null on failure.
+    Batch *batchOf(const QString &sub, const AuditedRows &rows);
+    // Records the batches of the innermost transaction opened by BeginTransaction.
+    bool recordBatches(const QString &sub);
+    // Reads `rows` again and records how they differ from `before`.
+    bool recordChanges(const QString &sub, const AuditedRows &rows, const AuditTrail::Snapshot &before);
+    // That transaction is over: its batches are done with.
+    void closeTransaction();
+
     std::shared_ptr<DbConnection> connection_;
     clsErrObject error_;
     QString auditTask_;
+    int openTransactions_ = 0; // opened by BeginTransaction and not yet ended
+    std::vector<std::unique_ptr<Batch>> batches_;
 };

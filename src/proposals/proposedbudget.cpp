@@ -102,7 +102,9 @@ AuditedRows clsProposedBudget::auditedAmounts(std::int32_t accountId, const QStr
              {QStringLiteral("CatPProposal"), Kind::Amount},
              {QStringLiteral("CatCProposal"), Kind::Amount}},
             "AcctId = " + QString::number(accountId) + " and ProposalID = " + sqlText(proposalId),
-            AuditTrail::accountCodeOf(QStringLiteral("ProposalBudget"))};
+            AuditTrail::accountCodeOf(QStringLiteral("ProposalBudget")),
+            // A save of the grid writes many accounts of one proposal.
+            "ProposalID = " + sqlText(proposalId)};
 }
 
 bool clsProposedBudget::UpdateBatch()

@@ -96,7 +96,7 @@ TEST_P(SchemaTest, OlderDatabaseIsMigratedInPlaceKeepingItsRows)
 TEST_P(SchemaTest, VersionTwoGainsTheProposalAmountView)
 {
     exec("DROP VIEW ProposalAmount");
-    exec("DROP TABLE AuditTrail");
+    exec("DROP TABLE AuditTrail"); // a version-two database has neither
     exec("UPDATE KoraSchema SET Version = 2");
     exec("Insert into AccountCodes (Ledger, FundID, AccountCode, CatAFlag, CatPFlag, CatCFlag) "
          "values ('E','A','A2110','A','P','')");

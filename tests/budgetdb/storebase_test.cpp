@@ -26,16 +26,19 @@ public:
         });
     }
     // Must touch exactly one row of Bals.
-    bool zeroOne(const QString &condition)
+    bool zeroOne(const QString &condition) { return setOne("CurrentBalance = 0", condition); }
+    // The same, audited with the other writes of a save over `batch`.
+    bool setOne(const QString &assignment, const QString &condition, const QString &batch = {})
     {
-        return changeRows(QStringLiteral("Update Bals set CurrentBalance = 0 where ") + condition,
-                          QStringLiteral("zeroOne"), Expect::ExactlyOne, countThen(QStringLiteral(" rows")),
+        return changeRows(QStringLiteral("Update Bals set %1 where %2").arg(assignment, condition),
+                          QStringLiteral("setOne"), Expect::ExactlyOne, countThen(QStringLiteral(" rows")),
                           {QStringLiteral("Bals"),
                            {QStringLiteral("Fund")},
                            {{QStringLiteral("CurrentBalance"), AuditColumn::Kind::Amount},
                             {QStringLiteral("PreviousBalance"), AuditColumn::Kind::Amount}},
                            condition,
-                           {}});
+                           {},
+                           batch});
     }
 };
 
@@ -185,6 +188,49 @@ TEST_P(StoreBaseTest, AWriteIsAuditedColumnByColumnAndARollbackLeavesNoEntry)
     EXPECT_FALSE(store.zeroOne("Fund = 'A'"));
     EXPECT_EQ(funds(), "A,5|B,0");
     resetAppGlobals();
+}
+
+// A save's writes are read once before and once at its end, and recorded only if it commits.
+TEST_P(StoreBaseTest, TheWritesOfASaveAreAuditedTogetherAtItsEnd)
+{
+    store.setAuditTask("Fund Balances");
+    exec("Insert into Bals values ('A', 5, 0)");
+    exec("Insert into Bals values ('B', 6.25, 3)");
+    exec("Insert into Bals values ('C', 1, 2)");
+    const QString all = "Fund <> 'none'";
+    const auto save = [&](const std::function<bool()> &writes) {
+        EXPECT_TRUE(store.BeginTransaction());
+        if (writes())
+            return store.Endtransaction();
+        store.AbortTransaction();
+        return false;
+    };
+    ASSERT_TRUE(save([&] {
+        EXPECT_TRUE(store.setOne("CurrentBalance = 0", "Fund = 'A'", all));
+        EXPECT_FALSE(store.setOne("CurrentBalance = 0", "Fund = 'Z'", all)) << "a failed write leaves the rest";
+        EXPECT_TRUE(store.setOne("PreviousBalance = 4", "Fund = 'C'", all));
+        EXPECT_TRUE(store.setOne("PreviousBalance = 5", "Fund = 'C'", all));
+        EXPECT_EQ(rows("select RowKey from AuditTrail"), "") << "recorded when the save ends";
+        return true;
+    }));
+    EXPECT_EQ(auditTrail(), "Fund Balances,Bals,Fund=A,,CurrentBalance,5,0|"
+                            "Fund Balances,Bals,Fund=C,,PreviousBalance,2,5");
+
+    // An aborted save records nothing, now or with the next save.
+    EXPECT_FALSE(save([&] { return store.setOne("CurrentBalance = 7", "Fund = 'B'", all) && false; }));
+    ASSERT_TRUE(save([&] { return store.setOne("CurrentBalance = 8", "Fund = 'C'", all); }));
+    EXPECT_EQ(rows("select RowKey, NewValue from AuditTrail where ID > 2"), "Fund=C,8");
+    EXPECT_EQ(funds(), "A,0|B,6.25|C,8");
+
+    // Recorded inside the save: a caller's rollback takes the entries along, and
+    // entries that cannot be written take the save with them.
+    ASSERT_TRUE(store.BeginTransaction());
+    ASSERT_TRUE(save([&] { return store.setOne("CurrentBalance = 9", "Fund = 'A'", all); }));
+    ASSERT_TRUE(store.AbortTransaction());
+    refuseWrites(*db(), "AuditTrail", "INSERT", "NEW.RowKey = 'Fund=B'");
+    EXPECT_FALSE(save([&] { return store.setOne("CurrentBalance = 9", "Fund = 'B'", all); }));
+    EXPECT_EQ(funds(), "A,0|B,6.25|C,8");
+    EXPECT_EQ(rows("select RowKey from AuditTrail order by ID"), "Fund=A|Fund=C|Fund=C");
 }
 
 TEST_P(StoreBaseTest, TheTrailIsReadNewestFirstThroughItsFilters)

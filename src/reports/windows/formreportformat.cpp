@@ -72,6 +72,7 @@ FormReportFormat::FormReportFormat(std::shared_ptr<DbConnection> connection, Fun
     : QDialog(parent), connection_(std::move(connection)), listFunds_(std::move(listFunds))
 {
     generator_.setAdoConnection(connection_);
+    generator_.setAuditTask(AuditTask::ReportFormats);
     buildForm();
 }
 

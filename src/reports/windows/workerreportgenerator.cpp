@@ -43,6 +43,7 @@ workerReportGenerator::workerReportGenerator(ReportGeneratorContext context, QOb
     : MdiChildWorker(parent), context_(std::move(context))
 {
     generator_.setAdoConnection(context_.connection);
+    generator_.setAuditTask(AuditTask::ReportFormats);
 }
 
 workerReportGenerator::~workerReportGenerator()

@@ -225,6 +225,11 @@ TEST_P(ReportGeneratorWindowTest, ANewFormatIsWrittenWithItsColumnsUnderANameNoO
     EXPECT_EQ(column(grid(), "Name"), (QStringList{"Board Summary", "Revenue Plan"}));
     EXPECT_EQ(grid().GetItemValue(grid().CurrentRow(), "Name"), "Revenue Plan") << "the new format is current";
     EXPECT_EQ(column(grid(), "Date").last(), FormatMMDDYY(QDate::currentDate()));
+    const QString trail = "select Task, TableName, ColumnName, NewValue from AuditTrail order by ID";
+    EXPECT_TRUE(rows(trail).contains("Report Formats,Report,Name,Revenue Plan"));
+    EXPECT_TRUE(rows(trail).contains("Report Formats,RptHeading,ReportHeading,CurExpense"));
+    EXPECT_EQ(rows("select Task from AuditTrail where Task <> 'Report Formats'"), "");
+    const QString audited = rows(trail);
 
     const QString formats = rows("select ID, Name from Report order by ID");
     for (const auto &[name, refusal] : {std::pair{"Board Summary", "Report name is already exist in the database!"},
@@ -238,6 +243,7 @@ TEST_P(ReportGeneratorWindowTest, ANewFormatIsWrittenWithItsColumnsUnderANameNoO
         EXPECT_EQ(lastMessage(messages.get()), QString("Report Format|") + refusal);
         EXPECT_EQ(rows("select ID, Name from Report order by ID"), formats);
         EXPECT_EQ(rows("select ReportHeading from RptHeading order by ReportHeading"), "CurExpense|ProposedBudget");
+        EXPECT_EQ(rows(trail), audited) << "a refused save records nothing";
     }
 }
 
@@ -295,6 +301,8 @@ TEST_P(ReportGeneratorWindowTest, DeletingAsksFirstAndTakesTheColumnsAlong)
     EXPECT_EQ(headingsOf(drop), "");
     EXPECT_EQ(headingsOf(keep), "CurBudget,1");
     EXPECT_EQ(column(grid(), "Name"), QStringList{"Keep"});
+    EXPECT_TRUE(rows("select Task, TableName, RowKey, ColumnName, OldValue, NewValue from AuditTrail")
+                    .contains("Report Formats,Report,ID=" + QString::number(drop) + ",Name,Drop,"));
 }
 
 TEST_P(ReportGeneratorWindowTest, AColumnThatCannotBeWrittenLeavesNothingWritten)
@@ -312,6 +320,7 @@ TEST_P(ReportGeneratorWindowTest, AColumnThatCannotBeWrittenLeavesNothingWritten
         << lastMessage(messages.get()).toStdString();
     EXPECT_TRUE(lastMessage(messages.get()).contains("write refused by the test"));
     EXPECT_EQ(rows("select Name from Report"), "Board Summary") << "the new format's name went back with its columns";
+    EXPECT_EQ(rows("select Task from AuditTrail"), "") << "and so did its audit entries";
 
     fill = [](FormReportFormat &form) {
         form.nameField().setText("Renamed");
