@@ -13,6 +13,7 @@
 #include "years.h"
 
 #include <QDate>
+#include <QDir>
 #include <QElapsedTimer>
 
 #include <filesystem>
@@ -76,13 +77,26 @@ bool CloseDatabase()
     return false;
 }
 
+namespace {
+
+// Every Kora-Fund file is found from the root the dictionary lies in, so a root
+// typed relative to the working folder is made whole first; a Windows path
+// (a drive or a leading backslash) stays as given.
+QString absoluteRoot(const QString &given)
+{
+    const bool windowsPath = given.startsWith(u'\\') || (given.size() > 1 && given.at(1) == u':');
+    return windowsPath || !QDir::isRelativePath(given) ? given : QDir::current().absoluteFilePath(given);
+}
+
+} // namespace
+
 long ParseCommandLine(const QString &commandLine, QString &user, QString &root)
 {
     const qsizetype blank = commandLine.indexOf(u' ');
     if (commandLine.isEmpty() || blank < 0)
         return invalidCommandLine;
     user = commandLine.left(blank);
-    root = commandLine.mid(blank + 1).toUpper();
+    root = absoluteRoot(commandLine.mid(blank + 1)).toUpper();
     return CheckRootPath(root);
 }
 

@@ -303,6 +303,13 @@ TEST(CommandLine, UserBeforeTheFirstBlankRootTheRestUpperCased)
     EXPECT_EQ(ParseCommandLine(QStringLiteral("jdoe ") + spaced, user, root), 0);
     EXPECT_EQ(user + u'|' + root, QStringLiteral("jdoe|") + spaced.toUpper());
 
+    // A root relative to the working folder is made whole before it is upper-cased.
+    const QString working = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(dir.path()));
+    EXPECT_EQ(ParseCommandLine(QStringLiteral("jdoe two  blanks/kora"), user, root), 0);
+    QDir::setCurrent(working);
+    EXPECT_EQ(root, spaced.toUpper());
+
     EXPECT_EQ(ParseCommandLine(QStringLiteral("JDOE"), user, root), -6);
     EXPECT_EQ(CheckRootPath(spaced + QStringLiteral("/NONE")), -1);
     QFile file(dir.filePath(QStringLiteral("plain.txt")));
