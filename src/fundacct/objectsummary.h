@@ -124,6 +124,43 @@ public:
     // Every account of every fund, by fund and code, in one extended pass.
     int GetAllAccounts(std::vector<Fields> &list) { return extendedList(QString(), true, list); }
 
+    // Every account of every fund with its whole fiscal year totalled, in one
+    // extended pass and straight from the stored amounts (no monthly texts):
+    // what a report of the year reads. `visit` sees this object holding the
+    // account's code, fund and name and its settled totals; the monthly
+    // properties stay empty.
+    template <class Visit> int ForEachAccountYear(Visit visit)
+    {
+        errorMsg_.clear();
+        if (!this->DataBound())
+            return this->notBound();
+        DataAccessControl &control = this->control();
+        int status = positionOn(1, QStringLiteral("Fund ID"), QString());
+        control.setExtendedOps(true);
+        control.setAutoMode(true);
+        control.setCancelDialog(false);
+        control.setCacheRows(extendedBlockRows);
+        control.setSelectedFields(access_.extendedSelection());
+        while (status == 0) {
+            status = control.GetNextExtended();
+            for (int row = 0; status == 0 && row < control.Rows(); ++row) {
+                static_cast<Fields &>(*this) = Fields();
+                this->AccountCode = control.RowColumnValue(row, 0).toString();
+                this->FundID = control.RowColumnValue(row, 1).toString();
+                this->Name = control.RowColumnValue(row, 2).toString();
+                std::array<Currency, AmountCount> totals{};
+                int column = 3;
+                for (Currency &total : totals)
+                    for (int month = 1; month <= 12; ++month)
+                        total += control.RowColumnValue(row, column++).template value<Currency>();
+                settleTotals(totals);
+                visit(*this);
+            }
+        }
+        control.setExtendedOps(false);
+        return this->finish(endOfFile(status));
+    }
+
     // Every account code and name of the file in one extended pass.
     int GetAcctCodeList(std::vector<AccountCodeName> &list)
     {

@@ -85,32 +85,20 @@ bool yearOfTableId(const QString &fundRoot, const QString &tableId, int &year, Q
     return false;
 }
 
-// The whole fiscal year's totals of every account: the summary object sums the
-// months (CalcBalance up to the year's last month) and settles the balances.
-template <class Summary, class Fields, class Row>
+// The whole fiscal year's totals of every account, summed and settled by the
+// summary object as one extended pass reads them.
+template <class Summary, class Row>
 bool readSummary(const QString &fundRoot, const QString &dataFolder, const QString &table, Row toRow, DataTable &into,
                  QString &error)
 {
     Summary summary;
-    std::vector<Fields> accounts;
     int status = summary.Init(fundRoot, dataFolder);
     if (status == 0)
-        status = summary.GetAllAccounts(accounts);
+        status = summary.ForEachAccountYear([&](const auto &) { into.addRow(toRow(summary)); });
     if (status != 0) {
         error =
             QStringLiteral("Cannot read the Kora-Fund table %1 (%2): %3").arg(table, dataFolder, summary.ErrorMsg());
         return false;
-    }
-    const int lastMonth = summary.FirstFiscalMonth <= 1 ? 12 : summary.FirstFiscalMonth - 1;
-    const QString through = QStringLiteral("%1-01-00").arg(lastMonth, 2, 10, QLatin1Char('0'));
-    for (Fields &account : accounts) {
-        static_cast<Fields &>(summary) = std::move(account);
-        summary.TransDate = through;
-        if (summary.CalcBalance() != 0) {
-            error = QStringLiteral("Kora-Fund table %1: %2").arg(table, summary.ErrorMsg());
-            return false;
-        }
-        into.addRow(toRow(summary));
     }
     return true;
 }
@@ -163,7 +151,7 @@ bool readFundTable(const QString &fundRoot, const QString &table, DataTable &int
         return false;
     const QString dataFolder = fundDataLocationUnder(fundRoot, year);
     if (record == FundRecord::Expenditure) {
-        return readSummary<classObjectELSummary, ExpenditureSummaryFields>(
+        return readSummary<classObjectELSummary>(
             fundRoot, dataFolder, table,
             [](const classObjectELSummary &s) {
                 return std::vector<ReportValue>{ReportValue::text(s.AccountCode),
@@ -180,7 +168,7 @@ bool readFundTable(const QString &fundRoot, const QString &table, DataTable &int
             },
             into, error);
     }
-    return readSummary<classObjectRLSummary, RevenueSummaryFields>(
+    return readSummary<classObjectRLSummary>(
         fundRoot, dataFolder, table,
         [](const classObjectRLSummary &s) {
             return std::vector<ReportValue>{
