@@ -74,6 +74,7 @@ void PageCache::clear()
 {
     entries_.clear();
     order_.clear();
+    ++epoch_;
 }
 
 } // namespace recman

@@ -24,6 +24,8 @@ public:
     // The physical page; throws FormatError when it cannot be read whole.
     CachedPage get(std::uint32_t physical);
     void clear();
+    // Grows with every clear(): a page obtained under another epoch may be stale.
+    std::uint64_t epoch() const { return epoch_; }
     std::size_t cachedBytes() const { return entries_.size() * std::size_t{pageSize_}; }
 
 private:
@@ -36,6 +38,7 @@ private:
     std::list<std::pair<std::uint32_t, CachedPage>> order_;
     std::unordered_map<std::uint32_t, decltype(order_)::iterator> entries_;
     std::vector<std::uint8_t> run_;
+    std::uint64_t epoch_ = 0;
 };
 
 // The byte limit given to the cache of each file opened from now on

@@ -43,6 +43,7 @@ public:
     void read(std::uint32_t logical, std::uint8_t expectedTag, std::vector<std::uint8_t> &out) const;
     // The same page through the cache, checked alike.
     CachedPage page(std::uint32_t logical, std::uint8_t expectedTag) const;
+    std::uint64_t cacheEpoch() const { return cache_->epoch(); }
 
     // Entries per PAT page and the physical page of PAT pair `group`.
     std::uint32_t entriesPerPat() const { return pageSize_ / 4 - 2; }

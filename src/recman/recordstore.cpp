@@ -15,9 +15,18 @@ Bytes RecordStore::record(std::size_t ordinal) const
     if (const auto copy = copies_.find(ordinal); copy != copies_.end())
         return Bytes(assembled_).subspan(copy->second.start, copy->second.length);
     const auto address = addresses_[ordinal];
-    auto &pin = pinned_[nextPin_++ % 2];
-    pin = pages_->page(address / pageSize_, dataTag_);
-    return Bytes(*pin).subspan(address % pageSize_ + userOffset_, recordLength_);
+    const auto logical = address / pageSize_;
+    const auto epoch = pages_->cacheEpoch();
+    const Pin *held = nullptr;
+    for (const auto &pin : pinned_)
+        if (pin.page && pin.logical == logical && pin.epoch == epoch)
+            held = &pin;
+    if (!held) {
+        auto &pin = pinned_[nextPin_++ % 2];
+        pin = {pages_->page(logical, dataTag_), logical, epoch};
+        held = &pin;
+    }
+    return Bytes(*held->page).subspan(address % pageSize_ + userOffset_, recordLength_);
 }
 
 std::optional<std::size_t> RecordStore::ordinalOf(std::uint32_t address) const

@@ -56,7 +56,14 @@ private:
     std::vector<std::uint8_t> live_;
     std::unordered_map<std::size_t, Copy> copies_;
     std::vector<std::uint8_t> assembled_;
-    mutable CachedPage pinned_[2];
+    // The last two pages read, so that records on the same page need no
+    // look-up (and views into them stay valid a while).
+    struct Pin {
+        CachedPage page;
+        std::uint32_t logical = 0;
+        std::uint64_t epoch = 0;
+    };
+    mutable Pin pinned_[2];
     mutable unsigned nextPin_ = 0;
 };
 
