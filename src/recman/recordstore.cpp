@@ -41,7 +41,7 @@ std::optional<std::size_t> RecordStore::ordinalOf(std::uint32_t address) const
 std::size_t RecordStore::add(std::uint32_t address)
 {
     addresses_.push_back(address);
-    live_.push_back(1);
+    live_.push_back(true);
     return addresses_.size() - 1;
 }
 

@@ -25,8 +25,8 @@ public:
     // records have been asked for (the last two pages read are kept).
     Bytes record(std::size_t ordinal) const;
     std::uint32_t address(std::size_t ordinal) const { return addresses_[ordinal]; }
-    bool live(std::size_t ordinal) const { return live_[ordinal] != 0; }
-    void setLive(std::size_t ordinal, bool live) { live_[ordinal] = live ? 1 : 0; }
+    bool live(std::size_t ordinal) const { return live_[ordinal]; }
+    void setLive(std::size_t ordinal, bool live) { live_[ordinal] = live; }
     // Ordinal of the live record at an address, if the store holds one there.
     std::optional<std::size_t> ordinalOf(std::uint32_t address) const;
 
@@ -53,7 +53,7 @@ private:
     std::uint32_t recordLength_ = 0;
     std::uint8_t dataTag_ = 0;
     std::vector<std::uint32_t> addresses_;
-    std::vector<std::uint8_t> live_;
+    std::vector<bool> live_; // a bit a record: the list must stay small for big files
     std::unordered_map<std::size_t, Copy> copies_;
     std::vector<std::uint8_t> assembled_;
     // The last two pages read, so that records on the same page need no
