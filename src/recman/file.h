@@ -27,7 +27,8 @@
 // lock and one set of pages, so each sees the others' writes. Before every
 // operation the file's size and change times are looked at; when another
 // program changed it, the operation reads its structure again, so the change
-// is seen. record() is the current record as this File read it.
+// is seen. record() is the current record as this File read it. Files that
+// share a data file must be used from one thread.
 #pragma once
 
 #include "bytes.h"
