@@ -117,8 +117,18 @@ void OpenFile::load()
 
 void OpenFile::refreshIfChanged()
 {
-    if (!handle.stamp().sameAs(stamp) || !stamp.settled)
-        load();
+    const auto now = handle.stamp();
+    if (now.sameAs(stamp) && stamp.settled)
+        return;
+    // Unchanged times that are too recent to prove anything: records added,
+    // removed or moved change the control record, so while it is the same
+    // dropping the cached pages is enough to read every record's bytes anew.
+    if (now.sameAs(stamp) && readHeader(handle).page == header.page) {
+        cache->clear();
+        stamp.settled = now.settled;
+        return;
+    }
+    load();
 }
 
 void OpenFile::wroteOwnChange()
