@@ -76,19 +76,25 @@ std::uint64_t FileHandle::size() const
 
 bool FileHandle::readAt(std::uint64_t offset, std::span<std::uint8_t> buffer) const
 {
-    std::size_t done = 0;
-    while (done < buffer.size()) {
-        const auto got = ::pread(fd_, buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return false;
-        done += static_cast<std::size_t>(got);
-    }
-    return true;
+    return readFully(fd_, offset, buffer);
 }
 
 namespace {
+
+template <typename Buffer, typename Transfer>
+bool transferAll(Buffer buffer, std::uint64_t offset, Transfer transfer)
+{
+    std::size_t done = 0;
+    while (done < buffer.size()) {
+        const auto moved = transfer(buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
+        if (moved < 0 && errno == EINTR)
+            continue;
+        if (moved <= 0)
+            return false;
+        done += static_cast<std::size_t>(moved);
+    }
+    return true;
+}
 
 std::int64_t nanoseconds(const timespec &time)
 {
@@ -124,16 +130,7 @@ bool FileHandle::writeAt(std::uint64_t offset, std::span<const std::uint8_t> dat
 {
     if (journal_ && !journal_->save(*this, offset, data.size()))
         return false;
-    std::size_t done = 0;
-    while (done < data.size()) {
-        const auto put = ::pwrite(fd_, data.data() + done, data.size() - done, static_cast<off_t>(offset + done));
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0)
-            return false;
-        done += static_cast<std::size_t>(put);
-    }
-    return true;
+    return writeFully(fd_, offset, data);
 }
 
 bool FileHandle::sync()
@@ -144,6 +141,20 @@ bool FileHandle::sync()
 bool FileHandle::tryLockExclusive()
 {
     return fd_ >= 0 && ::flock(fd_, LOCK_EX | LOCK_NB) == 0;
+}
+
+bool readFully(int fd, std::uint64_t offset, std::span<std::uint8_t> buffer)
+{
+    return transferAll(buffer, offset, [fd](void *at, std::size_t length, off_t from) {
+        return ::pread(fd, at, length, from);
+    });
+}
+
+bool writeFully(int fd, std::uint64_t offset, std::span<const std::uint8_t> data)
+{
+    return transferAll(data, offset, [fd](const void *at, std::size_t length, off_t from) {
+        return ::pwrite(fd, at, length, from);
+    });
 }
 
 bool syncDirectory(const std::filesystem::path &directory)

@@ -68,5 +68,9 @@ private:
 
 // Makes a rename or create durable by syncing the directory that holds it.
 bool syncDirectory(const std::filesystem::path &directory);
+// All of buffer read or written at offset of a descriptor (interrupted calls
+// retried); false on an error or, reading, the file's end.
+bool readFully(int fd, std::uint64_t offset, std::span<std::uint8_t> buffer);
+bool writeFully(int fd, std::uint64_t offset, std::span<const std::uint8_t> data);
 
 } // namespace recman
