@@ -146,7 +146,8 @@ void OpenFile::refreshIfChanged()
 
 void OpenFile::restoredBehindCache()
 {
-    cache->clear();
+    // Its times may not have moved (same clock tick): no stamp matches one
+    // never taken, so the next refresh reads the structure and a new cache.
     stamp = {};
 }
 
@@ -184,23 +185,21 @@ Status openShared(const std::filesystem::path &path, OpenMode mode, std::shared_
     std::erase_if(shared.files, [](const auto &entry) { return entry.second.expired(); });
     const auto identity = fresh->handle.identity();
     if (auto existing = shared.files[identity].lock()) {
+        std::string rolledBack;
         if (mode == OpenMode::ReadWrite && existing->mode == OpenMode::ReadOnly) {
             // The first open only read: the file is now shared for writing, under our lock.
-            std::string rolledBack;
             if (const auto status = takeForWriting(fresh->handle, path, rolledBack, message);
                 status != Status::Success)
                 return status;
             existing->handle = std::move(fresh->handle);
             existing->mode = OpenMode::ReadWrite;
-            if (!rolledBack.empty()) {
+            if (!rolledBack.empty())
                 existing->restoredBehindCache();
-                if (const auto status = refresh(*existing, message); status != Status::Success)
-                    return status;
-                existing->info.rolledBack = std::move(rolledBack);
-            }
         }
         if (const auto status = refresh(*existing, message); status != Status::Success)
             return status;
+        if (!rolledBack.empty())
+            existing->info.rolledBack = std::move(rolledBack);
         file = std::move(existing);
         return Status::Success;
     }

@@ -51,8 +51,8 @@ struct OpenFile {
     void refreshIfChanged();
     // After a write of ours: cached pages are stale, the new stamp is ours.
     void wroteOwnChange();
-    // The file was put back from its journal behind the cache: drop the
-    // cached pages and the stamp, so the next operation reads it all anew.
+    // The file was put back from its journal behind the cache: the next
+    // operation reads it all anew, dropping the cached pages.
     void restoredBehindCache();
     // Ends the group's journal on the handle; the journal file stays.
     void dropJournal();
