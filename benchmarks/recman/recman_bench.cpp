@@ -1,16 +1,21 @@
-// Record-manager engine figures on a 1,000,000-record transaction-like file
-// (100-byte records, three keys), created once in a temporary folder:
+// Record-manager engine figures on a transaction-like file (100-byte records,
+// three keys), created once in a temporary folder. KORA_BENCH_RECORDS sets the
+// number of records (default 1,000,000, about 121 MB; 10,000,000 make 1.2 GB).
 //   BM_CreateFile      bulk creation time
 //   BM_CatFile         plain sequential read of the file (the floor for a scan)
-//   BM_OpenAndScan     open (one read of the file; indexes wait for a keyed use) and
-//                      step through all records
-//   BM_GetEqual        one keyed lookup by a random unique id
-// Counters: MB/s of the file, resident memory after open against the file size.
+//   BM_Open            open alone; resident memory it adds
+//   BM_ColdGetEqual    open, then one keyed lookup
+//   BM_RandomGetEquals open, then 10,000 lookups by random unique ids; memory after
+//   BM_OpenAndScan     open and step through all records
+//   BM_GetEqual        one keyed lookup by a random unique id on an open file
 #include "creator.h"
 #include "file.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -21,7 +26,10 @@
 
 namespace {
 
-constexpr std::int32_t recordCount = 1'000'000;
+const std::int32_t recordCount = [] {
+    const char *text = std::getenv("KORA_BENCH_RECORDS");
+    return text ? std::max(1, std::atoi(text)) : 1'000'000;
+}();
 constexpr std::uint32_t recordLength = 100;
 
 // id (int32, unique), account code (12 chars), date (4), amount (currency 8),
@@ -126,6 +134,61 @@ void BM_CatFile(benchmark::State &state)
                                                     benchmark::Counter::kIsIterationInvariantRate);
 }
 
+double rssMb()
+{
+    return static_cast<double>(statusKilobytes("VmRSS:")) / 1e3;
+}
+
+void BM_Open(benchmark::State &state)
+{
+    const double before = rssMb();
+    double opened = 0;
+    for (auto _ : state) {
+        recman::File file;
+        if (file.open(benchFile()) != recman::Status::Success)
+            state.SkipWithError(file.lastMessage().c_str());
+        opened = rssMb() - before;
+    }
+    state.counters["rss_growth_MB"] = opened;
+}
+
+recman::Status getById(recman::File &file, std::int32_t id)
+{
+    return file.getEqual(0, recman::Bytes(reinterpret_cast<const std::uint8_t *>(&id), 4));
+}
+
+// The time of the first lookup after an open, the open itself excluded.
+void BM_ColdGetEqual(benchmark::State &state)
+{
+    for (auto _ : state) {
+        state.PauseTiming();
+        recman::File file;
+        if (file.open(benchFile()) != recman::Status::Success)
+            state.SkipWithError(file.lastMessage().c_str());
+        state.ResumeTiming();
+        if (getById(file, recordCount / 2) != recman::Status::Success)
+            state.SkipWithError("key not found");
+    }
+}
+
+void BM_RandomGetEquals(benchmark::State &state)
+{
+    const double before = rssMb();
+    double after = 0;
+    for (auto _ : state) {
+        recman::File file;
+        if (file.open(benchFile()) != recman::Status::Success)
+            state.SkipWithError(file.lastMessage().c_str());
+        std::mt19937 random(7);
+        std::uniform_int_distribution<std::int32_t> ids(0, recordCount - 1);
+        for (int i = 0; i < 10'000; ++i)
+            if (getById(file, ids(random)) != recman::Status::Success)
+                state.SkipWithError("key not found");
+        after = rssMb() - before;
+    }
+    state.counters["rss_growth_MB"] = after;
+}
+
 void BM_OpenAndScan(benchmark::State &state)
 {
     const long before = statusKilobytes("VmRSS:");
@@ -157,7 +220,7 @@ void BM_GetEqual(benchmark::State &state)
     std::int32_t id = 0;
     for (auto _ : state) {
         id = ids(random);
-        if (file.getEqual(0, recman::Bytes(reinterpret_cast<const std::uint8_t *>(&id), 4)) != recman::Status::Success)
+        if (getById(file, id) != recman::Status::Success)
             state.SkipWithError("key not found");
     }
     state.counters["peak_rss_MB"] = static_cast<double>(statusKilobytes("VmHWM:")) / 1e3;
@@ -165,6 +228,9 @@ void BM_GetEqual(benchmark::State &state)
 
 BENCHMARK(BM_CreateFile)->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK(BM_CatFile)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_Open)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3);
+BENCHMARK(BM_ColdGetEqual)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3);
+BENCHMARK(BM_RandomGetEquals)->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK(BM_OpenAndScan)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3);
 BENCHMARK(BM_GetEqual)->Unit(benchmark::kMicrosecond)->Repetitions(5)->ReportAggregatesOnly(true);
 

@@ -1,9 +1,7 @@
 #include "file.h"
 
-#include "collation.h"
 #include "keyorder.h"
 #include "openfile.h"
-#include "recordscan.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,32 +15,25 @@ const FileInfo emptyInfo;
 
 enum Operation { Equal, Greater, GreaterOrEqual, Less, LessOrEqual };
 
-FileInfo describe(const FileHeader &header, const ScanResult &scan)
-{
-    FileInfo info;
-    info.format = header.formatName();
-    info.versionWord = header.versionWord;
-    info.pageSize = header.pageSize;
-    info.recordLength = header.recordLength;
-    info.physicalRecordLength = header.physicalLength;
-    info.recordCount = static_cast<std::uint32_t>(scan.records.size());
-    info.headerRecordCount = header.recordCount;
-    info.variable = header.variable;
-    info.compressed = header.compressed;
-    info.ownerProtected = header.ownerProtected;
-    info.createdByEngine = header.createdByEngine;
-    info.fileFlags = header.fileFlags;
-    info.keys = header.keys;
-    info.warnings = scan.warnings;
-    return info;
-}
-
 } // namespace
 
 File::File() = default;
-File::~File() = default;
 File::File(File &&) noexcept = default;
-File &File::operator=(File &&) noexcept = default;
+
+File::~File()
+{
+    close();
+}
+
+File &File::operator=(File &&other) noexcept
+{
+    if (this != &other) {
+        close();
+        impl_ = std::move(other.impl_);
+        message_ = std::move(other.message_);
+    }
+    return *this;
+}
 
 Status File::fail(Status status, std::string message) const
 {
@@ -55,61 +46,66 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
     close();
     if (path.empty())
         return fail(Status::InvalidFileName, "no file name given");
-    auto impl = std::make_unique<Impl>();
-    impl->mode = mode;
-    impl->path = path;
     std::error_code error;
     if (!std::filesystem::exists(path, error))
         return fail(Status::FileNotFound, "file not found: " + path.string());
     if (!std::filesystem::is_regular_file(path, error))
         return fail(Status::InvalidFileName, path.string() + " is not a file");
-    const auto reason =
-        impl->handle.open(path, mode == OpenMode::ReadOnly ? FileHandle::Mode::Read : FileHandle::Mode::ReadWrite);
-    if (!reason.empty())
-        return fail(mode == OpenMode::ReadOnly ? Status::IoError : Status::AccessDenied,
-                    "cannot open " + path.string() + ": " + reason);
-    if (mode == OpenMode::ReadWrite && !impl->handle.tryLockExclusive())
-        return fail(Status::FileInUse, path.string() + " is open for writing by another process");
-    std::string rolledBack;
-    if (mode == OpenMode::ReadWrite && rollBack(path, rolledBack) == Rollback::Failed)
-        return fail(Status::IoError, rolledBack);
-    try {
-        // One read of the whole file: records are then taken from memory, and
-        // a file changed later by someone else cannot tear the picture.
-        FileImage image;
-        if (const auto failure = impl->handle.readWhole(image); !failure.empty())
-            return fail(Status::IoError, "cannot read " + path.string() + ": " + failure);
-        impl->header = readHeader(impl->handle);
-        impl->pages = std::make_unique<PageMap>(impl->handle, impl->header, image.bytes().size());
-        attachCollatingSequences(impl->header, *impl->pages);
-        auto scan = scanRecords(impl->header, *impl->pages, std::move(image));
-        impl->info = describe(impl->header, scan);
-        impl->info.rolledBack = std::move(rolledBack);
-        impl->records = std::move(scan.records);
-        impl->unusedSlots = std::move(scan.unusedSlots);
-        // Key definitions live in info so that indexes can point at them for good.
-        impl->indexes = KeyIndexes(impl->info.keys, impl->records);
-    } catch (const FormatError &error) {
-        // Pages that do not name themselves in a file with an owner name are
-        // encrypted with it: say so rather than call the file unreadable.
-        if (impl->header.ownerProtected)
-            return fail(Status::OwnerNameRequired,
-                        path.string() + ": the file is protected by an owner name and its data is encrypted; it "
-                                        "can only be opened with that owner name in the record manager (" +
-                            error.what() + ")");
-        return fail(Status::NotARecordManagerFile, path.string() + ": " + error.what());
-    } catch (const std::bad_alloc &) {
-        return fail(Status::IoError, path.string() + ": not enough memory to load the file");
-    } catch (const std::exception &error) {
-        return fail(Status::IoError, path.string() + ": " + error.what());
-    }
+    auto impl = std::make_unique<Impl>();
+    std::string message;
+    if (const auto status = openShared(path, mode, impl->file, message); status != Status::Success)
+        return fail(status, std::move(message));
+    impl->mode = mode;
+    impl->at.generation = impl->file->generation;
     impl_ = std::move(impl);
     message_.clear();
     return Status::Success;
 }
 
+std::optional<Status> File::ready()
+{
+    if (!impl_)
+        return fail(Status::FileNotOpen, "file not open");
+    auto &file = *impl_->file;
+    std::string message;
+    if (const auto status = refresh(file, message); status != Status::Success)
+        return fail(status, "the file changed on disk and cannot be read now: " + message);
+    auto &at = impl_->at;
+    if (at.generation != file.generation) {
+        // The record list was read anew: find the current record by its address.
+        if (at.current) {
+            const auto ordinal = file.records.ordinalOf(at.address);
+            at.current = ordinal ? std::optional(static_cast<std::uint32_t>(*ordinal)) : std::nullopt;
+        }
+        at.generation = file.generation;
+    }
+    return std::nullopt;
+}
+
+void File::setCurrent(std::uint32_t ordinal)
+{
+    auto &at = impl_->at;
+    const auto &records = impl_->file->records;
+    at.current = ordinal;
+    at.address = records.address(ordinal);
+    const auto bytes = records.record(ordinal);
+    at.bytes.assign(bytes.begin(), bytes.end());
+}
+
+bool File::onLiveRecord() const
+{
+    return impl_ && impl_->at.current && impl_->file->records.live(*impl_->at.current);
+}
+
+std::size_t File::cachedPageBytes() const
+{
+    return impl_ ? impl_->file->cache->cachedBytes() : 0;
+}
+
 void File::close()
 {
+    if (impl_ && impl_->file->groupOwner == impl_.get())
+        leaveGroupAtClose();
     impl_.reset();
 }
 
@@ -120,20 +116,20 @@ bool File::isOpen() const
 
 const FileInfo &File::info() const
 {
-    return impl_ ? impl_->info : emptyInfo;
+    return impl_ ? impl_->file->info : emptyInfo;
 }
 
 std::size_t File::keyCount() const
 {
-    return impl_ ? impl_->indexes.size() : 0;
+    return impl_ ? impl_->file->indexes.size() : 0;
 }
 
 std::vector<std::uint8_t> File::keyValueOf(int key, Bytes record) const
 {
     std::vector<std::uint8_t> value;
-    if (!impl_ || key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
+    if (!impl_ || key < 0 || static_cast<std::size_t>(key) >= impl_->file->indexes.size())
         return value;
-    const auto &definition = impl_->indexes.key(static_cast<std::size_t>(key));
+    const auto &definition = impl_->file->indexes.key(static_cast<std::size_t>(key));
     if (recordCoversKey(definition, record.size()))
         appendKeyValue(definition, record, value);
     return value;
@@ -141,13 +137,13 @@ std::vector<std::uint8_t> File::keyValueOf(int key, Bytes record) const
 
 Status File::positionAt(int key, std::size_t position)
 {
-    auto &index = *impl_->indexes.built(static_cast<std::size_t>(key));
+    auto &index = *impl_->file->indexes.built(static_cast<std::size_t>(key));
     if (position >= index.size())
         return fail(Status::EndOfFile, "no record in that direction on key " + std::to_string(key));
     const auto ordinal = index.ordinalAt(position);
-    impl_->current = ordinal;
-    impl_->keyPath = key;
-    impl_->keyImage = index.imageOfRecord(ordinal);
+    setCurrent(ordinal);
+    impl_->at.keyPath = key;
+    impl_->at.keyImage = index.imageOfRecord(ordinal);
     return Status::Success;
 }
 
@@ -155,7 +151,7 @@ Status File::keyed(int key, Bytes keyValue, int operation)
 {
     if (const auto refused = useKey(key))
         return *refused;
-    auto &index = *impl_->indexes.built(static_cast<std::size_t>(key));
+    auto &index = *impl_->file->indexes.built(static_cast<std::size_t>(key));
     if (keyValue.size() < index.key().length())
         return fail(Status::InvalidKeyLength, "key value of " + std::to_string(keyValue.size()) +
                                                   " bytes is shorter than key " + std::to_string(key) + " (" +
@@ -206,13 +202,13 @@ Status File::getLessOrEqual(int key, Bytes keyValue)
 
 std::optional<Status> File::useKey(int key)
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
-    if (key < 0 || static_cast<std::size_t>(key) >= impl_->indexes.size())
+    if (const auto refused = ready())
+        return refused;
+    if (key < 0 || static_cast<std::size_t>(key) >= impl_->file->indexes.size())
         return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist; the file has " +
-                                                  std::to_string(impl_->indexes.size()) + " keys");
+                                                  std::to_string(impl_->file->indexes.size()) + " keys");
     try {
-        impl_->indexes.use(static_cast<std::size_t>(key));
+        impl_->file->indexes.use(static_cast<std::size_t>(key));
     } catch (const std::bad_alloc &) {
         return fail(Status::IoError, "not enough memory to build the index of key " + std::to_string(key));
     }
@@ -230,7 +226,7 @@ Status File::getLast(int key)
 {
     if (const auto refused = useKey(key))
         return *refused;
-    const auto size = impl_->indexes.built(static_cast<std::size_t>(key))->size();
+    const auto size = impl_->file->indexes.built(static_cast<std::size_t>(key))->size();
     return positionAt(key, size == 0 ? 0 : size - 1);
 }
 
@@ -247,18 +243,19 @@ Status File::neighbour(int key, int direction)
 {
     if (const auto refused = useKey(key))
         return *refused;
-    if (!impl_->current || impl_->keyPath < 0)
+    auto &at = impl_->at;
+    if (!at.current || at.keyPath < 0)
         return fail(Status::InvalidPositioning, "no current record on a key; use a get operation first");
-    if (impl_->keyPath != key)
+    if (at.keyPath != key)
         return fail(Status::DifferentKeyNumber,
-                    "positioned on key " + std::to_string(impl_->keyPath) + ", not " + std::to_string(key));
+                    "positioned on key " + std::to_string(at.keyPath) + ", not " + std::to_string(key));
     // Found again by (key image, ordinal): this works even when the current
     // record has since been deleted.
-    auto &index = *impl_->indexes.built(static_cast<std::size_t>(key));
-    auto position = index.lowerBound(impl_->keyImage, *impl_->current);
+    auto &index = *impl_->file->indexes.built(static_cast<std::size_t>(key));
+    auto position = index.lowerBound(at.keyImage, *at.current);
     if (direction > 0)
-        return positionAt(key, position < index.size() && index.ordinalAt(position) == *impl_->current ? position + 1
-                                                                                                       : position);
+        return positionAt(key, position < index.size() && index.ordinalAt(position) == *at.current ? position + 1
+                                                                                                   : position);
     return positionAt(key, position == 0 ? index.size() : position - 1);
 }
 
@@ -281,19 +278,20 @@ Status File::stepPrevious()
 
 Status File::step(Step which)
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
-    const auto &records = impl_->records;
+    if (const auto refused = ready())
+        return *refused;
+    const auto &records = impl_->file->records;
+    auto &at = impl_->at;
     const auto count = static_cast<std::int64_t>(records.size());
-    const std::int64_t current = impl_->current ? std::int64_t{*impl_->current} : -2;
+    const std::int64_t current = at.current ? std::int64_t{*at.current} : -2;
     const int direction = (which == Step::First || which == Step::Next) ? +1 : -1;
-    std::int64_t at = which == Step::First ? 0 : which == Step::Last ? count - 1 : current + direction;
-    if (!impl_->current && (which == Step::Next || which == Step::Previous))
+    std::int64_t next = which == Step::First ? 0 : which == Step::Last ? count - 1 : current + direction;
+    if (!at.current && (which == Step::Next || which == Step::Previous))
         return fail(Status::InvalidPositioning, "no current record to step from");
-    for (; at >= 0 && at < count; at += direction)
-        if (records.live(static_cast<std::size_t>(at))) {
-            impl_->current = static_cast<std::uint32_t>(at);
-            impl_->keyPath = -1;
+    for (; next >= 0 && next < count; next += direction)
+        if (records.live(static_cast<std::size_t>(next))) {
+            setCurrent(static_cast<std::uint32_t>(next));
+            at.keyPath = -1;
             return Status::Success;
         }
     return fail(Status::EndOfFile, "no record in that direction");
@@ -301,16 +299,16 @@ Status File::step(Step which)
 
 Bytes File::record() const
 {
-    if (!impl_ || !impl_->current || !impl_->records.live(*impl_->current))
+    if (!onLiveRecord())
         return {};
-    return impl_->records.record(*impl_->current);
+    return impl_->at.bytes;
 }
 
 Status File::readRecord(MutableBytes buffer, std::size_t &length) const
 {
     if (!impl_)
         return fail(Status::FileNotOpen, "file not open");
-    if (!impl_->current || !impl_->records.live(*impl_->current))
+    if (!onLiveRecord())
         return fail(Status::InvalidPositioning, "no current record");
     const auto bytesOfRecord = record();
     length = bytesOfRecord.size();
@@ -326,14 +324,17 @@ Status File::position(std::uint32_t &address) const
 {
     if (!impl_)
         return fail(Status::FileNotOpen, "file not open");
-    if (!impl_->current || !impl_->records.live(*impl_->current))
+    if (!onLiveRecord())
         return fail(Status::InvalidPositioning, "no current record");
-    address = impl_->records.address(*impl_->current);
+    address = impl_->at.address;
     return Status::Success;
 }
 
 Status File::guardedWrite(const std::function<Status(std::string &)> &write)
 {
+    // The file may be shared with a File of ours that writes; this one may not.
+    if (impl_->mode == OpenMode::ReadOnly)
+        return fail(Status::AccessDenied, "file was opened read-only");
     std::string message;
     try {
         const auto status = write(message);
@@ -345,23 +346,35 @@ Status File::guardedWrite(const std::function<Status(std::string &)> &write)
 
 Status File::update(Bytes record)
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
-    if (!impl_->current || !impl_->records.live(*impl_->current))
+    if (const auto refused = ready())
+        return *refused;
+    if (!onLiveRecord())
         return fail(Status::InvalidPositioning, "no current record to update");
-    return guardedWrite([&](std::string &message) { return updateRecord(*impl_, *impl_->current, record, message); });
+    auto &at = impl_->at;
+    // The caller may pass record() itself, a view of at.bytes.
+    std::vector<std::uint8_t> written(record.begin(), record.end());
+    return guardedWrite([&](std::string &message) {
+        const auto status = updateRecord(*impl_->file, *at.current, at.bytes, written, message);
+        if (status == Status::Success) {
+            if (at.keyPath >= 0)
+                at.keyImage =
+                    sortImageOfRecord(impl_->file->indexes.key(static_cast<std::size_t>(at.keyPath)), written);
+            at.bytes = std::move(written);
+        }
+        return status;
+    });
 }
 
 Status File::insert(Bytes record)
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
+    if (const auto refused = ready())
+        return *refused;
     return guardedWrite([&](std::string &message) {
         std::uint32_t ordinal = 0;
-        const auto status = insertRecord(*impl_, record, ordinal, message);
+        const auto status = insertRecord(*impl_->file, record, ordinal, message);
         if (status == Status::Success) {
-            impl_->current = ordinal;
-            impl_->keyPath = -1;
+            setCurrent(ordinal);
+            impl_->at.keyPath = -1;
         }
         return status;
     });
@@ -369,11 +382,11 @@ Status File::insert(Bytes record)
 
 Status File::erase()
 {
-    if (!impl_)
-        return fail(Status::FileNotOpen, "file not open");
-    if (!impl_->current || !impl_->records.live(*impl_->current))
+    if (const auto refused = ready())
+        return *refused;
+    if (!onLiveRecord())
         return fail(Status::InvalidPositioning, "no current record to delete");
-    return guardedWrite([&](std::string &message) { return deleteRecord(*impl_, *impl_->current, message); });
+    return guardedWrite([&](std::string &message) { return deleteRecord(*impl_->file, *impl_->at.current, message); });
 }
 
 } // namespace recman

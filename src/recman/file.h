@@ -22,6 +22,13 @@
 //    changed it), the update is refused with Conflict (80), nothing written.
 //  - insert() and erase() work only in files this engine created.
 // Each write reaches the disk (fsync) before the call returns.
+//
+// Files of this process that open the same data file share one handle, one
+// lock and one set of pages, so each sees the others' writes. Before every
+// operation the file's size and change times are looked at; when another
+// program changed it, the operation reads its structure again, so the change
+// is seen. record() is the current record as this File read it. Files that
+// share a data file must be used from one thread.
 #pragma once
 
 #include "bytes.h"
@@ -101,6 +108,9 @@ public:
     // Key value of a record for a key (segments concatenated).
     std::vector<std::uint8_t> keyValueOf(int key, Bytes record) const;
 
+    // Bytes of pages the file's cache holds now (bounded by pageCacheLimit()).
+    std::size_t cachedPageBytes() const;
+
     Status update(Bytes record);
     Status insert(Bytes record);
     Status erase();
@@ -124,6 +134,11 @@ private:
     enum class Step { First, Last, Next, Previous };
 
     Status fail(Status status, std::string message) const;
+    // Before every operation: the file is open, its structure is current, and
+    // this File's current record found again in it. A status when not.
+    std::optional<Status> ready();
+    void setCurrent(std::uint32_t ordinal);
+    bool onLiveRecord() const;
     // Checks the key number and builds the key's index if it is not built yet.
     std::optional<Status> useKey(int key);
     Status keyed(int key, Bytes keyValue, int operation);
@@ -131,8 +146,11 @@ private:
     Status step(Step which);
     Status positionAt(int key, std::size_t position);
     Status guardedWrite(const std::function<Status(std::string &)> &write);
-    // Puts the file back from its journal and reads it afresh (closes it if that fails).
+    // Puts the file back from its journal; every File sharing it reads it
+    // afresh (this one is closed if that fails).
     Status rollBackGroup();
+    // close() of the File whose group is still open.
+    void leaveGroupAtClose();
 
     std::unique_ptr<Impl> impl_;
     mutable std::string message_;

@@ -1,4 +1,6 @@
-// Groups of writes (File::beginGroup and the rest), kept in a journal.
+// Groups of writes (File::beginGroup and the rest), kept in a journal. The
+// journal belongs to the file's shared open: one group at a time, begun by one
+// File; writes made meanwhile through other Files sharing the file go into it.
 #include "openfile.h"
 
 namespace recman {
@@ -9,12 +11,17 @@ Status File::beginGroup()
         return fail(Status::FileNotOpen, "file not open");
     if (impl_->inGroup)
         return fail(Status::InvalidOperation, "a group of writes is already open on this file");
+    auto &file = *impl_->file;
     if (impl_->mode == OpenMode::ReadWrite) {
+        if (file.journal)
+            return fail(Status::InvalidOperation, "another user of " + file.path.string() +
+                                                      " in this program has a group of writes open on it");
         auto journal = std::make_unique<Journal>();
-        if (auto why = journal->begin(impl_->path); !why.empty())
+        if (auto why = journal->begin(file.path); !why.empty())
             return fail(Status::IoError, "cannot begin a group of writes: " + why);
-        impl_->handle.setJournal(journal.get());
-        impl_->journal = std::move(journal);
+        file.handle.setJournal(journal.get());
+        file.journal = std::move(journal);
+        file.groupOwner = impl_.get();
     }
     impl_->inGroup = true;
     return Status::Success;
@@ -30,11 +37,12 @@ Status File::endGroup()
     if (!inGroup())
         return fail(Status::InvalidOperation, "no group of writes is open on this file");
     impl_->inGroup = false;
-    if (!impl_->journal)
+    auto &file = *impl_->file;
+    if (file.groupOwner != impl_.get())
         return Status::Success;
-    impl_->handle.setJournal(nullptr);
-    const auto why = impl_->journal->commit(impl_->handle);
-    impl_->journal.reset();
+    file.handle.setJournal(nullptr);
+    const auto why = file.journal->commit(file.handle);
+    file.dropJournal();
     if (why.empty())
         return Status::Success;
     if (const auto status = rollBackGroup(); status != Status::Success)
@@ -47,23 +55,39 @@ Status File::abortGroup()
     if (!inGroup())
         return fail(Status::InvalidOperation, "no group of writes is open on this file");
     impl_->inGroup = false;
-    if (!impl_->journal)
+    if (impl_->file->groupOwner != impl_.get())
         return Status::Success;
-    impl_->handle.setJournal(nullptr);
-    impl_->journal.reset();
+    impl_->file->dropJournal();
     return rollBackGroup();
 }
 
 Status File::rollBackGroup()
 {
-    const auto path = impl_->path;
-    const auto mode = impl_->mode;
+    auto &file = *impl_->file;
     std::string report;
-    if (rollBack(path, report) == Rollback::Failed) {
-        close(); // what is in memory is no longer what is on disk
+    const bool failed = rollBack(file.path, report) == Rollback::Failed;
+    // Whatever was put back, it was put back behind the cache.
+    file.restoredBehindCache();
+    if (failed) {
+        close();
         return fail(Status::IoError, report + "; the file was closed and is rolled back when next opened");
     }
-    return open(path, mode);
+    impl_->at = Currency{};
+    if (auto refused = ready())
+        return *refused;
+    return Status::Success;
+}
+
+void File::leaveGroupAtClose()
+{
+    auto &file = *impl_->file;
+    file.dropJournal();
+    // Alone, the journal stays for the next open to roll back. Others sharing
+    // the file go on reading it: put it back for them now.
+    if (impl_->file.use_count() > 1) {
+        rollBack(file.path, message_);
+        file.restoredBehindCache();
+    }
 }
 
 } // namespace recman

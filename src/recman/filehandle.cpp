@@ -2,25 +2,16 @@
 
 #include "journal.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace recman {
-
-FileImage::FileImage(std::size_t size) : bytes_(new std::uint8_t[size]), size_(size)
-{
-    // Large pages cut the cost of faulting in a big image; a refusal is harmless.
-    const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
-    const auto start = (reinterpret_cast<std::uintptr_t>(bytes_.get()) + page - 1) / page * page;
-    const auto end = reinterpret_cast<std::uintptr_t>(bytes_.get()) + size;
-    if (end > start)
-        ::madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE);
-}
 
 FileHandle::~FileHandle()
 {
@@ -85,43 +76,61 @@ std::uint64_t FileHandle::size() const
 
 bool FileHandle::readAt(std::uint64_t offset, std::span<std::uint8_t> buffer) const
 {
+    return readFully(fd_, offset, buffer);
+}
+
+namespace {
+
+template <typename Buffer, typename Transfer>
+bool transferAll(Buffer buffer, std::uint64_t offset, Transfer transfer)
+{
     std::size_t done = 0;
     while (done < buffer.size()) {
-        const auto got = ::pread(fd_, buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
-        if (got < 0 && errno == EINTR)
+        const auto moved = transfer(buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
+        if (moved < 0 && errno == EINTR)
             continue;
-        if (got <= 0)
+        if (moved <= 0)
             return false;
-        done += static_cast<std::size_t>(got);
+        done += static_cast<std::size_t>(moved);
     }
     return true;
 }
 
-std::string FileHandle::readWhole(FileImage &image) const
+std::int64_t nanoseconds(const timespec &time)
+{
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+} // namespace
+
+FileStamp FileHandle::stamp() const
 {
     struct stat info {};
     if (fd_ < 0 || ::fstat(fd_, &info) != 0)
-        return std::strerror(errno);
-    image = FileImage(static_cast<std::size_t>(info.st_size));
-    if (!readAt(0, image.bytes()))
-        return "the file could not be read whole (it may have been shortened while being read)";
-    return {};
+        return {};
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    // Far more than a kernel clock tick; a later write in the same tick as the
+    // last change could otherwise leave both times as they are.
+    constexpr std::int64_t settleTime = 50'000'000;
+    const auto changed = nanoseconds(info.st_ctim);
+    return {static_cast<std::uint64_t>(info.st_size), nanoseconds(info.st_mtim), changed,
+            nanoseconds(now) - std::max(changed, nanoseconds(info.st_mtim)) > settleTime};
+}
+
+FileIdentity FileHandle::identity() const
+{
+    struct stat info {};
+    if (fd_ < 0 || ::fstat(fd_, &info) != 0)
+        return {};
+    return {static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino)};
 }
 
 bool FileHandle::writeAt(std::uint64_t offset, std::span<const std::uint8_t> data)
 {
     if (journal_ && !journal_->save(*this, offset, data.size()))
         return false;
-    std::size_t done = 0;
-    while (done < data.size()) {
-        const auto put = ::pwrite(fd_, data.data() + done, data.size() - done, static_cast<off_t>(offset + done));
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0)
-            return false;
-        done += static_cast<std::size_t>(put);
-    }
-    return true;
+    return writeFully(fd_, offset, data);
 }
 
 bool FileHandle::sync()
@@ -132,6 +141,20 @@ bool FileHandle::sync()
 bool FileHandle::tryLockExclusive()
 {
     return fd_ >= 0 && ::flock(fd_, LOCK_EX | LOCK_NB) == 0;
+}
+
+bool readFully(int fd, std::uint64_t offset, std::span<std::uint8_t> buffer)
+{
+    return transferAll(buffer, offset, [fd](void *at, std::size_t length, off_t from) {
+        return ::pread(fd, at, length, from);
+    });
+}
+
+bool writeFully(int fd, std::uint64_t offset, std::span<const std::uint8_t> data)
+{
+    return transferAll(data, offset, [fd](const void *at, std::size_t length, off_t from) {
+        return ::pwrite(fd, at, length, from);
+    });
 }
 
 bool syncDirectory(const std::filesystem::path &directory)

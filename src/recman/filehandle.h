@@ -12,18 +12,26 @@ namespace recman {
 
 class Journal;
 
-// All bytes of a file, in memory. The buffer is not zeroed first: the read
-// fills it.
-class FileImage {
-public:
-    FileImage() = default;
-    explicit FileImage(std::size_t size);
-    std::span<std::uint8_t> bytes() { return {bytes_.get(), size_}; }
-    std::span<const std::uint8_t> bytes() const { return {bytes_.get(), size_}; }
+// What a file looks like from outside: any write by anyone changes the size
+// or the change times. The times only move in the kernel's clock ticks, so a
+// stamp taken within a tick or two of the last change may not notice the
+// next one: such a stamp is not settled.
+struct FileStamp {
+    std::uint64_t size = 0;
+    std::int64_t modified = 0; // nanoseconds
+    std::int64_t changed = 0;  // nanoseconds (inode change)
+    bool settled = false;
+    bool sameAs(const FileStamp &other) const
+    {
+        return size == other.size && modified == other.modified && changed == other.changed;
+    }
+};
 
-private:
-    std::unique_ptr<std::uint8_t[]> bytes_;
-    std::size_t size_ = 0;
+// Which file this is, whatever the name it was opened by.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    auto operator<=>(const FileIdentity &) const = default;
 };
 
 class FileHandle {
@@ -42,11 +50,10 @@ public:
     bool isOpen() const { return fd_ >= 0; }
 
     std::uint64_t size() const;
+    FileStamp stamp() const;
+    FileIdentity identity() const;
     // Reads exactly buffer.size() bytes at offset; false on a short read or error.
     bool readAt(std::uint64_t offset, std::span<std::uint8_t> buffer) const;
-    // The whole file as it is now; the size is taken once, so a file that grows
-    // meanwhile is read to that size and one that shrinks fails the read.
-    std::string readWhole(FileImage &image) const;
     // With a journal set, the bytes about to be overwritten are saved in it first.
     bool writeAt(std::uint64_t offset, std::span<const std::uint8_t> data);
     void setJournal(Journal *journal) { journal_ = journal; }
@@ -61,5 +68,9 @@ private:
 
 // Makes a rename or create durable by syncing the directory that holds it.
 bool syncDirectory(const std::filesystem::path &directory);
+// All of buffer read or written at offset of a descriptor (interrupted calls
+// retried); false on an error or, reading, the file's end.
+bool readFully(int fd, std::uint64_t offset, std::span<std::uint8_t> buffer);
+bool writeFully(int fd, std::uint64_t offset, std::span<const std::uint8_t> data);
 
 } // namespace recman

@@ -34,14 +34,6 @@ std::uint8_t dataTag(const FileHeader &header)
     return header.format == Format::V6 ? pagetype::Data : 0;
 }
 
-Status refuseIfReadOnly(const File::Impl &file, std::string &message)
-{
-    if (file.mode == OpenMode::ReadWrite)
-        return Status::Success;
-    message = "file was opened read-only";
-    return Status::AccessDenied;
-}
-
 bool keyBytesEqual(const KeyDefinition &key, Bytes a, Bytes b)
 {
     std::vector<std::uint8_t> left, right;
@@ -51,7 +43,7 @@ bool keyBytesEqual(const KeyDefinition &key, Bytes a, Bytes b)
 }
 
 // A unique key that `record` would duplicate (other than record `self`), or -1.
-int duplicatedKey(File::Impl &file, Bytes record, std::optional<std::uint32_t> self)
+int duplicatedKey(OpenFile &file, Bytes record, std::optional<std::uint32_t> self)
 {
     for (std::size_t k = 0; k < file.indexes.size(); ++k) {
         if (file.indexes.key(k).allowsDuplicates())
@@ -90,7 +82,7 @@ struct PageOnDisk {
 // Status::Conflict (with the message set) when the record's user bytes on disk
 // are no longer the ones we read, or, in our own files, when anything was
 // committed since we opened (our page tables would then be stale).
-Status readRecordPage(File::Impl &file, std::uint32_t ordinal, PageOnDisk &page, std::string &message)
+Status readRecordPage(OpenFile &file, std::uint32_t ordinal, Bytes asRead, PageOnDisk &page, std::string &message)
 {
     const auto &header = file.header;
     const auto place = placeOf(header, file.records.address(ordinal));
@@ -107,7 +99,7 @@ Status readRecordPage(File::Impl &file, std::uint32_t ordinal, PageOnDisk &page,
     map.read(place.logical, dataTag(header), page.bytes);
     page.physical = map.physicalOf(place.logical);
     const Bytes stored = Bytes(page.bytes).subspan(place.offset + header.userOffset, header.recordLength);
-    if (!std::ranges::equal(stored, file.records.record(ordinal))) {
+    if (!std::ranges::equal(stored, asRead)) {
         message = "the record was changed by another user since it was read; nothing was written (read it again)";
         return Status::Conflict;
     }
@@ -117,7 +109,7 @@ Status readRecordPage(File::Impl &file, std::uint32_t ordinal, PageOnDisk &page,
 // In place, on the page as it stands on disk: the record manager's own files,
 // whose B-trees must not see a changed key. Only the record's own bytes change;
 // everything else on the page stays as the other writers left it.
-Status updateInPlace(File::Impl &file, std::uint32_t ordinal, PageOnDisk &page, Bytes record, std::string &message)
+Status updateInPlace(OpenFile &file, std::uint32_t ordinal, PageOnDisk &page, Bytes record, std::string &message)
 {
     const auto &header = file.header;
     const auto place = placeOf(header, file.records.address(ordinal));
@@ -134,7 +126,7 @@ Status updateInPlace(File::Impl &file, std::uint32_t ordinal, PageOnDisk &page, 
 // One shadow-paged change of a file this engine created.
 class ShadowCommit {
 public:
-    explicit ShadowCommit(File::Impl &file) : file_(file), control_(file.header.page) {}
+    explicit ShadowCommit(OpenFile &file) : file_(file), control_(file.header.page) {}
 
     std::vector<std::uint8_t> &page(std::uint32_t logical)
     {
@@ -259,13 +251,13 @@ private:
         return physical;
     }
 
-    File::Impl &file_;
+    OpenFile &file_;
     std::vector<std::uint8_t> control_;
     std::map<std::uint32_t, std::vector<std::uint8_t>> pages_;
     std::uint32_t nextAppend_ = 0;
 };
 
-Status refuseUnlessOwn(const File::Impl &file, const char *operation, std::string &message)
+Status refuseUnlessOwn(const OpenFile &file, const char *operation, std::string &message)
 {
     if (file.header.createdByEngine)
         return Status::Success;
@@ -276,7 +268,7 @@ Status refuseUnlessOwn(const File::Impl &file, const char *operation, std::strin
 }
 
 // Indexes not built yet need nothing: they are built from the records later.
-void reindex(File::Impl &file, std::uint32_t ordinal, const std::vector<std::vector<std::uint8_t>> &oldImages)
+void reindex(OpenFile &file, std::uint32_t ordinal, const std::vector<std::vector<std::uint8_t>> &oldImages)
 {
     for (std::size_t k = 0; k < file.indexes.size(); ++k)
         if (auto *index = file.indexes.built(k)) {
@@ -287,7 +279,7 @@ void reindex(File::Impl &file, std::uint32_t ordinal, const std::vector<std::vec
 
 // Taken for every key, built or not: a uniqueness check during the write may
 // build an index before the old images are needed.
-std::vector<std::vector<std::uint8_t>> imagesOf(const File::Impl &file, std::uint32_t ordinal)
+std::vector<std::vector<std::uint8_t>> imagesOf(const OpenFile &file, std::uint32_t ordinal)
 {
     std::vector<std::vector<std::uint8_t>> images;
     for (std::size_t k = 0; k < file.indexes.size(); ++k)
@@ -296,7 +288,7 @@ std::vector<std::vector<std::uint8_t>> imagesOf(const File::Impl &file, std::uin
 }
 
 // The first key whose bytes differ between two records, or -1.
-int changedKey(const File::Impl &file, Bytes before, Bytes after, bool modifiableOnesCount)
+int changedKey(const OpenFile &file, Bytes before, Bytes after, bool modifiableOnesCount)
 {
     for (std::size_t k = 0; k < file.indexes.size(); ++k) {
         const auto &key = file.indexes.key(k);
@@ -306,7 +298,7 @@ int changedKey(const File::Impl &file, Bytes before, Bytes after, bool modifiabl
     return -1;
 }
 
-Status checkRecordShape(const File::Impl &file, Bytes record, std::string &message)
+Status checkRecordShape(const OpenFile &file, Bytes record, std::string &message)
 {
     if (file.header.variable || file.header.compressed) {
         message = "writes to variable-length or compressed records are not supported";
@@ -320,7 +312,7 @@ Status checkRecordShape(const File::Impl &file, Bytes record, std::string &messa
     return Status::Success;
 }
 
-Status updateOwn(File::Impl &file, std::uint32_t ordinal, Bytes record, std::string &message)
+Status updateOwn(OpenFile &file, std::uint32_t ordinal, Bytes record, std::string &message)
 {
     if (const int key = changedKey(file, file.records.record(ordinal), record, false); key >= 0) {
         message = "key " + std::to_string(key) + " is not modifiable";
@@ -343,16 +335,14 @@ Status updateOwn(File::Impl &file, std::uint32_t ordinal, Bytes record, std::str
 
 } // namespace
 
-Status updateRecord(File::Impl &file, std::uint32_t ordinal, Bytes record, std::string &message)
+Status updateRecord(OpenFile &file, std::uint32_t ordinal, Bytes asRead, Bytes record, std::string &message)
 {
-    if (const auto status = refuseIfReadOnly(file, message); status != Status::Success)
-        return status;
     if (const auto status = checkRecordShape(file, record, message); status != Status::Success)
         return status;
     const auto oldImages = imagesOf(file, ordinal);
     try {
         PageOnDisk page;
-        Status status = readRecordPage(file, ordinal, page, message);
+        Status status = readRecordPage(file, ordinal, asRead, page, message);
         if (status != Status::Success)
             return status;
         if (file.header.createdByEngine) {
@@ -371,19 +361,14 @@ Status updateRecord(File::Impl &file, std::uint32_t ordinal, Bytes record, std::
         message = std::string("update refused: ") + error.what();
         return Status::IoError;
     }
-    const auto target = file.records.mutableRecord(ordinal);
-    std::copy(record.begin(), record.end(), target.begin());
+    file.wroteOwnChange();
+    file.records.replace(ordinal, record);
     reindex(file, ordinal, oldImages);
-    if (file.keyPath >= 0)
-        file.keyImage =
-            sortImageOfRecord(file.indexes.key(static_cast<std::size_t>(file.keyPath)), file.records.record(ordinal));
     return Status::Success;
 }
 
-Status insertRecord(File::Impl &file, Bytes record, std::uint32_t &ordinal, std::string &message)
+Status insertRecord(OpenFile &file, Bytes record, std::uint32_t &ordinal, std::string &message)
 {
-    if (const auto status = refuseIfReadOnly(file, message); status != Status::Success)
-        return status;
     if (const auto status = refuseUnlessOwn(file, "insert", message); status != Status::Success)
         return status;
     if (const auto status = checkRecordShape(file, record, message); status != Status::Success)
@@ -419,6 +404,7 @@ Status insertRecord(File::Impl &file, Bytes record, std::uint32_t &ordinal, std:
         const bool newPage = place.logical >= file.pages->logicalPageEnd();
         if (!commit.commit())
             return writeFailed(message);
+        file.wroteOwnChange();
         if (fromUnused)
             file.unusedSlots.erase(file.unusedSlots.begin());
         if (newPage)
@@ -437,10 +423,8 @@ Status insertRecord(File::Impl &file, Bytes record, std::uint32_t &ordinal, std:
     return Status::Success;
 }
 
-Status deleteRecord(File::Impl &file, std::uint32_t ordinal, std::string &message)
+Status deleteRecord(OpenFile &file, std::uint32_t ordinal, std::string &message)
 {
-    if (const auto status = refuseIfReadOnly(file, message); status != Status::Success)
-        return status;
     if (const auto status = refuseUnlessOwn(file, "delete", message); status != Status::Success)
         return status;
     const auto &header = file.header;
@@ -456,6 +440,7 @@ Status deleteRecord(File::Impl &file, std::uint32_t ordinal, std::string &messag
         bytes::putWs32(commit.control(), fcr::RecordCount, header.recordCount - 1);
         if (!commit.commit())
             return writeFailed(message);
+        file.wroteOwnChange();
     } catch (const FormatError &error) {
         message = std::string("delete refused: ") + error.what();
         return Status::IoError;

@@ -55,20 +55,6 @@ void seal(std::vector<std::uint8_t> &entry)
     put64(entry, body, fnv1a(Bytes(entry).first(body)));
 }
 
-bool writeAll(int fd, std::uint64_t offset, Bytes data)
-{
-    std::size_t done = 0;
-    while (done < data.size()) {
-        const auto put = ::pwrite(fd, data.data() + done, data.size() - done, static_cast<off_t>(offset + done));
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0)
-            return false;
-        done += static_cast<std::size_t>(put);
-    }
-    return true;
-}
-
 std::string systemReason(const std::string &what)
 {
     return what + ": " + std::strerror(errno);
@@ -92,16 +78,7 @@ bool readJournal(const std::filesystem::path &path, std::vector<std::uint8_t> &c
     if (file.fd < 0 || ::fstat(file.fd, &info) != 0)
         return false;
     content.resize(static_cast<std::size_t>(info.st_size));
-    std::size_t done = 0;
-    while (done < content.size()) {
-        const auto got = ::pread(file.fd, content.data() + done, content.size() - done, static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return false;
-        done += static_cast<std::size_t>(got);
-    }
-    return true;
+    return readFully(file.fd, 0, content);
 }
 
 struct Entry {
@@ -168,7 +145,7 @@ std::string Journal::begin(const std::filesystem::path &dataFile)
         return errno == EEXIST ? path.string() + " already exists: a group of writes is still open on the file"
                                : systemReason("cannot create " + path.string());
     dataFile_ = dataFile;
-    if (!writeAll(fd_, 0, Bytes(reinterpret_cast<const std::uint8_t *>(tag), tagLength)) || ::fsync(fd_) != 0 ||
+    if (!writeFully(fd_, 0, Bytes(reinterpret_cast<const std::uint8_t *>(tag), tagLength)) || ::fsync(fd_) != 0 ||
         !syncDirectory(path.parent_path())) {
         const auto reason = systemReason("cannot write " + path.string());
         ::close(fd_);
@@ -182,7 +159,7 @@ std::string Journal::begin(const std::filesystem::path &dataFile)
 bool Journal::append(std::span<const std::uint8_t> entry)
 {
     struct stat info {};
-    return ::fstat(fd_, &info) == 0 && writeAll(fd_, static_cast<std::uint64_t>(info.st_size), entry) &&
+    return ::fstat(fd_, &info) == 0 && writeFully(fd_, static_cast<std::uint64_t>(info.st_size), entry) &&
            ::fdatasync(fd_) == 0;
 }
 
@@ -242,7 +219,7 @@ Rollback rollBack(const std::filesystem::path &dataFile, std::string &report)
         return Rollback::Failed;
     }
     for (auto step = entries.rbegin(); step != entries.rend(); ++step) {
-        const bool put = step->kind == kindBytes ? writeAll(data.fd, step->offset, step->bytes)
+        const bool put = step->kind == kindBytes ? writeFully(data.fd, step->offset, step->bytes)
                                                  : ::ftruncate(data.fd, static_cast<off_t>(step->offset)) == 0;
         if (!put) {
             report = systemReason("cannot roll back " + dataFile.string() + " from " + path.string());

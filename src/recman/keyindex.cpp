@@ -118,9 +118,14 @@ void KeyIndex::insert(std::uint32_t ordinal)
 
 void KeyIndex::erase(std::uint32_t ordinal, const std::vector<std::uint8_t> &image)
 {
-    const auto position = lowerBound(image, ordinal);
-    if (position < order_.size() && order_[position] == ordinal)
-        order_.erase(order_.begin() + static_cast<std::ptrdiff_t>(position));
+    // Records are read from their pages, which already hold the record's new
+    // bytes (or a freed slot): the search may be misled exactly at the entry
+    // sought, and then a plain look through the index finds it.
+    auto position = order_.begin() + static_cast<std::ptrdiff_t>(lowerBound(image, ordinal));
+    if (position == order_.end() || *position != ordinal)
+        position = std::find(order_.begin(), order_.end(), ordinal);
+    if (position != order_.end())
+        order_.erase(position);
 }
 
 KeyIndexes::KeyIndexes(const std::vector<KeyDefinition> &keys, const RecordStore &records)

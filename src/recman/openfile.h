@@ -1,4 +1,9 @@
-// State of an open File, shared by the navigation and the write code.
+// State of an open data file, shared by every File of this process that has
+// the same file open (so that each sees the others' writes), and by the
+// navigation and the write code. Pages are read on demand through a small
+// cache; the file's size and change times are looked at before every
+// operation, and a change made by another program makes the next operation
+// read the file's structure again.
 #pragma once
 
 #include "file.h"
@@ -6,6 +11,7 @@
 #include "header.h"
 #include "journal.h"
 #include "keyindex.h"
+#include "pagecache.h"
 #include "pagemap.h"
 #include "recordstore.h"
 
@@ -15,14 +21,12 @@
 
 namespace recman {
 
-struct File::Impl {
-    FileHandle handle;
+struct OpenFile {
     std::filesystem::path path;
-    OpenMode mode = OpenMode::ReadOnly;
-    // A group of writes is open (beginGroup); its journal when the file is writable.
-    bool inGroup = false;
-    std::unique_ptr<Journal> journal;
+    FileHandle handle;
+    OpenMode mode = OpenMode::ReadOnly; // ReadWrite once any File of ours opened it so (and holds the lock)
     FileHeader header;
+    std::unique_ptr<PageCache> cache;
     std::unique_ptr<PageMap> pages;
     RecordStore records;
     KeyIndexes indexes;
@@ -31,18 +35,64 @@ struct File::Impl {
     std::vector<std::uint32_t> freePhysical;
     bool freePhysicalKnown = false;
     FileInfo info;
+    // What the file looked like when its structure was last read, and how
+    // many times it has been read (so that each File can find its place again).
+    FileStamp stamp;
+    std::uint64_t generation = 0;
+    // The group of writes a writing File of ours has open (File::beginGroup):
+    // its journal, set on the shared handle, so every write through it, by
+    // any File sharing it, saves its before-image first.
+    std::unique_ptr<Journal> journal;
+    const File::Impl *groupOwner = nullptr;
 
-    // Currency: the current record and, after a keyed operation, the key it was
-    // reached by and that key's sort image at the time (so next/previous still
-    // work after the record was deleted or changed).
-    std::optional<std::uint32_t> current;
-    int keyPath = -1;
-    std::vector<std::uint8_t> keyImage;
+    // Reads header, page tables and the record list; throws FormatError.
+    void load();
+    // load() again when the file changed on disk since it was last looked at.
+    void refreshIfChanged();
+    // After a write of ours: cached pages are stale, the new stamp is ours.
+    void wroteOwnChange();
+    // The file was put back from its journal behind the cache: the next
+    // operation reads it all anew, dropping the cached pages.
+    void restoredBehindCache();
+    // Ends the group's journal on the handle; the journal file stays.
+    void dropJournal();
 };
 
-// Writes; each returns Success or a status and sets message.
-Status updateRecord(File::Impl &file, std::uint32_t ordinal, Bytes record, std::string &message);
-Status insertRecord(File::Impl &file, Bytes record, std::uint32_t &ordinal, std::string &message);
-Status deleteRecord(File::Impl &file, std::uint32_t ordinal, std::string &message);
+// Where one File stands: the current record (its ordinal in the shared record
+// list of a given generation, and its address, by which it is found again
+// after the list was read anew) and, after a keyed operation, the key it was
+// reached by and that key's sort image at the time (so next/previous still
+// work after the record was deleted or changed). bytes: the record as this
+// File read it, which an update checks the disk against.
+struct Currency {
+    std::optional<std::uint32_t> current;
+    std::uint32_t address = 0;
+    std::uint64_t generation = 0;
+    int keyPath = -1;
+    std::vector<std::uint8_t> keyImage;
+    std::vector<std::uint8_t> bytes;
+};
+
+struct File::Impl {
+    std::shared_ptr<OpenFile> file;
+    OpenMode mode = OpenMode::ReadOnly; // this File's; the shared file may be open for writing by another
+    bool inGroup = false;               // beginGroup called; file->groupOwner is this when a journal is kept
+
+    Currency at;
+};
+
+// Opens path, or joins this process's open of the same file. Status and
+// message as File::open gives them.
+Status openShared(const std::filesystem::path &path, OpenMode mode, std::shared_ptr<OpenFile> &file,
+                  std::string &message);
+
+// refreshIfChanged() with its failure as a status and message.
+Status refresh(OpenFile &file, std::string &message);
+
+// Writes; each returns Success or a status and sets message. asRead: the
+// record's bytes as the caller read them.
+Status updateRecord(OpenFile &file, std::uint32_t ordinal, Bytes asRead, Bytes record, std::string &message);
+Status insertRecord(OpenFile &file, Bytes record, std::uint32_t &ordinal, std::string &message);
+Status deleteRecord(OpenFile &file, std::uint32_t ordinal, std::string &message);
 
 } // namespace recman

@@ -2,8 +2,8 @@
 
 namespace recman {
 
-PageMap::PageMap(const FileHandle &file, const FileHeader &header, std::uint64_t fileSize)
-    : file_(file), format_(header.format), pageSize_(header.pageSize),
+PageMap::PageMap(const FileHandle &file, const FileHeader &header, std::uint64_t fileSize, PageCache *cache)
+    : file_(file), cache_(cache), format_(header.format), pageSize_(header.pageSize),
       physicalPages_(static_cast<std::uint32_t>(fileSize / header.pageSize)), logicalEnd_(header.pagesInUse)
 {
     // A partial last page is ignored; a control record counting more pages
@@ -102,13 +102,10 @@ void PageMap::read(std::uint32_t logical, std::uint8_t expectedTag, std::vector<
     checkNamed(out, logical, expectedTag);
 }
 
-Bytes PageMap::pageIn(Bytes image, std::uint32_t logical, std::uint8_t expectedTag) const
+CachedPage PageMap::page(std::uint32_t logical, std::uint8_t expectedTag) const
 {
-    const std::uint64_t start = std::uint64_t{physicalOf(logical)} * pageSize_;
-    if (start + pageSize_ > image.size())
-        throw FormatError("page " + std::to_string(logical) + " lies beyond the end of the file");
-    const auto page = image.subspan(start, pageSize_);
-    checkNamed(page, logical, expectedTag);
+    auto page = cache_->get(physicalOf(logical));
+    checkNamed(*page, logical, expectedTag);
     return page;
 }
 

@@ -6,6 +6,7 @@
 
 #include "filehandle.h"
 #include "header.h"
+#include "pagecache.h"
 
 #include <cstdint>
 #include <vector>
@@ -23,8 +24,9 @@ constexpr std::uint8_t IndexBase = 0x80; // + key number
 
 class PageMap {
 public:
-    // fileSize: the size the file had when it was read whole at open.
-    PageMap(const FileHandle &file, const FileHeader &header, std::uint64_t fileSize);
+    // fileSize: the file's size when the header was read. cache: where page()
+    // reads through (may be null for a map used only with read()).
+    PageMap(const FileHandle &file, const FileHeader &header, std::uint64_t fileSize, PageCache *cache = nullptr);
 
     std::uint32_t pageSize() const { return pageSize_; }
     std::uint32_t physicalPageCount() const { return physicalPages_; }
@@ -39,8 +41,9 @@ public:
     // expected type tag). A mismatch means encryption, corruption or an
     // unknown layout, and throws.
     void read(std::uint32_t logical, std::uint8_t expectedTag, std::vector<std::uint8_t> &out) const;
-    // The same page where it lies in an image of the whole file, checked alike.
-    Bytes pageIn(Bytes image, std::uint32_t logical, std::uint8_t expectedTag) const;
+    // The same page through the cache, checked alike.
+    CachedPage page(std::uint32_t logical, std::uint8_t expectedTag) const;
+    std::uint64_t cacheEpoch() const { return cache_->epoch(); }
 
     // Entries per PAT page and the physical page of PAT pair `group`.
     std::uint32_t entriesPerPat() const { return pageSize_ / 4 - 2; }
@@ -64,6 +67,7 @@ private:
     std::size_t entryOffset(std::uint32_t logical, std::uint32_t &group) const;
 
     const FileHandle &file_;
+    PageCache *cache_;
     Format format_;
     std::uint32_t pageSize_;
     std::uint32_t physicalPages_;

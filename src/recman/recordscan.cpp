@@ -19,16 +19,16 @@ SlotAddress splitAddress(const FileHeader &header, std::uint32_t address)
     return {address / header.pageSize, address % header.pageSize};
 }
 
-// The page if it is a data page, else an empty view.
-Bytes dataPage(const FileHeader &header, const PageMap &pages, Bytes image, std::uint32_t logical)
+// The page if it is a data page, else null.
+CachedPage dataPage(const FileHeader &header, const PageMap &pages, std::uint32_t logical)
 {
     if (header.format == Format::V6)
-        return pages.typeOf(logical) == pagetype::Data ? pages.pageIn(image, logical, pagetype::Data) : Bytes{};
-    const auto page = pages.pageIn(image, logical, 0);
+        return pages.typeOf(logical) == pagetype::Data ? pages.page(logical, pagetype::Data) : nullptr;
+    auto page = pages.page(logical, 0);
     // Bit 15 marks data pages. A usage word of exactly 0x8000 does not mean
     // the page is empty: real files hold live records on such pages, so its
     // slots are judged one by one like any other page's.
-    return (bytes::u16(page, 4) & 0x8000) != 0 ? page : Bytes{};
+    return (bytes::u16(*page, 4) & 0x8000) != 0 ? page : nullptr;
 }
 
 struct FreeSlots {
@@ -36,7 +36,7 @@ struct FreeSlots {
     bool chainComplete = true; // false when the chain broke off and cannot be trusted alone
 };
 
-FreeSlots freeSlots(const FileHeader &header, const PageMap &pages, Bytes image, std::vector<std::string> &warnings)
+FreeSlots freeSlots(const FileHeader &header, const PageMap &pages, std::vector<std::string> &warnings)
 {
     FreeSlots result;
     auto &free = result.addresses;
@@ -55,8 +55,8 @@ FreeSlots freeSlots(const FileHeader &header, const PageMap &pages, Bytes image,
             break;
         }
         free.insert(address);
-        const auto page = pages.pageIn(image, where.page, header.format == Format::V6 ? pagetype::Data : 0);
-        address = bytes::ws32(page, where.offset);
+        const auto page = pages.page(where.page, header.format == Format::V6 ? pagetype::Data : 0);
+        address = bytes::ws32(*page, where.offset);
     }
     return result;
 }
@@ -83,10 +83,7 @@ bool v5SlotIsFree(const FileHeader &header, const FreeSlots &free, Bytes slot)
 // Follows a chain of variable-page fragments and appends their bytes.
 class TailReader {
 public:
-    TailReader(const FileHeader &header, const PageMap &pages, Bytes image)
-        : header_(header), pages_(pages), image_(image)
-    {
-    }
+    TailReader(const FileHeader &header, const PageMap &pages) : header_(header), pages_(pages) {}
 
     void append(bytes::VariablePointer pointer, std::vector<std::uint8_t> &out)
     {
@@ -104,7 +101,8 @@ public:
 private:
     bytes::VariablePointer appendFragment(bytes::VariablePointer pointer, std::vector<std::uint8_t> &out)
     {
-        const Bytes page = pages_.pageIn(image_, pointer.page, header_.format == Format::V6 ? pagetype::Variable : 0);
+        const auto held = pages_.page(pointer.page, header_.format == Format::V6 ? pagetype::Variable : 0);
+        const Bytes page(*held);
         const std::uint32_t count = bytes::u16(page, 10);
         const std::uint32_t fragment = pointer.fragment;
         const std::uint32_t directoryLimit = (header_.pageSize - 12) / 2;
@@ -143,7 +141,6 @@ private:
 
     const FileHeader &header_;
     const PageMap &pages_;
-    Bytes image_;
 };
 
 // Alternating literal and repeat runs, each with a 16-bit count.
@@ -172,13 +169,11 @@ std::vector<std::uint8_t> expand(Bytes stream)
 
 } // namespace
 
-ScanResult scanRecords(const FileHeader &header, const PageMap &pages, FileImage image)
+ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
 {
-    ScanResult result;
-    result.records.adoptImage(std::move(image));
-    const Bytes file = result.records.image();
-    const auto free = freeSlots(header, pages, file, result.warnings);
-    TailReader tails(header, pages, file);
+    ScanResult result{RecordStore(pages, header), {}, {}};
+    const auto free = freeSlots(header, pages, result.warnings);
+    TailReader tails(header, pages);
     const bool assembled = header.compressed || header.variable;
     std::vector<std::uint8_t> record;
     const auto perPage = slotsPerPage(header);
@@ -186,14 +181,14 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages, FileImage
     // The control record's count is only trusted as far as the file could hold it.
     const std::uint64_t possible = std::uint64_t{pages.physicalPageCount()} * perPage;
     const std::uint64_t expected = std::min<std::uint64_t>(header.recordCount, possible);
-    result.records.reserve(expected,
-                           assembled ? std::min<std::uint64_t>(expected * header.recordLength, file.size()) : 0);
+    result.records.reserve(expected);
     // Every data page is read to its end: the control record's count is checked
     // against what the pages hold, never used to stop early.
     for (std::uint32_t logical = 1; logical < pages.logicalPageEnd(); ++logical) {
-        const Bytes view = dataPage(header, pages, file, logical);
-        if (view.empty())
+        const auto held = dataPage(header, pages, logical);
+        if (!held)
             continue;
+        const Bytes view(*held);
         for (std::uint32_t slot = 0; slot < perPage; ++slot) {
             const auto offset = slotOffset(header, slot);
             const auto address = logical * header.pageSize + offset;
@@ -207,7 +202,7 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages, FileImage
             if (header.format == Format::V5 && v5SlotIsFree(header, free, bytesOfSlot))
                 continue;
             if (!assembled) {
-                result.records.appendFromImage(bytesOfSlot.subspan(header.userOffset, header.recordLength), address);
+                result.records.appendOnPage(address);
             } else if (header.compressed) {
                 std::vector<std::uint8_t> stream;
                 tails.append(bytes::vp24(bytesOfSlot, 0), stream);

@@ -18,8 +18,9 @@ struct ScanResult {
     std::vector<std::string> warnings;
 };
 
-// image: the whole file, read at open; fixed-length records stay in it.
-ScanResult scanRecords(const FileHeader &header, const PageMap &pages, FileImage image);
+// Reads the data pages through pages' cache; fixed-length records are listed
+// by address and read again from their pages when wanted.
+ScanResult scanRecords(const FileHeader &header, const PageMap &pages);
 
 // Slot geometry shared with the writer.
 inline std::uint32_t slotsPerPage(const FileHeader &header)

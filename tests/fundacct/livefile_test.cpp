@@ -1,6 +1,7 @@
 // Kora-Fund files used while Kora-Fund works on them: a header count that
-// disagrees is reported and logged but every record is read, and a record
-// another program changed after we read it is never overwritten.
+// disagrees is reported and logged but every record is read, a record
+// another program changed after we read it is never overwritten, and what it
+// and our other controls write is seen by the next read.
 #include "dataaccesscontrol.h"
 #include "errobject.h"
 #include "fundfieldvalue.h"
@@ -45,13 +46,13 @@ protected:
     void setHeaderCount(const QString &name, std::uint32_t count) const
     {
         QByteArray bytes = bytesOf(name);
-        const auto pageSize = recman::bytes::u16(recman::Bytes(reinterpret_cast<const std::uint8_t *>(bytes.data()),
-                                                               static_cast<std::size_t>(bytes.size())),
-                                                 0x08);
+        const auto pageSize = recman::bytes::u16(
+            recman::Bytes(reinterpret_cast<const std::uint8_t *>(bytes.data()), static_cast<std::size_t>(bytes.size())),
+            0x08);
         for (std::size_t copy = 0; copy < 2; ++copy)
-            recman::bytes::putWs32(
-                recman::MutableBytes(reinterpret_cast<std::uint8_t *>(bytes.data()), static_cast<std::size_t>(bytes.size())),
-                copy * pageSize + 0x1A, count);
+            recman::bytes::putWs32(recman::MutableBytes(reinterpret_cast<std::uint8_t *>(bytes.data()),
+                                                        static_cast<std::size_t>(bytes.size())),
+                                   copy * pageSize + 0x1A, count);
         QFile file(dataFile(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(bytes);
@@ -79,8 +80,8 @@ void overwriteFromAnotherProcess(const QString &path, qint64 offset, const QByte
     const pid_t child = ::fork();
     if (child == 0) {
         const int fd = ::open(native.constData(), O_WRONLY);
-        const bool ok = fd >= 0 && ::pwrite(fd, bytes.constData(), static_cast<std::size_t>(bytes.size()), offset) ==
-                                       bytes.size();
+        const bool ok =
+            fd >= 0 && ::pwrite(fd, bytes.constData(), static_cast<std::size_t>(bytes.size()), offset) == bytes.size();
         ::_exit(ok ? 0 : 1);
     }
     int status = 0;
@@ -133,8 +134,34 @@ TEST_F(LiveFileTest, ARecordChangedByAnotherProgramAfterOurReadIsNotOverwritten)
 
     control.setFieldValue(QStringLiteral("Name"), QStringLiteral("Renamed"));
     EXPECT_EQ(control.Update(), 80);
-    EXPECT_TRUE(control.Message().contains(QStringLiteral("changed by another user"))) << control.Message().toStdString();
+    EXPECT_TRUE(control.Message().contains(QStringLiteral("changed by another user")))
+        << control.Message().toStdString();
     EXPECT_EQ(bytesOf(QStringLiteral("building.btr")), theirs);
+}
+
+TEST_F(LiveFileTest, TwoControlsOnOneFileSeeEachOthersWritesAndAnotherProgramsPostings)
+{
+    DataAccessControl first, second;
+    ASSERT_EQ(open(first, QStringLiteral("Buildings")), 0) << first.Message().toStdString();
+    ASSERT_EQ(open(second, QStringLiteral("Buildings")), 0) << second.Message().toStdString();
+    auto nameOfBuilding01 = [](DataAccessControl &control) {
+        control.setIndexNumber(0);
+        control.setFieldValue(QStringLiteral("Building ID"), QStringLiteral("01"));
+        return control.GetEqual() == 0 ? control.FieldValue(QStringLiteral("Name")).toString().trimmed() : QString();
+    };
+    ASSERT_EQ(nameOfBuilding01(first), QStringLiteral("Lakeview Elementary"));
+    first.setFieldValue(QStringLiteral("Name"), QStringLiteral("Renamed"));
+    ASSERT_EQ(first.Update(), 0) << first.Message().toStdString();
+    EXPECT_EQ(nameOfBuilding01(second), QStringLiteral("Renamed"));
+    second.setFieldValue(QStringLiteral("Name"), QStringLiteral("Again"));
+    ASSERT_EQ(second.Update(), 0) << second.Message().toStdString();
+    EXPECT_EQ(nameOfBuilding01(first), QStringLiteral("Again"));
+
+    const qint64 at = bytesOf(QStringLiteral("building.btr")).indexOf("Again ");
+    ASSERT_GE(at, 0);
+    overwriteFromAnotherProcess(dataFile(QStringLiteral("building.btr")), at, QByteArrayLiteral("Posted"));
+    EXPECT_EQ(nameOfBuilding01(first), QStringLiteral("Posted"));
+    EXPECT_EQ(nameOfBuilding01(second), QStringLiteral("Posted"));
 }
 
 TEST_F(LiveFileTest, AFileAnotherProcessHoldsForWritingIsReadButNotWritten)
@@ -147,8 +174,8 @@ TEST_F(LiveFileTest, AFileAnotherProcessHoldsForWritingIsReadButNotWritten)
     const pid_t child = ::fork();
     if (child == 0) {
         recman::File holder;
-        const bool held = holder.open(QFile::encodeName(path).toStdString(), recman::OpenMode::ReadWrite) ==
-                          recman::Status::Success;
+        const bool held =
+            holder.open(QFile::encodeName(path).toStdString(), recman::OpenMode::ReadWrite) == recman::Status::Success;
         char byte = held ? 'y' : 'n';
         (void)!::write(ready[1], &byte, 1);
         (void)!::read(release[0], &byte, 1);

@@ -183,6 +183,58 @@ TEST_F(JournalTest, EndKeepsTheGroupAndAbortPutsTheFileBack)
     EXPECT_EQ(recmantest::readBytes(path), kept);
 }
 
+TEST_F(JournalTest, FilesSharingTheFileShareItsGroup)
+{
+    File reader;
+    File owner;
+    File other;
+    ASSERT_EQ(reader.open(path), Status::Success);
+    ASSERT_EQ(owner.open(path, OpenMode::ReadWrite), Status::Success);
+    ASSERT_EQ(other.open(path, OpenMode::ReadWrite), Status::Success);
+    ASSERT_EQ(owner.beginGroup(), Status::Success);
+    EXPECT_EQ(other.beginGroup(), Status::InvalidOperation) << "one group at a time on a shared file";
+    ASSERT_TRUE(manyWrites(owner));
+    ASSERT_TRUE(firstRecordChanged(other, 'o')) << other.lastMessage();
+    ASSERT_EQ(reader.stepFirst(), Status::Success);
+    EXPECT_EQ(reader.record()[4], 'o');
+
+    // The other File's write went into the group and is undone with it; the
+    // pages every File had cached are gone.
+    ASSERT_EQ(owner.abortGroup(), Status::Success) << owner.lastMessage();
+    EXPECT_EQ(recmantest::readBytes(path), original);
+    for (File *file : {&reader, &other}) {
+        ASSERT_EQ(file->stepFirst(), Status::Success);
+        EXPECT_EQ(file->record()[4], 'a');
+        EXPECT_EQ(file->info().recordCount, 20u);
+    }
+
+    // Closing the group's File while others still use the file puts it back at once.
+    ASSERT_EQ(owner.beginGroup(), Status::Success);
+    ASSERT_TRUE(manyWrites(owner));
+    owner.close();
+    EXPECT_EQ(recmantest::readBytes(path), original);
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(path)));
+    ASSERT_EQ(other.getEqual(0, makeRecord(3, ' ')), Status::Success) << "the deleted record is back";
+    EXPECT_EQ(other.beginGroup(), Status::Success);
+}
+
+TEST_F(JournalTest, AReaderOfTheInterruptedFileSeesItRolledBack)
+{
+    killedMidGroup(path, manyWrites);
+    File reader; // caches the pages the interrupted group left
+    ASSERT_EQ(reader.open(path), Status::Success) << reader.lastMessage();
+    ASSERT_EQ(reader.stepFirst(), Status::Success);
+    ASSERT_EQ(reader.record()[4], 'v');
+
+    File writer; // joins the reader's open, takes the lock and rolls back
+    ASSERT_EQ(writer.open(path, OpenMode::ReadWrite), Status::Success) << writer.lastMessage();
+    EXPECT_NE(writer.info().rolledBack.find("rolled back"), std::string::npos);
+    EXPECT_EQ(recmantest::readBytes(path), original);
+    ASSERT_EQ(reader.stepFirst(), Status::Success);
+    EXPECT_EQ(reader.record()[4], 'a');
+    EXPECT_EQ(reader.info().recordCount, 20u);
+}
+
 TEST(RecordManagerFileGroups, AnInPlaceUpdateKilledMidGroupIsRolledBack)
 {
     recmantest::TempDir dir;

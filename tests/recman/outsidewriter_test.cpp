@@ -1,10 +1,15 @@
-// Another program writes the file while we have it open: its changes must
-// survive our updates, which either land beside them or are refused.
+// Another program writes the file while we have it open: our next read sees
+// its changes, and they survive our updates, which either land beside them or
+// are refused. Another process holding the file for writing keeps us to reading.
 #include "file.h"
 #include "oldformatfile.h"
 #include "recmantest.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -96,6 +101,68 @@ TEST(OutsideWriter, SixXFilesAreCheckedOnTheirCurrentPage)
     ours[500] = 'Z';
     EXPECT_EQ(file.update(ours), Status::Conflict);
     EXPECT_EQ(recmantest::readBytes(path), theirs);
+}
+
+TEST(OutsideWriter, TheNextReadSeesAChangeMadeWhileOpen)
+{
+    LiveOldFile live;
+    writeFromAnotherProcess(live.path, live.shape.address(1, 1) + 12, {'P', 'O', 'S', 'T'});
+    ASSERT_EQ(live.file.stepNext(), Status::Success);
+    EXPECT_EQ(std::string(live.file.record().begin() + 12, live.file.record().begin() + 16), "POST");
+    writeFromAnotherProcess(live.path, live.shape.address(1, 0) + 12, {'A', 'G', 'A', 'I'});
+    ASSERT_EQ(live.file.stepPrevious(), Status::Success);
+    EXPECT_EQ(std::string(live.file.record().begin() + 12, live.file.record().begin() + 16), "AGAI");
+
+    // A keyed read of a 6.x file, with its index already built. The file was
+    // last changed long enough before the open for its times to be trusted.
+    recmantest::TempDir dir;
+    const auto path = recmantest::writableFixture(dir, "GALTELA.DAT");
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    ASSERT_EQ(file.getFirst(0), Status::Success);
+    const std::vector<std::uint8_t> first(file.record().begin(), file.record().end());
+    const auto key = file.keyValueOf(0, first);
+    const auto before = recmantest::readBytes(path);
+    const auto at = std::search(before.begin(), before.end(), first.begin(), first.end());
+    ASSERT_NE(at, before.end());
+    writeFromAnotherProcess(path, static_cast<std::uint64_t>(at - before.begin()) + 600, {'X'});
+    ASSERT_EQ(file.getEqual(0, key), Status::Success) << file.lastMessage();
+    EXPECT_EQ(file.record()[600], 'X');
+}
+
+TEST(OutsideWriter, AFileAnotherProcessHoldsForWritingIsLocked)
+{
+    LiveOldFile live;
+    live.file.close();
+    int ready[2];
+    int release[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    ASSERT_EQ(::pipe(release), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        File holder;
+        char byte = holder.open(live.path, OpenMode::ReadWrite) == Status::Success ? 'y' : 'n';
+        (void)!::write(ready[1], &byte, 1);
+        (void)!::read(release[0], &byte, 1);
+        ::_exit(0);
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    ASSERT_EQ(byte, 'y');
+    File file;
+    EXPECT_EQ(file.open(live.path, OpenMode::ReadWrite), Status::FileInUse);
+    EXPECT_NE(file.lastMessage().find("File Locked by other process"), std::string::npos) << file.lastMessage();
+    EXPECT_EQ(file.open(live.path), Status::Success) << file.lastMessage();
+    // Reading alongside does not make it ours to write either.
+    File writer;
+    EXPECT_EQ(writer.open(live.path, OpenMode::ReadWrite), Status::FileInUse);
+
+    (void)!::write(release[1], &byte, 1);
+    ::waitpid(child, nullptr, 0);
+    for (int fd : {ready[0], ready[1], release[0], release[1]})
+        ::close(fd);
+    EXPECT_EQ(writer.open(live.path, OpenMode::ReadWrite), Status::Success) << writer.lastMessage();
 }
 
 } // namespace

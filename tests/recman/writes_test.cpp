@@ -1,6 +1,7 @@
 // Creating files, and the writes each kind of file allows.
 #include "creator.h"
 #include "file.h"
+#include "pagecache.h"
 #include "recmantest.h"
 
 #include <gtest/gtest.h>
@@ -264,10 +265,6 @@ TEST(RecordManagerFileWrites, OnlyNonKeyBytesOfExistingRecordsChange)
     ASSERT_EQ(readOnly.open(path), Status::Success);
     ASSERT_EQ(readOnly.stepFirst(), Status::Success);
     EXPECT_EQ(readOnly.update(record), Status::AccessDenied);
-    // One writer at a time.
-    File writer, second;
-    ASSERT_EQ(writer.open(path, OpenMode::ReadWrite), Status::Success);
-    EXPECT_EQ(second.open(path, OpenMode::ReadWrite), Status::FileInUse);
 }
 
 TEST(RecordManagerFileWrites, VariableLengthRecordsAreNotRewritten)
@@ -339,19 +336,72 @@ TEST_F(CreatedFile, WritesBeforeAndAfterTheFirstKeyedUseKeepIndexesRight)
     EXPECT_EQ(file.record()[0], 200);
 }
 
-TEST_F(CreatedFile, AFileChangedAfterOpenDoesNotChangeWhatWasRead)
+TEST_F(CreatedFile, TwoFilesOfOneProcessShareItAndSeeEachOthersWrites)
+{
+    File first, second, reader;
+    ASSERT_EQ(first.open(path, OpenMode::ReadWrite), Status::Success) << first.lastMessage();
+    ASSERT_EQ(second.open(path, OpenMode::ReadWrite), Status::Success) << second.lastMessage();
+    ASSERT_EQ(reader.open(path), Status::Success) << reader.lastMessage();
+    const std::int32_t nine = 9;
+    const Bytes key(reinterpret_cast<const std::uint8_t *>(&nine), 4);
+    EXPECT_EQ(second.getEqual(0, key), Status::KeyNotFound);
+    ASSERT_EQ(first.insert(makeRecord(9, "ODD", "first")), Status::Success) << first.lastMessage();
+    ASSERT_EQ(second.getEqual(0, key), Status::Success) << second.lastMessage();
+    ASSERT_EQ(second.update(makeRecord(9, "ODD", "second")), Status::Success) << second.lastMessage();
+    ASSERT_EQ(reader.getEqual(0, key), Status::Success);
+    EXPECT_EQ(std::string(reader.record().begin() + 20, reader.record().begin() + 26), "second");
+    EXPECT_EQ(reader.update(makeRecord(9, "ODD", "reader")), Status::AccessDenied);
+    // first still holds the bytes it wrote: its update would undo second's.
+    EXPECT_EQ(first.update(makeRecord(9, "ODD", "again")), Status::Conflict);
+    ASSERT_EQ(first.getEqual(0, key), Status::Success);
+    ASSERT_EQ(first.erase(), Status::Success) << first.lastMessage();
+    EXPECT_EQ(idsInKeyOrder(second, 0), (std::vector<std::int32_t>{-3, 0, 5, 7, 200}));
+    EXPECT_EQ(second.getEqual(0, key), Status::KeyNotFound);
+}
+
+TEST(CreatedFiles, PagesAreCachedWithinTheLimit)
+{
+    recmantest::TempDir dir;
+    const auto path = dir / "BULK.BTR";
+    auto spec = sampleSpec();
+    spec.pageSize = 1024;
+    std::int32_t next = 0;
+    std::string message;
+    ASSERT_EQ(createFile(
+                  path, spec,
+                  [&](std::vector<std::uint8_t> &record) {
+                      record = makeRecord(next, "BULK");
+                      return next++ < 6000;
+                  },
+                  message),
+              Status::Success)
+        << message;
+    const auto limit = pageCacheLimit();
+    setPageCacheLimit(64 * 1024);
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    EXPECT_EQ(idsInKeyOrder(file, 1).size(), 6000u);
+    EXPECT_EQ(idsInPhysicalOrder(file).size(), 6000u);
+    EXPECT_GT(file.cachedPageBytes(), 0u);
+    EXPECT_LE(file.cachedPageBytes(), 64u * 1024);
+    setPageCacheLimit(limit);
+}
+
+TEST_F(CreatedFile, AFileSpoiledBehindTheOpenIsRefusedByTheNextOperation)
 {
     File file;
     ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
-    // Shortened and overwritten behind the open file, before any index exists.
+    EXPECT_EQ(idsInKeyOrder(file, 1), (std::vector<std::int32_t>{200, 0, 5, -3, 7}));
+    // Shortened and overwritten by another program while open.
     auto bytes = recmantest::readBytes(path);
     bytes.resize(bytes.size() / 3);
     std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() / 2), bytes.end(), std::uint8_t{0xEE});
     recmantest::writeBytes(path, bytes);
-    EXPECT_EQ(idsInPhysicalOrder(file), (std::vector<std::int32_t>{5, -3, 200, 0, 7}));
-    EXPECT_EQ(idsInKeyOrder(file, 1), (std::vector<std::int32_t>{200, 0, 5, -3, 7}));
     const std::int32_t seven = 7;
-    EXPECT_EQ(file.getEqual(0, Bytes(reinterpret_cast<const std::uint8_t *>(&seven), 4)), Status::Success);
+    EXPECT_EQ(file.getEqual(0, Bytes(reinterpret_cast<const std::uint8_t *>(&seven), 4)),
+              Status::NotARecordManagerFile);
+    EXPECT_NE(file.lastMessage().find("changed on disk"), std::string::npos) << file.lastMessage();
+    EXPECT_TRUE(file.record().empty() || file.record()[0] == 7);
     file.close();
     EXPECT_NE(file.open(path), Status::Success);
 }
