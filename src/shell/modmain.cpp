@@ -85,7 +85,8 @@ namespace {
 QString absoluteRoot(const QString &given)
 {
     const bool windowsPath = given.startsWith(u'\\') || (given.size() > 1 && given.at(1) == u':');
-    return windowsPath || !QDir::isRelativePath(given) ? given : QDir::current().absoluteFilePath(given);
+    return given.isEmpty() || windowsPath || !QDir::isRelativePath(given) ? given
+                                                                         : QDir::current().absoluteFilePath(given);
 }
 
 } // namespace
