@@ -345,8 +345,10 @@ bool DataAccessControl::setFieldValue(const QString &field, const QVariant &valu
 void DataAccessControl::clearRecord()
 {
     auto &buffer = impl_->buffer;
-    // The fixed part only: a variable-length record read before does not carry over.
-    buffer.assign(impl_->file.isOpen() ? impl_->file.info().recordLength : impl_->table.recordLength(), 0);
+    // The fixed part, and as much of a variable-length tail as the dictionary
+    // has fields in: a record read before does not carry over.
+    const std::size_t fixedPart = impl_->file.isOpen() ? impl_->file.info().recordLength : 0;
+    buffer.assign(std::max<std::size_t>(fixedPart, impl_->table.recordLength()), 0);
     for (const recman::FieldDef &field : impl_->table.fields) {
         if (field.type == recman::DataType::String)
             std::fill_n(buffer.begin() + field.offset, field.size, std::uint8_t(' '));
@@ -370,7 +372,8 @@ int DataAccessControl::Open()
         opened = d.file.open(*path, recman::OpenMode::ReadOnly);
     if (opened != FileStatus::Success)
         return d.fromFile(opened);
-    if (d.file.info().recordLength < d.table.recordLength()) {
+    // A variable-length record's fields run on into its tail, past the fixed part.
+    if (!d.file.info().variable && d.file.info().recordLength < d.table.recordLength()) {
         d.file.close();
         return d.set(static_cast<int>(FileStatus::DataBufferTooShort),
                      QStringLiteral("records of \"%1\" are %2 bytes, the dictionary needs %3")

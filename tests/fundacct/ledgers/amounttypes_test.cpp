@@ -5,6 +5,7 @@
 #include "installationschema.h"
 #include "ledgerfixture.h"
 #include "objectsummaryledgers.h"
+#include "variablefile.h"
 
 #include "file.h"
 
@@ -33,8 +34,12 @@ recman::TableDef retyped(recman::TableDef table, const AmountType &to)
     return table;
 }
 
-// Rewrites a data file record by record for the retyped table.
-void convertFile(const std::filesystem::path &path, const recman::TableDef &from, const recman::TableDef &to)
+enum class Layout { Fixed, Variable };
+
+// Rewrites a data file record by record for the retyped table. Variable-length
+// records keep the fields before the first amount in their fixed part.
+void convertFile(const std::filesystem::path &path, const recman::TableDef &from, const recman::TableDef &to,
+                 Layout layout)
 {
     std::vector<std::vector<std::uint8_t>> records;
     {
@@ -51,9 +56,23 @@ void convertFile(const std::filesystem::path &path, const recman::TableDef &from
             records.push_back(std::move(record));
         }
     }
+    if (layout == Layout::Variable) {
+        const auto firstAmount = std::find_if(from.fields.begin(), from.fields.end(), [](const auto &field) {
+            return field.type == recman::DataType::Currency;
+        });
+        ASSERT_NE(firstAmount, from.fields.end());
+        variablefile::create(path, to, to.fields[firstAmount - from.fields.begin()].offset, records);
+        return;
+    }
     std::string message;
-    ASSERT_EQ(recman::createDataFile(path, to, records, message, recman::CreateMode::Overwrite), recman::Status::Success)
+    ASSERT_EQ(recman::createDataFile(path, to, records, message, recman::CreateMode::Overwrite),
+              recman::Status::Success)
         << message;
+}
+
+QString joined(const MonthlyTexts &months)
+{
+    return QStringList(months.begin(), months.end()).join(QLatin1Char('/'));
 }
 
 struct Snapshot {
@@ -61,18 +80,20 @@ struct Snapshot {
     Currency unencumbered;
 };
 
-class AmountTypeTest : public LedgerTest, public ::testing::WithParamInterface<AmountType> {
+class RetypedLedgerTest : public LedgerTest {
 protected:
-    void retypeLedgerAmounts()
+    void retypeLedgerAmounts(const AmountType &to, Layout layout = Layout::Fixed)
     {
         std::vector<recman::TableDef> tables;
         for (const FundTableSpec &spec : installationTables()) {
             tables.push_back(spec.table);
-            if (spec.table.name != "SummaryExpenditure" && spec.table.name != "Transactions")
+            if (spec.table.name != "SummaryExpenditure" && spec.table.name != "SummaryRevenue" &&
+                spec.table.name != "Transactions")
                 continue;
-            tables.back() = retyped(spec.table, GetParam());
+            tables.back() = retyped(spec.table, to);
             convertFile(std::filesystem::path(root().toStdString()) / "FUND" / spec.fileName.toStdString(), spec.table,
-                        tables.back());
+                        tables.back(), layout);
+            ASSERT_FALSE(HasFatalFailure());
         }
         std::string why;
         ASSERT_EQ(recman::createDictionary(root().toStdString(), tables, why, fundCodePage()), recman::Status::Success)
@@ -89,13 +110,43 @@ protected:
         EXPECT_EQ(summary.CalcBalance(), 0) << summary.ErrorMsg().toStdString();
         return {summary.EncumPlaced, summary.TotalUnencumBalance};
     }
+
+    // What the summary objects read: every revenue account with its months,
+    // each expenditure account's year, and a revenue account's balance.
+    QStringList reads()
+    {
+        QStringList lines;
+        classObjectRLSummary revenue;
+        init(revenue);
+        std::vector<RevenueSummaryFields> accounts;
+        EXPECT_EQ(revenue.GetAllAccounts(accounts), 0) << revenue.ErrorMsg().toStdString();
+        for (const RevenueSummaryFields &account : accounts)
+            lines << account.AccountCode + QLatin1Char(' ') + joined(account.OpeningEntry) + QLatin1Char(' ') +
+                         joined(account.RevenueRec);
+        revenue.AccountCode = QStringLiteral("A3101");
+        EXPECT_EQ(revenue.Retrieve(), 0) << revenue.ErrorMsg().toStdString();
+        revenue.TransDate = QStringLiteral("06");
+        EXPECT_EQ(revenue.CalcBalance(), 0) << revenue.ErrorMsg().toStdString();
+        lines << QStringLiteral("unearned ") + revenue.TotalUnearnedBalance.toSqlText();
+        classObjectELSummary expenditure;
+        init(expenditure);
+        EXPECT_EQ(expenditure.ForEachAccountYear([&](const auto &) {
+            lines << expenditure.AccountCode + QLatin1Char(' ') + expenditure.TotalPaymentExpense.toSqlText() +
+                         QLatin1Char(' ') + expenditure.TotalUnencumBalance.toSqlText();
+        }),
+                  0)
+            << expenditure.ErrorMsg().toStdString();
+        return lines;
+    }
 };
+
+class AmountTypeTest : public RetypedLedgerTest, public ::testing::WithParamInterface<AmountType> {};
 
 TEST_P(AmountTypeTest, BalancesAndPostingsAreExact)
 {
     const Snapshot before = snapshot();
     ASSERT_FALSE(before.unencumbered.isZero());
-    retypeLedgerAmounts();
+    retypeLedgerAmounts(GetParam());
     const Snapshot after = snapshot();
     EXPECT_EQ(after.placed, before.placed);
     EXPECT_EQ(after.unencumbered, before.unencumbered);
@@ -119,6 +170,18 @@ TEST_P(AmountTypeTest, BalancesAndPostingsAreExact)
     ASSERT_EQ(transactions.GetListbyRefNo(QStringLiteral("PE900001"), list), 0);
     ASSERT_EQ(list.size(), 1u);
     EXPECT_EQ(amount(list[0].Amount1), Currency::fromRaw(123400));
+
+    classObjectELSummary summary;
+    init(summary);
+    summary.AccountCode = QStringLiteral("A2110.450");
+    ASSERT_EQ(summary.Retrieve(), 0) << summary.ErrorMsg().toStdString();
+    summary.BudgetAdj[9] = QStringLiteral("1,250.25");
+    ASSERT_EQ(summary.Update(), 0) << summary.ErrorMsg().toStdString();
+    summary.Clear();
+    summary.AccountCode = QStringLiteral("A2110.450");
+    ASSERT_EQ(summary.Retrieve(), 0) << summary.ErrorMsg().toStdString();
+    EXPECT_EQ(summary.BudgetAdj[9], QStringLiteral("1,250.25"));
+    EXPECT_EQ(summary.EncumPlaced, posted.placed);
 }
 
 INSTANTIATE_TEST_SUITE_P(Types, AmountTypeTest,
@@ -128,5 +191,47 @@ INSTANTIATE_TEST_SUITE_P(Types, AmountTypeTest,
                                            AmountType{"Float", recman::DataType::Float, 8, 0},
                                            AmountType{"BFloat", recman::DataType::BFloat, 8, 0}),
                          [](const auto &info) { return std::string(info.param.name); });
+
+using VariableLengthLedgerTest = RetypedLedgerTest;
+
+// Decimal amounts in the variable tails of the summaries and transactions: the
+// record objects read what they read from the fixed-length currency files.
+// The engine writes no variable-length records, so a write is refused whole.
+TEST_F(VariableLengthLedgerTest, ReadsMatchTheFixedCurrencyFilesAndWritesAreRefused)
+{
+    const QStringList before = reads();
+    const Snapshot balance = snapshot();
+    ASSERT_GT(before.size(), 10);
+    retypeLedgerAmounts({"Decimal", recman::DataType::Decimal, 8, 2}, Layout::Variable);
+    ASSERT_FALSE(HasFatalFailure());
+    {
+        recman::File file;
+        ASSERT_EQ(file.open(std::filesystem::path(root().toStdString()) / "FUND" / "SumExp.btr"),
+                  recman::Status::Success);
+        EXPECT_TRUE(file.info().variable);
+    }
+    EXPECT_EQ(reads(), before);
+    const Snapshot after = snapshot();
+    EXPECT_EQ(after.placed, balance.placed);
+    EXPECT_EQ(after.unencumbered, balance.unencumbered);
+
+    classObjectELSummary summary;
+    init(summary);
+    summary.AccountCode = QStringLiteral("A2110.450");
+    ASSERT_EQ(summary.Retrieve(), 0) << summary.ErrorMsg().toStdString();
+    summary.BudgetAdj[9] = QStringLiteral("1,250.25");
+    EXPECT_EQ(summary.Update(), recman::statusNumber(recman::Status::AccessDenied));
+    EXPECT_EQ(summary.ErrorMsg(), QStringLiteral("Access to file denied."));
+    classObjectTransactions posting;
+    init(posting);
+    posting.LedgerID = QStringLiteral("E");
+    posting.FundID = QStringLiteral("A");
+    posting.AccountCode = QStringLiteral("A2110.450");
+    posting.TransDate = QStringLiteral("20250314");
+    posting.ColumnID = QStringLiteral("EP");
+    posting.Amount1 = QStringLiteral("12.34");
+    EXPECT_NE(posting.UpdateSummary(), 0);
+    EXPECT_EQ(reads(), before);
+}
 
 } // namespace
