@@ -113,7 +113,7 @@ protected:
 
     // What the summary objects read: every revenue account with its months,
     // each expenditure account's year, and a revenue account's balance.
-    QStringList reads()
+    std::string reads()
     {
         QStringList lines;
         classObjectRLSummary revenue;
@@ -136,7 +136,7 @@ protected:
         }),
                   0)
             << expenditure.ErrorMsg().toStdString();
-        return lines;
+        return lines.join(QLatin1Char('\n')).toStdString();
     }
 };
 
@@ -199,9 +199,9 @@ using VariableLengthLedgerTest = RetypedLedgerTest;
 // The engine writes no variable-length records, so a write is refused whole.
 TEST_F(VariableLengthLedgerTest, ReadsMatchTheFixedCurrencyFilesAndWritesAreRefused)
 {
-    const QStringList before = reads();
+    const std::string before = reads();
     const Snapshot balance = snapshot();
-    ASSERT_GT(before.size(), 10);
+    ASSERT_GT(std::count(before.begin(), before.end(), '\n'), 10);
     retypeLedgerAmounts({"Decimal", recman::DataType::Decimal, 8, 2}, Layout::Variable);
     ASSERT_FALSE(HasFatalFailure());
     {
@@ -222,6 +222,11 @@ TEST_F(VariableLengthLedgerTest, ReadsMatchTheFixedCurrencyFilesAndWritesAreRefu
     summary.BudgetAdj[9] = QStringLiteral("1,250.25");
     EXPECT_EQ(summary.Update(), recman::statusNumber(recman::Status::AccessDenied));
     EXPECT_EQ(summary.ErrorMsg(), QStringLiteral("Access to file denied."));
+    // A record made afresh has room for the amounts in its tail.
+    DataAccessControl &control = *summary.DataControl();
+    control.clearRecord();
+    ASSERT_TRUE(control.setFieldValue(QStringLiteral("12 Payment Expense"), QStringLiteral("12.34")));
+    EXPECT_EQ(control.FieldValue(QStringLiteral("12 Payment Expense")).value<Currency>(), Currency::fromRaw(123400));
     classObjectTransactions posting;
     init(posting);
     posting.LedgerID = QStringLiteral("E");
