@@ -111,8 +111,9 @@ protected:
         return {summary.EncumPlaced, summary.TotalUnencumBalance};
     }
 
-    // What the summary objects read: every revenue account with its months,
-    // each expenditure account's year, and a revenue account's balance.
+    // What the record objects read: every revenue account with its months, a
+    // revenue account's balance, each expenditure account's year, and an
+    // account's transactions.
     std::string reads()
     {
         QStringList lines;
@@ -136,6 +137,13 @@ protected:
         }),
                   0)
             << expenditure.ErrorMsg().toStdString();
+        classObjectTransactions transactions;
+        init(transactions);
+        std::vector<TransactionFields> list;
+        EXPECT_EQ(transactions.GetListByAccountCode(QStringLiteral("A2110.450"), list), 0);
+        EXPECT_FALSE(list.empty());
+        for (const TransactionFields &t : list)
+            lines << t.ReferenceNumber + QLatin1Char(' ') + t.Amount1 + QLatin1Char(' ') + t.Amount2;
         return lines.join(QLatin1Char('\n')).toStdString();
     }
 };
