@@ -95,6 +95,11 @@ void readKeys(Bytes page, FileHeader &header, std::uint16_t keyCount)
         key.number = number;
         std::size_t at = offsets[number];
         key.duplicatePointerOffset = bytes::u16(page, at + 0x12);
+        key.indexRoot = header.format == Format::V5 ? bytes::ws32(page, at) : bytes::pp24(page, at);
+        if (bytes::u32(page, at) == 0xFFFFFFFFu)
+            key.indexRoot = 0xFFFFFFFF;
+        key.uniqueValues = bytes::ws32(page, at + 0x04);
+        key.indexEntryLength = bytes::u16(page, at + 0x0C);
         for (int segmentNumber = 0;; ++segmentNumber) {
             if (++totalSegments > 119)
                 throw FormatError("more than 119 key segments");

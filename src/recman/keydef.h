@@ -76,6 +76,12 @@ struct KeyDefinition {
     int number = 0;
     std::vector<KeySegment> segments;
     std::uint32_t duplicatePointerOffset = 0; // slot offset of the linked-duplicate pair, 0 = none
+    // The file's own B-tree of this key: the raw root pointer as stored (5.x
+    // ws32 physical page, 6.x pp24 logical page; all ones = empty), the
+    // length of one index entry and the number of distinct values it holds.
+    std::uint32_t indexRoot = 0xFFFFFFFF;
+    std::uint16_t indexEntryLength = 0;
+    std::uint32_t uniqueValues = 0;
 
     std::uint16_t flags() const { return segments.empty() ? 0 : segments.front().flags; }
     bool allowsDuplicates() const { return (flags() & keyflag::Duplicates) != 0; }

@@ -1,5 +1,6 @@
 #include "keyindex.h"
 
+#include "indexwalk.h"
 #include "keyorder.h"
 
 #include <algorithm>
@@ -37,6 +38,11 @@ KeyIndex::KeyIndex(const KeyDefinition &key, const RecordStore &records) : key_(
     order_.reserve(slots.size());
     for (auto slot : slots)
         order_.push_back(rows[slot]);
+}
+
+KeyIndex::KeyIndex(const KeyDefinition &key, const RecordStore &records, std::vector<std::uint32_t> order)
+    : key_(&key), records_(&records), order_(std::move(order))
+{
 }
 
 std::vector<std::uint8_t> KeyIndex::imageOfValue(Bytes keyValue) const
@@ -128,17 +134,36 @@ void KeyIndex::erase(std::uint32_t ordinal, const std::vector<std::uint8_t> &ima
         order_.erase(position);
 }
 
-KeyIndexes::KeyIndexes(const std::vector<KeyDefinition> &keys, const RecordStore &records)
-    : keys_(&keys), records_(&records), built_(keys.size())
+KeyIndexes::KeyIndexes(const std::vector<KeyDefinition> &keys, const RecordStore &records, const PageMap *pages,
+                       const FileHeader *header, std::vector<std::string> *warnings)
+    : keys_(&keys), records_(&records), pages_(pages), header_(header), warnings_(warnings), built_(keys.size())
 {
 }
 
 KeyIndex &KeyIndexes::use(std::size_t number)
 {
     auto &index = built_[number];
-    if (!index)
+    if (index)
+        return *index;
+    if (auto order = orderFromIndexPages(number))
+        index = std::make_unique<KeyIndex>((*keys_)[number], *records_, std::move(*order));
+    else
         index = std::make_unique<KeyIndex>((*keys_)[number], *records_);
     return *index;
+}
+
+std::optional<std::vector<std::uint32_t>> KeyIndexes::orderFromIndexPages(std::size_t number) const
+{
+    if (!pages_ || !header_ || header_->createdByEngine)
+        return std::nullopt;
+    std::string problem;
+    std::optional<std::vector<std::uint32_t>> order;
+    if (auto walk = walkKeyIndex(*pages_, *header_, (*keys_)[number], problem))
+        order = ordinalsInWalkOrder(*records_, (*keys_)[number], *walk, problem);
+    if (!order && warnings_)
+        warnings_->push_back("index pages of key " + std::to_string(number) + " not used (" + problem +
+                             "); its order was built from a scan of the records");
+    return order;
 }
 
 } // namespace recman

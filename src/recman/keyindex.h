@@ -8,6 +8,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace recman {
@@ -15,6 +17,9 @@ namespace recman {
 class KeyIndex {
 public:
     KeyIndex(const KeyDefinition &key, const RecordStore &records);
+    // An index whose order is already known (read from the file's own index
+    // pages): ordinals by key, equal keys by ordinal.
+    KeyIndex(const KeyDefinition &key, const RecordStore &records, std::vector<std::uint32_t> order);
 
     const KeyDefinition &key() const { return *key_; }
     std::size_t size() const { return order_.size(); }
@@ -50,11 +55,18 @@ private:
 // (a keyed get or a write that checks it); stepping in physical order never
 // builds one, so opening a file costs no sorting. An index not yet built needs
 // no upkeep on writes: it is built later from the records as they then stand.
+// A file the record manager wrote has its own index pages: the order is read
+// from them when they are consistent, and otherwise built from the records,
+// with a warning. (Our writes to such files never change key bytes, so they
+// leave those pages valid.)
 class KeyIndexes {
 public:
     KeyIndexes() = default;
     // keys and records must outlive this object and stay where they are.
-    KeyIndexes(const std::vector<KeyDefinition> &keys, const RecordStore &records);
+    // pages and header (may be null: no index pages) likewise; warnings
+    // receives why a key's index pages were not used.
+    KeyIndexes(const std::vector<KeyDefinition> &keys, const RecordStore &records, const PageMap *pages = nullptr,
+               const FileHeader *header = nullptr, std::vector<std::string> *warnings = nullptr);
 
     std::size_t size() const { return built_.size(); }
     const KeyDefinition &key(std::size_t number) const { return (*keys_)[number]; }
@@ -64,8 +76,12 @@ public:
     KeyIndex *built(std::size_t number) const { return built_[number].get(); }
 
 private:
+    std::optional<std::vector<std::uint32_t>> orderFromIndexPages(std::size_t number) const;
     const std::vector<KeyDefinition> *keys_ = nullptr;
     const RecordStore *records_ = nullptr;
+    const PageMap *pages_ = nullptr;
+    const FileHeader *header_ = nullptr;
+    std::vector<std::string> *warnings_ = nullptr;
     std::vector<std::unique_ptr<KeyIndex>> built_;
 };
 

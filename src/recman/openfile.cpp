@@ -124,7 +124,7 @@ void OpenFile::load()
     freePhysical.clear();
     freePhysicalKnown = false;
     // Key definitions live in info so that indexes can point at them for good.
-    indexes = KeyIndexes(info.keys, records);
+    indexes = KeyIndexes(info.keys, records, pages.get(), &header, &info.warnings);
     ++generation;
 }
 

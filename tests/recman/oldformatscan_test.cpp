@@ -49,10 +49,12 @@ TEST(OldFormatScan, PagesWithABareUsageWordHoldLiveRecords)
     shape.pages.push_back({0x8003, {oldRecord(1, 'a'), oldRecord(2, 'b')}});
     shape.pages.push_back({0x8000, {oldRecord(3, 'c'), oldRecord(4, 'd')}});
     Opened opened(shape);
+    // Checked before any keyed read: these files keep no index pages, which
+    // keyed reads then warn about.
+    EXPECT_TRUE(opened.file.info().warnings.empty());
     EXPECT_EQ(idsInStepOrder(opened.file), (std::vector<std::uint32_t>{1, 2, 3, 4}));
     EXPECT_EQ(idsInKeyOrder(opened.file), (std::vector<std::uint32_t>{1, 2, 3, 4}));
     EXPECT_FALSE(opened.file.info().countMismatch());
-    EXPECT_TRUE(opened.file.info().warnings.empty());
 }
 
 TEST(OldFormatScan, ZeroTailedRecordsAreLiveUnlessTheFreeChainNamesThem)
@@ -67,6 +69,7 @@ TEST(OldFormatScan, ZeroTailedRecordsAreLiveUnlessTheFreeChainNamesThem)
                            {oldRecord(10, 'x'), oldRecord(zeroTailed, 0), oldRecord(12, 'y'),
                             recmantest::freedSlot(0xFFFFFFFFu), std::nullopt}});
     Opened opened(shape);
+    EXPECT_TRUE(opened.file.info().warnings.empty());
     EXPECT_EQ(idsInStepOrder(opened.file), (std::vector<std::uint32_t>{10, zeroTailed, 12}));
     std::vector<std::uint8_t> key(4, 0);
     recman::bytes::put32(key, 0, zeroTailed);
@@ -74,7 +77,6 @@ TEST(OldFormatScan, ZeroTailedRecordsAreLiveUnlessTheFreeChainNamesThem)
     std::uint32_t address = 0;
     ASSERT_EQ(opened.file.position(address), Status::Success);
     EXPECT_EQ(address, shape.address(1, 1));
-    EXPECT_TRUE(opened.file.info().warnings.empty());
 }
 
 TEST(OldFormatScan, ABrokenFreeChainFallsBackToTheSlotShape)
