@@ -15,7 +15,7 @@ namespace {
 // Writes share a batch when they read the same rows the same way.
 QString batchIdentity(const AuditedRows &rows)
 {
-    QStringList parts{rows.table, rows.batch, rows.key.join(u','), rows.account};
+    QStringList parts{rows.table, rows.batch.join(u'\n'), rows.key.join(u','), rows.account};
     for (const AuditColumn &column : rows.columns)
         parts << column.name + u':' + QString::number(int(column.kind));
     return parts.join(u'|');
@@ -89,9 +89,8 @@ StoreBase::Batch *StoreBase::batchOf(const QString &sub, const AuditedRows &rows
     if (open != batches_.end())
         return open->get();
     auto batch = std::make_unique<Batch>(Batch{rows, identity, openTransactions_, {}});
-    batch->rows.where = rows.batch;
     DbError error;
-    if (!AuditTrail::snapshot(db(), batch->rows, batch->before, &error)) {
+    if (!AuditTrail::snapshot(db(), rows, rows.batch, batch->before, &error)) {
         reportDbError(sub, error);
         return nullptr;
     }
@@ -102,7 +101,7 @@ StoreBase::Batch *StoreBase::batchOf(const QString &sub, const AuditedRows &rows
 bool StoreBase::recordBatches(const QString &sub)
 {
     return std::all_of(batches_.begin(), batches_.end(), [&](const std::unique_ptr<Batch> &batch) {
-        return batch->transaction < openTransactions_ || recordChanges(sub, batch->rows, batch->before);
+        return batch->transaction < openTransactions_ || recordChanges(sub, batch->rows, batch->rows.batch, batch->before);
     });
 }
 
@@ -187,14 +186,15 @@ bool StoreBase::audited(const QString &sub, const AuditedRows &rows, const std::
         reportDbError(sub, error);
         return false;
     }
-    return write() && recordChanges(sub, rows, before);
+    return write() && recordChanges(sub, rows, {rows.where}, before);
 }
 
-bool StoreBase::recordChanges(const QString &sub, const AuditedRows &rows, const AuditTrail::Snapshot &before)
+bool StoreBase::recordChanges(const QString &sub, const AuditedRows &rows, const QStringList &conditions,
+                              const AuditTrail::Snapshot &before)
 {
     AuditTrail::Snapshot after;
     DbError error;
-    if (AuditTrail::snapshot(db(), rows, after, &error) &&
+    if (AuditTrail::snapshot(db(), rows, conditions, after, &error) &&
         AuditTrail::record(db(), auditTask_, AuditTrail::changes(rows, before, after), &error))
         return true;
     reportDbError(sub, error);
