@@ -114,12 +114,15 @@ void clsProposedBudget::expectWrites(const QString &proposalId, const std::vecto
     expectedProposal_ = proposalId;
     expectedAccounts_ = QSet<std::int32_t>(accountIds.begin(), accountIds.end());
     expectedBatch_.clear();
+    // In key order, so each chunk's rows are neighbours in the table's key.
+    std::vector<std::int32_t> ordered(expectedAccounts_.begin(), expectedAccounts_.end());
+    std::sort(ordered.begin(), ordered.end());
     QStringList chunk;
     const auto flush = [&] {
         expectedBatch_ << "ProposalID = " + sqlText(proposalId) + " and AcctId in (" + chunk.join(u',') + u')';
         chunk.clear();
     };
-    for (const std::int32_t id : expectedAccounts_) {
+    for (const std::int32_t id : ordered) {
         chunk << QString::number(id);
         if (chunk.size() == accountsPerRead)
             flush();
