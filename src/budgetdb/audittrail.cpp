@@ -86,24 +86,32 @@ QString accountCodeOf(const QString &table)
 
 bool snapshot(DbConnection &db, const AuditedRows &rows, Snapshot &into, DbError *error)
 {
+    return snapshot(db, rows, QStringList{rows.where}, into, error);
+}
+
+bool snapshot(DbConnection &db, const AuditedRows &rows, const QStringList &conditions, Snapshot &into,
+              DbError *error)
+{
     QStringList selected = rows.key;
     for (const AuditColumn &column : rows.columns)
         selected << column.name;
     if (!rows.account.isEmpty())
         selected << rows.account + QStringLiteral(" AS ") + QLatin1String(accountAlias);
-    Recordset read;
-    const QString where = rows.where.isEmpty() ? QString() : QStringLiteral(" WHERE ") + rows.where;
-    if (!db.open(QStringLiteral("SELECT %1 FROM %2%3").arg(selected.join(QStringLiteral(", ")), rows.table, where),
-                 read, error))
-        return false;
     into.clear();
-    for (; !read.atEnd(); read.MoveNext()) {
-        Row row;
-        if (!rows.account.isEmpty())
-            row.accountCode = read.text(QLatin1String(accountAlias)).trimmed();
-        for (const AuditColumn &column : rows.columns)
-            row.values << valueText(read, column);
-        into.insert(rowKey(read, rows.key), row);
+    for (const QString &condition : conditions) {
+        Recordset read;
+        const QString where = condition.isEmpty() ? QString() : QStringLiteral(" WHERE ") + condition;
+        if (!db.open(QStringLiteral("SELECT %1 FROM %2%3").arg(selected.join(QStringLiteral(", ")), rows.table, where),
+                     read, error))
+            return false;
+        for (; !read.atEnd(); read.MoveNext()) {
+            Row row;
+            if (!rows.account.isEmpty())
+                row.accountCode = read.text(QLatin1String(accountAlias)).trimmed();
+            for (const AuditColumn &column : rows.columns)
+                row.values << valueText(read, column);
+            into.insert(rowKey(read, rows.key), row);
+        }
     }
     return true;
 }

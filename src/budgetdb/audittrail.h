@@ -38,11 +38,12 @@ struct AuditedRows {
     std::vector<AuditColumn> columns;
     QString where;   // picks every row the write may touch, before and after it; empty: all
     QString account; // an SQL expression for the row's account code; empty when rows have none
-    // A condition taking in `where`'s rows (and maybe more), shared by the writes of
-    // one save: inside a transaction the caller opened through the store, the rows
-    // it picks are read once before the first write and once at the end, not per
-    // write. Empty: each write's rows are read on their own.
-    QString batch = {};
+    // Conditions whose rows together take in `where`'s (and maybe more), shared by
+    // the writes of one save: inside a transaction the caller opened through the
+    // store, the rows they pick are read once before the first write and once at
+    // the end, not per write. Several conditions keep each read's statement short.
+    // Empty: each write's rows are read on their own.
+    QStringList batch = {};
 };
 
 struct AuditEntry {
@@ -78,6 +79,9 @@ using Snapshot = QMap<QString, Row>; // by row key
 QString accountCodeOf(const QString &table);
 
 bool snapshot(DbConnection &db, const AuditedRows &rows, Snapshot &into, DbError *error);
+// The rows each condition picks (instead of `where`'s), together.
+bool snapshot(DbConnection &db, const AuditedRows &rows, const QStringList &conditions, Snapshot &into,
+              DbError *error);
 // One entry per changed column; every column of a row that came or went.
 std::vector<AuditEntry> changes(const AuditedRows &rows, const Snapshot &before, const Snapshot &after);
 // Stamps the entries with the time, the user, the workstation and the task and

@@ -5,20 +5,20 @@
 // The rows of a batch (where = the batch's condition) as they stood before its first write.
 struct StoreBase::Batch {
     AuditedRows rows;
-    QString identity;
     int transaction = 0; // the openTransactions_ it was opened in
     AuditTrail::Snapshot before;
 };
 
 namespace {
 
-// Writes share a batch when they read the same rows the same way.
-QString batchIdentity(const AuditedRows &rows)
+// Writes share a batch when they read the same rows the same way. Compared
+// field by field: a batch's conditions may be long, and lists shared with the
+// batch's own compare without reading them.
+bool sameBatch(const AuditedRows &a, const AuditedRows &b)
 {
-    QStringList parts{rows.table, rows.batch, rows.key.join(u','), rows.account};
-    for (const AuditColumn &column : rows.columns)
-        parts << column.name + u':' + QString::number(int(column.kind));
-    return parts.join(u'|');
+    return a.table == b.table && a.batch == b.batch && a.key == b.key && a.account == b.account &&
+           std::equal(a.columns.begin(), a.columns.end(), b.columns.begin(), b.columns.end(),
+                      [](const AuditColumn &x, const AuditColumn &y) { return x.name == y.name && x.kind == y.kind; });
 }
 
 } // namespace
@@ -83,15 +83,13 @@ bool StoreBase::Endtransaction()
 
 StoreBase::Batch *StoreBase::batchOf(const QString &sub, const AuditedRows &rows)
 {
-    const QString identity = batchIdentity(rows);
     const auto open = std::find_if(batches_.begin(), batches_.end(),
-                                   [&](const std::unique_ptr<Batch> &batch) { return batch->identity == identity; });
+                                   [&](const std::unique_ptr<Batch> &batch) { return sameBatch(batch->rows, rows); });
     if (open != batches_.end())
         return open->get();
-    auto batch = std::make_unique<Batch>(Batch{rows, identity, openTransactions_, {}});
-    batch->rows.where = rows.batch;
+    auto batch = std::make_unique<Batch>(Batch{rows, openTransactions_, {}});
     DbError error;
-    if (!AuditTrail::snapshot(db(), batch->rows, batch->before, &error)) {
+    if (!AuditTrail::snapshot(db(), rows, rows.batch, batch->before, &error)) {
         reportDbError(sub, error);
         return nullptr;
     }
@@ -102,7 +100,7 @@ StoreBase::Batch *StoreBase::batchOf(const QString &sub, const AuditedRows &rows
 bool StoreBase::recordBatches(const QString &sub)
 {
     return std::all_of(batches_.begin(), batches_.end(), [&](const std::unique_ptr<Batch> &batch) {
-        return batch->transaction < openTransactions_ || recordChanges(sub, batch->rows, batch->before);
+        return batch->transaction < openTransactions_ || recordChanges(sub, batch->rows, batch->rows.batch, batch->before);
     });
 }
 
@@ -187,14 +185,15 @@ bool StoreBase::audited(const QString &sub, const AuditedRows &rows, const std::
         reportDbError(sub, error);
         return false;
     }
-    return write() && recordChanges(sub, rows, before);
+    return write() && recordChanges(sub, rows, {rows.where}, before);
 }
 
-bool StoreBase::recordChanges(const QString &sub, const AuditedRows &rows, const AuditTrail::Snapshot &before)
+bool StoreBase::recordChanges(const QString &sub, const AuditedRows &rows, const QStringList &conditions,
+                              const AuditTrail::Snapshot &before)
 {
     AuditTrail::Snapshot after;
     DbError error;
-    if (AuditTrail::snapshot(db(), rows, after, &error) &&
+    if (AuditTrail::snapshot(db(), rows, conditions, after, &error) &&
         AuditTrail::record(db(), auditTask_, AuditTrail::changes(rows, before, after), &error))
         return true;
     reportDbError(sub, error);

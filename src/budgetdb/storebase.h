@@ -117,8 +117,9 @@ private:
     Batch *batchOf(const QString &sub, const AuditedRows &rows);
     // Records the batches of the innermost transaction opened by BeginTransaction.
     bool recordBatches(const QString &sub);
-    // Reads `rows` again and records how they differ from `before`.
-    bool recordChanges(const QString &sub, const AuditedRows &rows, const AuditTrail::Snapshot &before);
+    // Reads the rows `conditions` pick again and records how they differ from `before`.
+    bool recordChanges(const QString &sub, const AuditedRows &rows, const QStringList &conditions,
+                       const AuditTrail::Snapshot &before);
     // That transaction is over: its batches are done with.
     void closeTransaction();
 

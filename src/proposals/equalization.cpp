@@ -36,7 +36,9 @@ AuditedRows auditedDistricts(const QString &where)
              {QStringLiteral("PrevAssessment"), Kind::Amount},
              {QStringLiteral("PrevTaxAssess"), Kind::Amount}},
             where,
-            {}};
+            {},
+            // A save writes any of the few districts, new ones too: the whole table is its batch.
+            {QString()}};
 }
 
 } // namespace

@@ -15,7 +15,9 @@ AuditedRows auditedBalances(const QString &fund)
             {{QStringLiteral("CurrentBalance"), AuditColumn::Kind::Amount},
              {QStringLiteral("PreviousBalance"), AuditColumn::Kind::Amount}},
             "Fund = " + sqlText(fund),
-            {}};
+            {},
+            // A save writes any of the district's few funds: the whole table is its batch.
+            {QString()}};
 }
 
 } // namespace

@@ -18,7 +18,9 @@ AuditedRows auditedLine(std::int32_t accountId, std::int32_t lineNumber)
             {QStringLiteral("AcctId"), QStringLiteral("LineItemNumber")},
             {{QStringLiteral("LineItemText")}, {QStringLiteral("LineItemAmount"), AuditColumn::Kind::Amount}},
             "AcctId = " + QString::number(accountId) + " and LineItemNumber = " + QString::number(lineNumber),
-            AuditTrail::accountCodeOf(QStringLiteral("LnItem"))};
+            AuditTrail::accountCodeOf(QStringLiteral("LnItem")),
+            // A save writes the lines of one account.
+            {"AcctId = " + QString::number(accountId)}};
 }
 
 } // namespace

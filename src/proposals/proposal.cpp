@@ -22,13 +22,14 @@ bool isKnownSource(const QString &source)
 }
 
 // The slots by ID; empty `where`: every slot (making one active clears the others).
-AuditedRows auditedSlots(const QString &where)
+AuditedRows auditedSlots(const QString &where, const QStringList &batch = {})
 {
     return {QStringLiteral("Proposal"),
             {QStringLiteral("ID")},
             {{QStringLiteral("Name")}, {QStringLiteral("Status")}, {QStringLiteral("Active")}},
             where,
-            {}};
+            {},
+            batch};
 }
 
 // What the audit trail says of a new proposal's amounts: one entry, not one per account.
@@ -53,7 +54,9 @@ bool clsProposal::UpdateBatch()
                         " Active = " + sqlText(item_.Active ? QStringLiteral("Y") : QString()) +
                         " where ID = " + sqlText(item_.ID);
     return changeRows(sql, QStringLiteral("Update"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be update")), auditedSlots("ID = " + sqlText(item_.ID)));
+                      countThen(QStringLiteral(" records to be update")),
+                      // A save of the grid writes any of the few slots: the whole table is its batch.
+                      auditedSlots("ID = " + sqlText(item_.ID), {QString()}));
 }
 
 bool clsProposal::InitNewProposal(QString &source)

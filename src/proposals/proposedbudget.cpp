@@ -104,13 +104,45 @@ AuditedRows clsProposedBudget::auditedAmounts(std::int32_t accountId, const QStr
             "AcctId = " + QString::number(accountId) + " and ProposalID = " + sqlText(proposalId),
             AuditTrail::accountCodeOf(QStringLiteral("ProposalBudget")),
             // A save of the grid writes many accounts of one proposal.
-            "ProposalID = " + sqlText(proposalId)};
+            {"ProposalID = " + sqlText(proposalId)}};
+}
+
+void clsProposedBudget::expectWrites(const QString &proposalId, const std::vector<std::int32_t> &accountIds)
+{
+    // Short enough for any backend's statement, few enough statements to stay cheap.
+    constexpr qsizetype accountsPerRead = 500;
+    expectedProposal_ = proposalId;
+    expectedAccounts_ = QSet<std::int32_t>(accountIds.begin(), accountIds.end());
+    expectedBatch_.clear();
+    // In key order, so each chunk's rows are neighbours in the table's key.
+    std::vector<std::int32_t> ordered(expectedAccounts_.begin(), expectedAccounts_.end());
+    std::sort(ordered.begin(), ordered.end());
+    QStringList chunk;
+    const auto flush = [&] {
+        expectedBatch_ << "ProposalID = " + sqlText(proposalId) + " and AcctId in (" + chunk.join(u',') + u')';
+        chunk.clear();
+    };
+    for (const std::int32_t id : ordered) {
+        chunk << QString::number(id);
+        if (chunk.size() == accountsPerRead)
+            flush();
+    }
+    if (!chunk.isEmpty())
+        flush();
+}
+
+AuditedRows clsProposedBudget::auditedWrite() const
+{
+    AuditedRows rows = auditedAmounts(item_.ID, item_.ProposalID);
+    if (item_.ProposalID == expectedProposal_ && !expectedBatch_.isEmpty())
+        rows.batch = expectedAccounts_.contains(item_.ID) ? expectedBatch_ : QStringList();
+    return rows;
 }
 
 bool clsProposedBudget::UpdateBatch()
 {
     return changeRows(updateStatement(), QStringLiteral("Update"), Expect::ExactlyOne,
-                      countThen(QStringLiteral(" records to be update")), auditedAmounts(item_.ID, item_.ProposalID));
+                      countThen(QStringLiteral(" records to be update")), auditedWrite());
 }
 
 bool clsProposedBudget::GetList(std::vector<clsProposedBudgetItem> &items)
@@ -240,14 +272,13 @@ bool clsProposedBudget::Add()
 
 bool clsProposedBudget::AddBatch()
 {
-    return changeRows(insertStatement(), addSub, Expect::ExactlyOne, always(addFailure),
-                      auditedAmounts(item_.ID, item_.ProposalID));
+    return changeRows(insertStatement(), addSub, Expect::ExactlyOne, always(addFailure), auditedWrite());
 }
 
 bool clsProposedBudget::Update()
 {
     const QString sub = QStringLiteral("Update Budget ");
-    return atomicallyAudited(sub, auditedAmounts(item_.ID, item_.ProposalID), [&] {
+    return atomicallyAudited(sub, auditedWrite(), [&] {
         qint64 affected = 0;
         if (!run(updateStatement(), sub, &affected))
             return false;

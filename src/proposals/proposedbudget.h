@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QSet>
+
 #include "countedstore.h"
 #include "proposedbudgetitem.h"
 
@@ -39,15 +41,26 @@ public:
     // Loads the amounts of (ID, ProposalID).
     bool Retrieve();
 
-    // The audit trail's view of one account's amounts in one proposal.
+    // The audit trail's view of one account's amounts in one proposal, batched
+    // over the whole proposal.
     static AuditedRows auditedAmounts(std::int32_t accountId, const QString &proposalId);
+    // The accounts of one proposal the coming save writes: its batch reads only
+    // their rows, not the whole proposal. A write of any other account of that
+    // proposal is audited on its own.
+    void expectWrites(const QString &proposalId, const std::vector<std::int32_t> &accountIds);
 
 private:
+    AuditedRows auditedWrite() const;
+
     bool isGeneralFundExpenditure() const;
     QString insertStatement() const;
     QString updateStatement() const;
     QString selection() const;
     void stampSelection(std::vector<clsProposedBudgetItem> &items, std::size_t from) const;
+
+    QString expectedProposal_;
+    QSet<std::int32_t> expectedAccounts_;
+    QStringList expectedBatch_; // their rows, a chunk of accounts per condition
 
     clsProposedBudgetItem item_;
 };

@@ -28,7 +28,7 @@ public:
     // Must touch exactly one row of Bals.
     bool zeroOne(const QString &condition) { return setOne("CurrentBalance = 0", condition); }
     // The same, audited with the other writes of a save over `batch`.
-    bool setOne(const QString &assignment, const QString &condition, const QString &batch = {})
+    bool setOne(const QString &assignment, const QString &condition, const QStringList &batch = {})
     {
         return changeRows(QStringLiteral("Update Bals set %1 where %2").arg(assignment, condition),
                           QStringLiteral("setOne"), Expect::ExactlyOne, countThen(QStringLiteral(" rows")),
@@ -197,7 +197,7 @@ TEST_P(StoreBaseTest, TheWritesOfASaveAreAuditedTogetherAtItsEnd)
     exec("Insert into Bals values ('A', 5, 0)");
     exec("Insert into Bals values ('B', 6.25, 3)");
     exec("Insert into Bals values ('C', 1, 2)");
-    const QString all = "Fund <> 'none'";
+    const QStringList all{"Fund <> 'none'"};
     const auto save = [&](const std::function<bool()> &writes) {
         EXPECT_TRUE(store.BeginTransaction());
         if (writes())
@@ -231,6 +231,14 @@ TEST_P(StoreBaseTest, TheWritesOfASaveAreAuditedTogetherAtItsEnd)
     EXPECT_FALSE(save([&] { return store.setOne("CurrentBalance = 9", "Fund = 'B'", all); }));
     EXPECT_EQ(funds(), "A,0|B,6.25|C,8");
     EXPECT_EQ(rows("select RowKey from AuditTrail order by ID"), "Fund=A|Fund=C|Fund=C");
+
+    // A batch read in parts compares the rows of every part.
+    const QStringList parts{"Fund = 'A'", "Fund in ('B', 'C')"};
+    ASSERT_TRUE(save([&] {
+        return store.setOne("CurrentBalance = 1", "Fund = 'A'", parts) &&
+               store.setOne("CurrentBalance = 2", "Fund = 'C'", parts);
+    }));
+    EXPECT_EQ(rows("select RowKey, NewValue from AuditTrail where ID > 3 order by ID"), "Fund=A,1|Fund=C,2");
 }
 
 TEST_P(StoreBaseTest, TheTrailIsReadNewestFirstThroughItsFilters)

@@ -115,6 +115,42 @@ TEST_P(ProposedBudgetTest, UpdateInsertsAMissingRowAndFailuresAreReported)
     expectError(store.Error(), "Update", "0 records to be update");
 }
 
+TEST_P(ProposedBudgetTest, ASaveReadingOnlyItsAccountsAuditsAsOneReadingTheWholeProposal)
+{
+    store.setAuditTask("Proposed Budget");
+    const QString original = rows("select * from ProposalBudget order by AcctId, ProposalID");
+    // An update and an insert of expected accounts, and an update of one the save did not expect.
+    const auto save = [&](bool commit) {
+        EXPECT_TRUE(store.BeginTransaction());
+        for (const qint64 id : {split, unused, plain}) {
+            item().ID = std::int32_t(id);
+            item().ProposedBudget = item().ProposedCatA = money("1.5");
+            EXPECT_TRUE(id == unused ? store.AddBatch() : store.UpdateBatch()) << store.Error().ErrorText().toStdString();
+        }
+        EXPECT_TRUE(commit ? store.Endtransaction() : store.AbortTransaction());
+    };
+    const QString entries = "select TableName, RowKey, AccountCode, ColumnName, OldValue, NewValue from AuditTrail "
+                            "order by RowKey, ColumnName";
+    const auto restore = [&] {
+        exec(QString("Delete from ProposalBudget where AcctId = %1").arg(unused));
+        exec(QString("Update ProposalBudget set ProposedBudget = AcctId, CatAProposal = 0 where ProposalID = '2'"));
+        exec("Delete from AuditTrail");
+        ASSERT_EQ(rows("select * from ProposalBudget order by AcctId, ProposalID"), original);
+    };
+    save(true);
+    const QString wholeProposal = rows(entries);
+    EXPECT_EQ(rows("select distinct RowKey from AuditTrail").split('|').size(), 3);
+    EXPECT_EQ(rows("select ColumnName from AuditTrail").split('|').size(), 8);
+    restore();
+
+    store.expectWrites("2", {std::int32_t(split), std::int32_t(unused), 4242});
+    save(false);
+    EXPECT_EQ(rows(entries), "") << "an aborted save leaves no entry";
+    EXPECT_EQ(rows("select * from ProposalBudget order by AcctId, ProposalID"), original);
+    save(true);
+    EXPECT_EQ(rows(entries), wholeProposal);
+}
+
 TEST_P(ProposedBudgetTest, AHugeAmountFailsAndTheBatchIsAbandonedWhole)
 {
     ASSERT_TRUE(store.BeginTransaction());

@@ -540,6 +540,8 @@ bool workerEditGrid::SaveData(classDialog &)
         setStatusText(*dialog_, {});
         return false;
     }
+    if (proposedBudget())
+        budget_.expectWrites(gstrProposalID, changedAccounts());
     // Rows whose stored figures the user took back are no longer changed and are not written.
     const SaveResult result = saveChangedRows(*dialog_, budget_, Grid(), [this](int row) {
         return proposedBudget() ? UpdateBudget(row) : UpdateAccount(row);
@@ -547,6 +549,17 @@ bool workerEditGrid::SaveData(classDialog &)
     if (result == SaveResult::TransactionFailed)
         message(QStringLiteral("Cannot save: ") + budget_.Error().ErrorText(), MsgIcon::Critical);
     return result == SaveResult::Saved && !reloaded;
+}
+
+std::vector<std::int32_t> workerEditGrid::changedAccounts() const
+{
+    std::vector<std::int32_t> ids;
+    for (const int row : changedRows()) {
+        const QString id = Grid().GetItemValue(row, QStringLiteral("ID")).trimmed();
+        if (!id.isEmpty())
+            ids.push_back(id.toInt());
+    }
+    return ids;
 }
 
 bool workerEditGrid::UpdateBudget(int row)

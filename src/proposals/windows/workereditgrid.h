@@ -88,6 +88,8 @@ private:
     Currency openComponents(int row) const;
     // The store's item for an account of the loaded fund and ledger in the current proposal, amounts zero.
     clsProposedBudgetItem proposalItem(std::int32_t accountId) const;
+    // The accounts of the rows a save writes.
+    std::vector<std::int32_t> changedAccounts() const;
     // The row's figures as the proposal holds them now; false when it has no row (or cannot be read).
     bool storedFigures(int row, Figures &figures);
     void showStored(int row, const Figures &figures);
