@@ -62,14 +62,22 @@ Status File::open(const std::filesystem::path &path, OpenMode mode)
     return Status::Success;
 }
 
-std::optional<Status> File::ready()
+std::optional<Status> File::ready(int continuedStep)
 {
     if (!impl_)
         return fail(Status::FileNotOpen, "file not open");
     auto &file = *impl_->file;
-    std::string message;
-    if (const auto status = refresh(file, message); status != Status::Success)
-        return fail(status, "the file changed on disk and cannot be read now: " + message);
+    auto &run = impl_->run;
+    const bool continuesRun = continuedStep != 0 && continuedStep == run.direction;
+    run.direction = continuedStep;
+    if (continuesRun && !run.checkDue()) {
+        ++run.stepsSinceCheck;
+    } else {
+        run.checked();
+        std::string message;
+        if (const auto status = refresh(file, message); status != Status::Success)
+            return fail(status, "the file changed on disk and cannot be read now: " + message);
+    }
     auto &at = impl_->at;
     if (at.generation != file.generation) {
         // The record list was read anew: find the current record by its address.
@@ -278,15 +286,16 @@ Status File::stepPrevious()
 
 Status File::step(Step which)
 {
-    if (const auto refused = ready())
+    const int direction = (which == Step::First || which == Step::Next) ? +1 : -1;
+    const bool onward = which == Step::Next || which == Step::Previous;
+    if (const auto refused = ready(onward ? direction : 0))
         return *refused;
     const auto &records = impl_->file->records;
     auto &at = impl_->at;
     const auto count = static_cast<std::int64_t>(records.size());
     const std::int64_t current = at.current ? std::int64_t{*at.current} : -2;
-    const int direction = (which == Step::First || which == Step::Next) ? +1 : -1;
     std::int64_t next = which == Step::First ? 0 : which == Step::Last ? count - 1 : current + direction;
-    if (!at.current && (which == Step::Next || which == Step::Previous))
+    if (!at.current && onward)
         return fail(Status::InvalidPositioning, "no current record to step from");
     for (; next >= 0 && next < count; next += direction)
         if (records.live(static_cast<std::size_t>(next))) {

@@ -27,7 +27,9 @@
 // lock and one set of pages, so each sees the others' writes. Before every
 // operation the file's size and change times are looked at; when another
 // program changed it, the operation reads its structure again, so the change
-// is seen. record() is the current record as this File read it. Files that
+// is seen. The one exception is a scan: a stepNext or stepPrevious that
+// follows a step in the same direction looks only every 64 steps or 20 ms,
+// so for up to 64 steps or 20 ms it may not see another program's change. record() is the current record as this File read it. Files that
 // share a data file must be used from one thread.
 #pragma once
 
@@ -136,7 +138,9 @@ private:
     Status fail(Status status, std::string message) const;
     // Before every operation: the file is open, its structure is current, and
     // this File's current record found again in it. A status when not.
-    std::optional<Status> ready();
+    // continuedStep: the direction of a stepNext (+1) or stepPrevious (-1),
+    // which may skip looking at the file's times (see StepRun); 0 otherwise.
+    std::optional<Status> ready(int continuedStep = 0);
     void setCurrent(std::uint32_t ordinal);
     bool onLiveRecord() const;
     // Checks the key number and builds the key's index if it is not built yet.

@@ -15,6 +15,7 @@
 #include "pagemap.h"
 #include "recordstore.h"
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -73,12 +74,36 @@ struct Currency {
     std::vector<std::uint8_t> bytes;
 };
 
+// A run of steps in one direction (stepNext after stepNext, ...). Looking at
+// the file's times costs a system call, more than a step itself, so a step
+// that continues a run looks only every stepsPerCheck steps or once
+// checkInterval has passed since the last look; every other operation looks.
+struct StepRun {
+    static constexpr int stepsPerCheck = 64;
+    static constexpr std::chrono::milliseconds checkInterval{20};
+
+    int direction = 0; // of the last operation: +1, -1, or 0 for anything but stepNext/stepPrevious
+    int stepsSinceCheck = 0;
+    std::chrono::steady_clock::time_point lastCheck;
+
+    bool checkDue() const
+    {
+        return stepsSinceCheck >= stepsPerCheck || std::chrono::steady_clock::now() - lastCheck >= checkInterval;
+    }
+    void checked()
+    {
+        stepsSinceCheck = 0;
+        lastCheck = std::chrono::steady_clock::now();
+    }
+};
+
 struct File::Impl {
     std::shared_ptr<OpenFile> file;
     OpenMode mode = OpenMode::ReadOnly; // this File's; the shared file may be open for writing by another
     bool inGroup = false;               // beginGroup called; file->groupOwner is this when a journal is kept
 
     Currency at;
+    StepRun run;
 };
 
 // Opens path, or joins this process's open of the same file. Status and

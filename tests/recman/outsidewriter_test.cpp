@@ -131,6 +131,33 @@ TEST(OutsideWriter, TheNextReadSeesAChangeMadeWhileOpen)
     EXPECT_EQ(file.record()[600], 'X');
 }
 
+TEST(OutsideWriter, AScanLooksAgainWithinItsCheckInterval)
+{
+    // A run of steps skips looking at the file for speed, but not for long:
+    // a change made during the run is seen once the interval has passed.
+    recmantest::TempDir dir;
+    const auto path = recmantest::writableFixture(dir, "GALTELA.DAT");
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success) << file.lastMessage();
+    ASSERT_EQ(file.stepFirst(), Status::Success);
+    ASSERT_EQ(file.stepNext(), Status::Success);
+    ASSERT_EQ(file.stepNext(), Status::Success);
+    const std::vector<std::uint8_t> third(file.record().begin(), file.record().end());
+    ASSERT_EQ(file.stepPrevious(), Status::Success);
+    ASSERT_EQ(file.stepPrevious(), Status::Success);
+    ASSERT_EQ(file.stepNext(), Status::Success);
+    const auto before = recmantest::readBytes(path);
+    const auto at = std::search(before.begin(), before.end(), third.begin(), third.end());
+    ASSERT_NE(at, before.end());
+    const auto middle = third.size() / 2;
+    writeFromAnotherProcess(path, static_cast<std::uint64_t>(at - before.begin()) + middle,
+                            {static_cast<std::uint8_t>(third[middle] ^ 0xFF)});
+    std::this_thread::sleep_for(std::chrono::milliseconds(60)); // three check intervals
+    ASSERT_EQ(file.stepNext(), Status::Success);
+    EXPECT_EQ(file.record()[middle], third[middle] ^ 0xFF);
+}
+
 TEST(OutsideWriter, AFileAnotherProcessHoldsForWritingIsLocked)
 {
     LiveOldFile live;
