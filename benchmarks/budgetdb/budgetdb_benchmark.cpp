@@ -27,11 +27,10 @@ bool fail(QString &why, const clsErrObject &error)
     return false;
 }
 
-template <typename Store> Store storeOn(BenchDatabase &database)
+// Stores hold their open audit batches, so they are made in place, never copied.
+template <typename Store> void attach(Store &store, BenchDatabase &database)
 {
-    Store store;
     store.setAdoConnection(database.db());
-    return store;
 }
 
 qsizetype liveGeneralExpenditure(const demo::District &district)
@@ -42,7 +41,8 @@ qsizetype liveGeneralExpenditure(const demo::District &district)
 
 bool getListNew(BenchDatabase &database, QString &why)
 {
-    auto store = storeOn<clsProposedBudget>(database);
+    clsProposedBudget store;
+    attach(store, database);
     store.ProposedBudgetItem() = {.ProposalID = "1", .FundID = "A", .LedgerID = "E"};
     std::vector<clsProposedBudgetItem> items;
     if (!store.GetListNew(items))
@@ -61,7 +61,8 @@ bool updateBatch(BenchDatabase &database, QString &why)
     static std::map<BenchDatabase *, std::vector<clsProposedBudgetItem>> loaded;
     static int round = 0;
     auto &items = loaded[&database];
-    auto store = storeOn<clsProposedBudget>(database);
+    clsProposedBudget store;
+    attach(store, database);
     if (items.empty()) {
         store.ProposedBudgetItem() = {.ProposalID = "1", .FundID = "A", .LedgerID = "E"};
         if (!store.GetListNew(items))
@@ -87,7 +88,8 @@ bool updateBatch(BenchDatabase &database, QString &why)
 
 bool initNewProposal(BenchDatabase &database, QString &why)
 {
-    auto store = storeOn<clsProposal>(database);
+    clsProposal store;
+    attach(store, database);
     store.ProposalItem() = {.ID = "2", .Name = "Board Adjusted Budget"};
     QString source = QStringLiteral("C");
     return store.InitNewProposal(source) || fail(why, store.Error());
@@ -96,7 +98,8 @@ bool initNewProposal(BenchDatabase &database, QString &why)
 // Walks every account-code folder of every fund and ledger, from their top folders.
 bool foldersAcctCodeCount(BenchDatabase &database, QString &why)
 {
-    auto store = storeOn<clsTreeSummary>(database);
+    clsTreeSummary store;
+    attach(store, database);
     for (const demo::Fund &fund : database.district().funds) {
         for (const char *ledger : {"R", "E"}) {
             store.TreeItem() = {.NodeType = "T", .FundID = fund.id, .LedgerID = ledger, .ParentID = 0};
