@@ -149,12 +149,10 @@ TEST_F(CreatedFile, CommitInterruptedBeforeTheControlRecordLeavesTheOldState)
     EXPECT_EQ(idsInKeyOrder(file, 0), (std::vector<std::int32_t>{-3, 0, 5, 7, 200}));
 }
 
-TEST(CreatedFiles, BulkFileSpanningPatGroupsTakesInserts)
+// 6,000 records on 1024-byte pages: 254 pages per allocation table and 20
+// records per page, so the file needs a second table.
+void createBulkFile(const std::filesystem::path &path)
 {
-    // 1024-byte pages: 254 pages per allocation table, 20 records per page,
-    // so 6000 records need a second table.
-    recmantest::TempDir dir;
-    const auto path = dir / "BULK.BTR";
     auto spec = sampleSpec();
     spec.pageSize = 1024;
     std::int32_t next = 0;
@@ -168,6 +166,13 @@ TEST(CreatedFiles, BulkFileSpanningPatGroupsTakesInserts)
                   message),
               Status::Success)
         << message;
+}
+
+TEST(CreatedFiles, BulkFileSpanningPatGroupsTakesInserts)
+{
+    recmantest::TempDir dir;
+    const auto path = dir / "BULK.BTR";
+    ASSERT_NO_FATAL_FAILURE(createBulkFile(path));
     {
         File file;
         ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
@@ -363,19 +368,7 @@ TEST(CreatedFiles, PagesAreCachedWithinTheLimit)
 {
     recmantest::TempDir dir;
     const auto path = dir / "BULK.BTR";
-    auto spec = sampleSpec();
-    spec.pageSize = 1024;
-    std::int32_t next = 0;
-    std::string message;
-    ASSERT_EQ(createFile(
-                  path, spec,
-                  [&](std::vector<std::uint8_t> &record) {
-                      record = makeRecord(next, "BULK");
-                      return next++ < 6000;
-                  },
-                  message),
-              Status::Success)
-        << message;
+    ASSERT_NO_FATAL_FAILURE(createBulkFile(path));
     const auto limit = pageCacheLimit();
     setPageCacheLimit(64 * 1024);
     File file;
