@@ -1,5 +1,6 @@
 #include "file.h"
 
+#include "indexpage.h"
 #include "keyorder.h"
 #include "openfile.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 const FileInfo emptyInfo;
 
-enum Operation { Equal, Greater, GreaterOrEqual, Less, LessOrEqual };
+using namespace keyed;
 
 } // namespace
 
@@ -80,12 +81,30 @@ std::optional<Status> File::ready(int continuedStep)
     }
     auto &at = impl_->at;
     if (at.generation != file.generation) {
-        // The record list was read anew: find the current record by its address.
-        if (at.current) {
-            const auto ordinal = file.records.ordinalOf(at.address);
-            at.current = ordinal ? std::optional(static_cast<std::uint32_t>(*ordinal)) : std::nullopt;
+        // The file was read anew: find the current record in its list by its
+        // address (a file whose records are not listed yet keeps the address).
+        if (at.ordinal) {
+            const auto ordinal = file.listed ? file.records.ordinalOf(at.address) : std::nullopt;
+            at.ordinal = ordinal ? std::optional(static_cast<std::uint32_t>(*ordinal)) : std::nullopt;
+            at.onRecord = at.ordinal || !file.listed;
         }
         at.generation = file.generation;
+    }
+    return std::nullopt;
+}
+
+std::optional<Status> File::listRecords()
+{
+    auto &file = *impl_->file;
+    std::string message;
+    if (const auto status = recman::listRecords(file, message); status != Status::Success)
+        return fail(status, std::move(message));
+    // A record reached through the index pages gets its place in the list.
+    auto &at = impl_->at;
+    if (at.onRecord && !at.ordinal) {
+        const auto ordinal = file.records.ordinalOf(at.address);
+        at.ordinal = ordinal ? std::optional(static_cast<std::uint32_t>(*ordinal)) : std::nullopt;
+        at.onRecord = at.ordinal.has_value();
     }
     return std::nullopt;
 }
@@ -94,7 +113,8 @@ void File::setCurrent(std::uint32_t ordinal)
 {
     auto &at = impl_->at;
     const auto &records = impl_->file->records;
-    at.current = ordinal;
+    at.onRecord = true;
+    at.ordinal = ordinal;
     at.address = records.address(ordinal);
     const auto bytes = records.record(ordinal);
     at.bytes.assign(bytes.begin(), bytes.end());
@@ -102,7 +122,9 @@ void File::setCurrent(std::uint32_t ordinal)
 
 bool File::onLiveRecord() const
 {
-    return impl_ && impl_->at.current && impl_->file->records.live(*impl_->at.current);
+    if (!impl_ || !impl_->at.onRecord)
+        return false;
+    return !impl_->at.ordinal || impl_->file->records.live(*impl_->at.ordinal);
 }
 
 std::size_t File::cachedPageBytes() const
@@ -127,6 +149,15 @@ const FileInfo &File::info() const
     return impl_ ? impl_->file->info : emptyInfo;
 }
 
+Status File::countRecords()
+{
+    if (const auto refused = ready())
+        return *refused;
+    if (const auto refused = listRecords())
+        return *refused;
+    return Status::Success;
+}
+
 std::size_t File::keyCount() const
 {
     return impl_ ? impl_->file->indexes.size() : 0;
@@ -147,7 +178,7 @@ Status File::positionAt(int key, std::size_t position)
 {
     auto &index = *impl_->file->indexes.built(static_cast<std::size_t>(key));
     if (position >= index.size())
-        return fail(Status::EndOfFile, "no record in that direction on key " + std::to_string(key));
+        return fail(Status::EndOfFile, "no record in that direction on " + keyName(key));
     const auto ordinal = index.ordinalAt(position);
     setCurrent(ordinal);
     impl_->at.keyPath = key;
@@ -157,34 +188,78 @@ Status File::positionAt(int key, std::size_t position)
 
 Status File::keyed(int key, Bytes keyValue, int operation)
 {
-    if (const auto refused = useKey(key))
+    if (const auto refused = checkKey(key))
         return *refused;
+    auto &file = *impl_->file;
+    const auto &at = impl_->at;
+    const auto &definition = file.indexes.key(static_cast<std::size_t>(key));
+    std::vector<std::uint8_t> image;
+    if (takesValue(operation)) {
+        if (keyValue.size() < definition.length())
+            return fail(Status::InvalidKeyLength, "key value of " + std::to_string(keyValue.size()) +
+                                                      " bytes is shorter than " + keyName(key) + " (" +
+                                                      std::to_string(definition.length()) + " bytes)");
+        appendSortImage(definition, keyValue.first(definition.length()), image);
+    } else if (operation == Next || operation == Previous) {
+        if (!at.onRecord || at.keyPath < 0)
+            return fail(Status::InvalidPositioning, "no current record on a key; use a get operation first");
+        if (at.keyPath != key)
+            return fail(Status::DifferentKeyNumber,
+                        "positioned on key " + std::to_string(at.keyPath) + ", not " + std::to_string(key));
+        image = at.keyImage;
+    }
+    bool trustIndexPages = true;
+    if (descends(key)) {
+        try {
+            return descend(key, operation, image);
+        } catch (const FormatError &error) {
+            file.info.warnings.push_back("index pages of " + keyName(key) + " not used (" + error.what() +
+                                         "); its order was built from a scan of the records");
+            trustIndexPages = false;
+        }
+    }
+    if (const auto refused = buildIndex(key, trustIndexPages))
+        return *refused;
+    return fromIndex(key, operation, image);
+}
+
+Status File::fromIndex(int key, int operation, const std::vector<std::uint8_t> &image)
+{
     auto &index = *impl_->file->indexes.built(static_cast<std::size_t>(key));
-    if (keyValue.size() < index.key().length())
-        return fail(Status::InvalidKeyLength, "key value of " + std::to_string(keyValue.size()) +
-                                                  " bytes is shorter than key " + std::to_string(key) + " (" +
-                                                  std::to_string(index.key().length()) + " bytes)");
-    const auto image = index.imageOfValue(keyValue.first(index.key().length()));
+    const auto before = [&](std::size_t position) { return position == 0 ? index.size() : position - 1; };
     switch (operation) {
     case Equal: {
         const auto position = index.lowerBound(image);
         if (!index.imageAtEquals(position, image))
-            return fail(Status::KeyNotFound, "no record with that value of key " + std::to_string(key));
+            return fail(Status::KeyNotFound, "no record with that value of " + keyName(key));
         return positionAt(key, position);
     }
     case Greater:
         return positionAt(key, index.upperBound(image));
     case GreaterOrEqual:
         return positionAt(key, index.lowerBound(image));
-    case Less: {
-        const auto position = index.lowerBound(image);
-        return positionAt(key, position == 0 ? index.size() : position - 1);
+    case Less:
+        return positionAt(key, before(index.lowerBound(image)));
+    case LessOrEqual:
+        return positionAt(key, before(index.upperBound(image)));
+    case First:
+        return positionAt(key, 0);
+    case Last:
+        return positionAt(key, before(index.size()));
+    default:
+        break;
     }
-    default: {
-        const auto position = index.upperBound(image);
-        return positionAt(key, position == 0 ? index.size() : position - 1);
-    }
-    }
+    // Next, previous: found again by (key image, ordinal), which works even
+    // when the current record has since been deleted or changed.
+    const auto &at = impl_->at;
+    const bool forward = operation == Next;
+    if (!at.ordinal)
+        return fail(Status::InvalidPositioning, "the current record is no longer in the file");
+    const auto position = index.lowerBound(image, *at.ordinal);
+    if (forward)
+        return positionAt(key, position < index.size() && index.ordinalAt(position) == *at.ordinal ? position + 1
+                                                                                                   : position);
+    return positionAt(key, before(position));
 }
 
 Status File::getEqual(int key, Bytes keyValue)
@@ -207,64 +282,53 @@ Status File::getLessOrEqual(int key, Bytes keyValue)
 {
     return keyed(key, keyValue, LessOrEqual);
 }
+Status File::getFirst(int key)
+{
+    return keyed(key, {}, First);
+}
+Status File::getLast(int key)
+{
+    return keyed(key, {}, Last);
+}
+Status File::getNext(int key)
+{
+    return keyed(key, {}, Next);
+}
+Status File::getPrevious(int key)
+{
+    return keyed(key, {}, Previous);
+}
 
-std::optional<Status> File::useKey(int key)
+std::optional<Status> File::checkKey(int key)
 {
     if (const auto refused = ready())
         return refused;
     if (key < 0 || static_cast<std::size_t>(key) >= impl_->file->indexes.size())
-        return fail(Status::InvalidKeyNumber, "key " + std::to_string(key) + " does not exist; the file has " +
+        return fail(Status::InvalidKeyNumber, keyName(key) + " does not exist; the file has " +
                                                   std::to_string(impl_->file->indexes.size()) + " keys");
+    return std::nullopt;
+}
+
+std::optional<Status> File::buildIndex(int key, bool trustIndexPages)
+{
+    if (impl_->file->indexes.built(static_cast<std::size_t>(key)))
+        return std::nullopt;
+    if (const auto refused = listRecords())
+        return refused;
     try {
-        impl_->file->indexes.use(static_cast<std::size_t>(key));
+        impl_->file->indexes.use(static_cast<std::size_t>(key), trustIndexPages);
     } catch (const std::bad_alloc &) {
-        return fail(Status::IoError, "not enough memory to build the index of key " + std::to_string(key));
+        return fail(Status::IoError, "not enough memory to build the index of " + keyName(key));
     }
     return std::nullopt;
 }
 
-Status File::getFirst(int key)
+bool File::descends(int key) const
 {
-    if (const auto refused = useKey(key))
-        return *refused;
-    return positionAt(key, 0);
-}
-
-Status File::getLast(int key)
-{
-    if (const auto refused = useKey(key))
-        return *refused;
-    const auto size = impl_->file->indexes.built(static_cast<std::size_t>(key))->size();
-    return positionAt(key, size == 0 ? 0 : size - 1);
-}
-
-Status File::getNext(int key)
-{
-    return neighbour(key, +1);
-}
-Status File::getPrevious(int key)
-{
-    return neighbour(key, -1);
-}
-
-Status File::neighbour(int key, int direction)
-{
-    if (const auto refused = useKey(key))
-        return *refused;
-    auto &at = impl_->at;
-    if (!at.current || at.keyPath < 0)
-        return fail(Status::InvalidPositioning, "no current record on a key; use a get operation first");
-    if (at.keyPath != key)
-        return fail(Status::DifferentKeyNumber,
-                    "positioned on key " + std::to_string(at.keyPath) + ", not " + std::to_string(key));
-    // Found again by (key image, ordinal): this works even when the current
-    // record has since been deleted.
-    auto &index = *impl_->file->indexes.built(static_cast<std::size_t>(key));
-    auto position = index.lowerBound(at.keyImage, *at.current);
-    if (direction > 0)
-        return positionAt(key, position < index.size() && index.ordinalAt(position) == *at.current ? position + 1
-                                                                                                   : position);
-    return positionAt(key, position == 0 ? index.size() : position - 1);
+    const auto &file = *impl_->file;
+    std::string problem;
+    return file.descends && !file.indexes.built(static_cast<std::size_t>(key)) &&
+           indexLayoutReadable(file.header, file.indexes.key(static_cast<std::size_t>(key)), problem);
 }
 
 Status File::stepFirst()
@@ -290,12 +354,14 @@ Status File::step(Step which)
     const bool onward = which == Step::Next || which == Step::Previous;
     if (const auto refused = ready(onward ? direction : 0))
         return *refused;
+    if (const auto refused = listRecords())
+        return *refused;
     const auto &records = impl_->file->records;
     auto &at = impl_->at;
     const auto count = static_cast<std::int64_t>(records.size());
-    const std::int64_t current = at.current ? std::int64_t{*at.current} : -2;
+    const std::int64_t current = at.ordinal ? std::int64_t{*at.ordinal} : -2;
     std::int64_t next = which == Step::First ? 0 : which == Step::Last ? count - 1 : current + direction;
-    if (!at.current && onward)
+    if (!at.ordinal && onward)
         return fail(Status::InvalidPositioning, "no current record to step from");
     for (; next >= 0 && next < count; next += direction)
         if (records.live(static_cast<std::size_t>(next))) {
@@ -359,11 +425,15 @@ Status File::update(Bytes record)
         return *refused;
     if (!onLiveRecord())
         return fail(Status::InvalidPositioning, "no current record to update");
+    if (const auto refused = listRecords())
+        return *refused;
+    if (!onLiveRecord())
+        return fail(Status::Conflict, "the record read is no longer in the file");
     auto &at = impl_->at;
     // The caller may pass record() itself, a view of at.bytes.
     std::vector<std::uint8_t> written(record.begin(), record.end());
     return guardedWrite([&](std::string &message) {
-        const auto status = updateRecord(*impl_->file, *at.current, at.bytes, written, message);
+        const auto status = updateRecord(*impl_->file, *at.ordinal, at.bytes, written, message);
         if (status == Status::Success) {
             if (at.keyPath >= 0)
                 at.keyImage =
@@ -395,7 +465,11 @@ Status File::erase()
         return *refused;
     if (!onLiveRecord())
         return fail(Status::InvalidPositioning, "no current record to delete");
-    return guardedWrite([&](std::string &message) { return deleteRecord(*impl_->file, *impl_->at.current, message); });
+    if (const auto refused = listRecords())
+        return *refused;
+    if (!onLiveRecord())
+        return fail(Status::Conflict, "the record read is no longer in the file");
+    return guardedWrite([&](std::string &message) { return deleteRecord(*impl_->file, *impl_->at.ordinal, message); });
 }
 
 } // namespace recman

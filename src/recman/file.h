@@ -55,7 +55,11 @@ struct FileInfo {
     std::uint32_t pageSize = 0;
     std::uint32_t recordLength = 0; // fixed part
     std::uint32_t physicalRecordLength = 0;
-    std::uint32_t recordCount = 0;       // live records the data pages hold
+    // Live records the data pages hold, once they have been listed (at open
+    // for files up to listAtOpenLimit(); else on the first step, write or
+    // index built in memory); until then what the control record says.
+    std::uint32_t recordCount = 0;
+    bool recordsCounted = false;
     std::uint32_t headerRecordCount = 0; // what the control record says; a check, never corrected
     bool variable = false;
     bool compressed = false;
@@ -67,8 +71,18 @@ struct FileInfo {
     // Set when open rolled back a group of writes that never ended: what was done.
     std::string rolledBack;
 
-    bool countMismatch() const { return recordCount != headerRecordCount; }
+    bool countMismatch() const { return recordsCounted && recordCount != headerRecordCount; }
 };
+
+// Files up to this size (bytes; default 32 MiB) have their records listed
+// when they are opened, which checks the control record's count at once and
+// lets keyed reads use indexes held in memory. Bigger files list their
+// records only when first needed (a step, a write), and their keyed reads go
+// down the file's own index pages (with a fallback to an index in memory when
+// the pages are damaged), so opening and reading by key cost the same for a
+// file of any size. Files opened from now on follow a new limit.
+void setListAtOpenLimit(std::uint64_t bytes);
+std::uint64_t listAtOpenLimit();
 
 class File {
 public:
@@ -83,6 +97,9 @@ public:
     const std::string &lastMessage() const { return message_; }
     // Facts about the open file (empty when closed).
     const FileInfo &info() const;
+    // Lists the records now if they are not yet (see setListAtOpenLimit), so
+    // that info() holds the count the data pages hold and any mismatch.
+    Status countRecords();
     std::size_t keyCount() const;
 
     Status getEqual(int key, Bytes keyValue);
@@ -143,10 +160,24 @@ private:
     std::optional<Status> ready(int continuedStep = 0);
     void setCurrent(std::uint32_t ordinal);
     bool onLiveRecord() const;
-    // Checks the key number and builds the key's index if it is not built yet.
-    std::optional<Status> useKey(int key);
+    // Lists the file's records if they are not yet, and finds the current
+    // record's place in the list.
+    std::optional<Status> listRecords();
+    // ready(), and the key number exists.
+    std::optional<Status> checkKey(int key);
+    // Builds the key's index in memory if it is not built yet: from the
+    // file's own index pages when they are consistent (and trusted), else
+    // from the records.
+    std::optional<Status> buildIndex(int key, bool trustIndexPages = true);
+    // The key's reads go down the file's own index pages (see
+    // setListAtOpenLimit).
+    bool descends(int key) const;
+    // operation (keyed::Operation) on key, with the sort image of the value
+    // searched for or, for next and previous, of the current record.
     Status keyed(int key, Bytes keyValue, int operation);
-    Status neighbour(int key, int direction);
+    Status fromIndex(int key, int operation, const std::vector<std::uint8_t> &image);
+    // The same down the index pages; throws FormatError where they are damaged.
+    Status descend(int key, int operation, const std::vector<std::uint8_t> &image);
     Status step(Step which);
     Status positionAt(int key, std::size_t position);
     Status guardedWrite(const std::function<Status(std::string &)> &write);

@@ -1,5 +1,6 @@
 #include "indexwalk.h"
 
+#include "indexpage.h"
 #include "keyorder.h"
 
 #include <algorithm>
@@ -10,8 +11,7 @@ namespace recman {
 
 namespace {
 
-constexpr std::uint32_t None = 0xFFFFFFFF;
-constexpr std::size_t EntriesStart = 16;
+constexpr std::uint32_t None = IndexPage::None;
 constexpr int MaxDepth = 32;
 
 struct Walker {
@@ -26,76 +26,50 @@ struct Walker {
     std::uint32_t entries = 0;
     bool linked = key.duplicatePointerOffset != 0;
 
-    std::uint32_t pointer(Bytes page, std::size_t offset) const
-    {
-        if (bytes::u32(page, offset) == None)
-            return None;
-        return header.format == Format::V5 ? bytes::ws32(page, offset) : bytes::pp24(page, offset);
-    }
-
     void fail(const std::string &why) const { throw FormatError(why); }
 
     void visit(std::uint32_t pageNumber, int depth)
     {
         if (depth > MaxDepth)
             fail("index of key " + std::to_string(key.number) + " is deeper than " + std::to_string(MaxDepth));
-        if (pageNumber == 0 || pageNumber >= pageLimit())
+        if (pageNumber == 0 || pageNumber >= indexPageLimit(pages, header))
             fail("index page " + std::to_string(pageNumber) + " of key " + std::to_string(key.number) +
                  " lies outside the file");
         if (!seenPages.insert(pageNumber).second)
             fail("index page " + std::to_string(pageNumber) + " of key " + std::to_string(key.number) +
                  " is reached twice (a loop)");
-        const auto tag =
-            header.format == Format::V6 ? static_cast<std::uint8_t>(pagetype::IndexBase + key.number) : std::uint8_t{0};
-        // Copied: the cache may drop the page while the children are read.
-        const auto held = pages.page(pageNumber, tag);
-        const std::vector<std::uint8_t> page(held->begin(), held->end());
-        const std::uint16_t count = bytes::u16(page, 6);
-        const std::size_t entryLength = key.indexEntryLength;
-        if (EntriesStart + std::size_t{count} * entryLength > page.size())
-            fail("index page " + std::to_string(pageNumber) + " claims more entries than it holds");
+        const IndexPage page(pages, header, key, pageNumber);
         // An empty tree keeps an empty root page (its child fields are not
         // meaningful); an empty page below the root is damage.
-        if (count == 0) {
+        if (page.count() == 0) {
             if (depth == 0)
                 return;
             fail("index page " + std::to_string(pageNumber) + " of key " + std::to_string(key.number) + " is empty");
         }
-        const std::uint32_t leftmost = pointer(page, 12);
-        const bool leaf = leftmost == None;
+        const bool leaf = page.leaf();
         if (!leaf)
-            visit(leftmost, depth + 1);
-        const std::size_t keyLength = key.length();
-        for (std::uint16_t i = 0; i < count; ++i) {
-            const std::size_t at = EntriesStart + std::size_t{i} * entryLength;
-            entry(Bytes(page).subspan(at, entryLength), keyLength);
-            if (leaf)
-                continue;
-            const std::uint32_t child = i + 1 < count ? pointer(page, at + entryLength - 4) : pointer(page, 8);
-            visit(child, depth + 1);
+            visit(page.childBefore(0), depth + 1);
+        for (std::size_t i = 0; i < page.count(); ++i) {
+            entry(page.keyBytes(i), page.record(i), page.lastDuplicate(i));
+            if (!leaf)
+                visit(page.childBefore(i + 1), depth + 1);
         }
     }
 
-    std::uint32_t pageLimit() const
-    {
-        return header.format == Format::V5 ? pages.physicalPageCount() : pages.logicalPageEnd();
-    }
-
-    void entry(Bytes bytes, std::size_t keyLength)
+    void entry(Bytes keyBytes, std::uint32_t record, std::uint32_t last)
     {
         ++entries;
         image.clear();
-        appendSortImage(key, bytes.first(keyLength), image);
+        appendSortImage(key, keyBytes, image);
         const int order = entries == 1 ? 1 : std::memcmp(image.data(), lastImage.data(), image.size());
         if (order < 0 || (order == 0 && linked))
             fail("index of key " + std::to_string(key.number) + " is out of order");
         if (order > 0)
             out.runStarts.push_back(static_cast<std::uint32_t>(out.addresses.size()));
         lastImage = image;
-        const std::uint32_t record = bytes::ws32(bytes, keyLength);
         if (!linked)
             return add(record);
-        chain(record, bytes::ws32(bytes, keyLength + 4));
+        chain(record, last);
     }
 
     void add(std::uint32_t address)
@@ -113,7 +87,7 @@ struct Walker {
         const auto dataTag = header.format == Format::V6 ? pagetype::Data : std::uint8_t{0};
         for (;;) {
             const std::uint32_t logical = address / header.pageSize;
-            if (address == None || logical == 0 || logical >= pageLimit())
+            if (address == None || logical == 0 || logical >= indexPageLimit(pages, header))
                 fail("duplicate chain of key " + std::to_string(key.number) + " leaves the file");
             add(address);
             if (address == last)
@@ -129,16 +103,8 @@ struct Walker {
 std::optional<KeyWalk> walkKeyIndex(const PageMap &pages, const FileHeader &header, const KeyDefinition &key,
                                     std::string &problem)
 {
-    if (header.createdByEngine) {
-        problem = "file keeps no index pages of its own";
+    if (!indexLayoutReadable(header, key, problem))
         return std::nullopt;
-    }
-    const std::size_t expectedEntry = key.length() + 8 + (key.duplicatePointerOffset != 0 ? 4 : 0);
-    if (key.indexEntryLength != expectedEntry ||
-        (header.format == Format::V6 && (key.flags() & keyflag::RepeatingDuplicates) != 0)) {
-        problem = "index entries of key " + std::to_string(key.number) + " have a layout this engine does not read";
-        return std::nullopt;
-    }
     Walker walker{pages, header, key, {}, {}, {}, {}, {}};
     try {
         // An empty tree has no root: all ones, or page 0 (the control record).

@@ -140,12 +140,12 @@ KeyIndexes::KeyIndexes(const std::vector<KeyDefinition> &keys, const RecordStore
 {
 }
 
-KeyIndex &KeyIndexes::use(std::size_t number)
+KeyIndex &KeyIndexes::use(std::size_t number, bool trustIndexPages)
 {
     auto &index = built_[number];
     if (index)
         return *index;
-    if (auto order = orderFromIndexPages(number))
+    if (auto order = trustIndexPages ? orderFromIndexPages(number) : std::nullopt)
         index = std::make_unique<KeyIndex>((*keys_)[number], *records_, std::move(*order));
     else
         index = std::make_unique<KeyIndex>((*keys_)[number], *records_);

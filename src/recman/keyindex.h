@@ -70,8 +70,9 @@ public:
 
     std::size_t size() const { return built_.size(); }
     const KeyDefinition &key(std::size_t number) const { return (*keys_)[number]; }
-    // The index of a key, built now if it was not yet.
-    KeyIndex &use(std::size_t number);
+    // The index of a key, built now if it was not yet (from the file's index
+    // pages if they are consistent and trustIndexPages, else from the records).
+    KeyIndex &use(std::size_t number, bool trustIndexPages = true);
     // The index of a key if it has been built, else null.
     KeyIndex *built(std::size_t number) const { return built_[number].get(); }
 

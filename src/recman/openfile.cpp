@@ -10,7 +10,9 @@ namespace recman {
 
 namespace {
 
-FileInfo describe(const FileHeader &header, const ScanResult &scan)
+std::uint64_t listLimit = 32u << 20;
+
+FileInfo describe(const FileHeader &header)
 {
     FileInfo info;
     info.format = header.formatName();
@@ -18,7 +20,8 @@ FileInfo describe(const FileHeader &header, const ScanResult &scan)
     info.pageSize = header.pageSize;
     info.recordLength = header.recordLength;
     info.physicalRecordLength = header.physicalLength;
-    info.recordCount = static_cast<std::uint32_t>(scan.records.size());
+    info.recordCount = header.recordCount;
+    info.recordsCounted = false;
     info.headerRecordCount = header.recordCount;
     info.variable = header.variable;
     info.compressed = header.compressed;
@@ -26,7 +29,6 @@ FileInfo describe(const FileHeader &header, const ScanResult &scan)
     info.createdByEngine = header.createdByEngine;
     info.fileFlags = header.fileFlags;
     info.keys = header.keys;
-    info.warnings = scan.warnings;
     return info;
 }
 
@@ -92,6 +94,26 @@ Status readFailure(const OpenFile &file, std::string &message)
 
 } // namespace
 
+Status listRecords(OpenFile &file, std::string &message)
+{
+    try {
+        file.listRecords();
+        return Status::Success;
+    } catch (...) {
+        return readFailure(file, message);
+    }
+}
+
+void setListAtOpenLimit(std::uint64_t bytes)
+{
+    listLimit = bytes;
+}
+
+std::uint64_t listAtOpenLimit()
+{
+    return listLimit;
+}
+
 Status refresh(OpenFile &file, std::string &message)
 {
     try {
@@ -113,19 +135,43 @@ void OpenFile::load()
     auto newCache = std::make_unique<PageCache>(handle, newHeader.pageSize, pageCacheLimit());
     auto newPages = std::make_unique<PageMap>(handle, newHeader, newStamp.size, newCache.get());
     attachCollatingSequences(newHeader, *newPages);
-    auto scan = scanRecords(newHeader, *newPages);
+    const bool listNow = newHeader.createdByEngine || newStamp.size <= listLimit;
+    std::optional<ScanResult> scan;
+    if (listNow)
+        scan = scanRecords(newHeader, *newPages);
     stamp = newStamp;
     header = std::move(newHeader);
     cache = std::move(newCache);
     pages = std::move(newPages);
-    info = describe(header, scan);
-    records = std::move(scan.records);
-    unusedSlots = std::move(scan.unusedSlots);
+    info = describe(header);
+    records = RecordStore(*pages, header);
+    listed = false;
+    descends = !listNow;
+    unusedSlots.clear();
+    if (scan)
+        adopt(std::move(*scan));
+    checkedIndexPages.assign(info.keys.size(), {});
     freePhysical.clear();
     freePhysicalKnown = false;
     // Key definitions live in info so that indexes can point at them for good.
     indexes = KeyIndexes(info.keys, records, pages.get(), &header, &info.warnings);
     ++generation;
+}
+
+void OpenFile::listRecords()
+{
+    if (!listed)
+        adopt(scanRecords(header, *pages));
+}
+
+void OpenFile::adopt(ScanResult scan)
+{
+    records = std::move(scan.records);
+    unusedSlots = std::move(scan.unusedSlots);
+    info.recordCount = static_cast<std::uint32_t>(records.size());
+    info.recordsCounted = true;
+    info.warnings.insert(info.warnings.end(), scan.warnings.begin(), scan.warnings.end());
+    listed = true;
 }
 
 void OpenFile::refreshIfChanged()

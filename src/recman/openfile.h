@@ -9,10 +9,12 @@
 #include "file.h"
 #include "filehandle.h"
 #include "header.h"
+#include "indexdescent.h"
 #include "journal.h"
 #include "keyindex.h"
 #include "pagecache.h"
 #include "pagemap.h"
+#include "recordscan.h"
 #include "recordstore.h"
 
 #include <chrono>
@@ -29,7 +31,14 @@ struct OpenFile {
     FileHeader header;
     std::unique_ptr<PageCache> cache;
     std::unique_ptr<PageMap> pages;
+    // The live records in physical order. Listed at open for small files and
+    // our own; a bigger file's are listed when first needed (a step, a write,
+    // an index built in memory), and meanwhile its keyed reads go down its
+    // own index pages.
     RecordStore records;
+    bool listed = false;
+    bool descends = false;
+    std::vector<CheckedIndexPages> checkedIndexPages; // per key
     KeyIndexes indexes;
     std::vector<std::uint32_t> unusedSlots;
     // Physical pages no current page uses (own files only; filled on first write).
@@ -46,8 +55,11 @@ struct OpenFile {
     std::unique_ptr<Journal> journal;
     const File::Impl *groupOwner = nullptr;
 
-    // Reads header, page tables and the record list; throws FormatError.
+    // Reads header and page tables, and the record list of a small file;
+    // throws FormatError.
     void load();
+    // Lists the records if they are not yet; throws FormatError.
+    void listRecords();
     // load() again when the file changed on disk since it was last looked at.
     void refreshIfChanged();
     // After a write of ours: cached pages are stale, the new stamp is ours.
@@ -55,19 +67,23 @@ struct OpenFile {
     // The file was put back from its journal behind the cache: the next
     // operation reads it all anew, dropping the cached pages.
     void restoredBehindCache();
+    // Takes a scan's records as the file's list.
+    void adopt(ScanResult scan);
     // Ends the group's journal on the handle; the journal file stays.
     void dropJournal();
 };
 
-// Where one File stands: the current record (its ordinal in the shared record
-// list of a given generation, and its address, by which it is found again
-// after the list was read anew) and, after a keyed operation, the key it was
-// reached by and that key's sort image at the time (so next/previous still
-// work after the record was deleted or changed). bytes: the record as this
-// File read it, which an update checks the disk against.
+// Where one File stands: the current record's address and, when the record
+// list holds it, its ordinal there (of a given generation of the list; by
+// the address it is found again after the list was read anew); after a keyed
+// operation, the key it was reached by and that key's sort image at the time
+// (so next/previous still work after the record was deleted or changed).
+// bytes: the record as this File read it, which an update checks the disk
+// against.
 struct Currency {
-    std::optional<std::uint32_t> current;
+    bool onRecord = false;
     std::uint32_t address = 0;
+    std::optional<std::uint32_t> ordinal;
     std::uint64_t generation = 0;
     int keyPath = -1;
     std::vector<std::uint8_t> keyImage;
@@ -106,13 +122,27 @@ struct File::Impl {
     StepRun run;
 };
 
+// The keyed operations, as File::keyed takes them.
+namespace keyed {
+enum Operation { Equal, Greater, GreaterOrEqual, Less, LessOrEqual, First, Last, Next, Previous };
+inline bool takesValue(int operation)
+{
+    return operation <= LessOrEqual;
+}
+inline std::string keyName(int key)
+{
+    return "key " + std::to_string(key);
+}
+} // namespace keyed
+
 // Opens path, or joins this process's open of the same file. Status and
 // message as File::open gives them.
 Status openShared(const std::filesystem::path &path, OpenMode mode, std::shared_ptr<OpenFile> &file,
                   std::string &message);
 
-// refreshIfChanged() with its failure as a status and message.
+// refreshIfChanged() and listRecords() with their failure as a status and message.
 Status refresh(OpenFile &file, std::string &message);
+Status listRecords(OpenFile &file, std::string &message);
 
 // Writes; each returns Success or a status and sets message. asRead: the
 // record's bytes as the caller read them.

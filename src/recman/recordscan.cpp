@@ -167,6 +167,23 @@ std::vector<std::uint8_t> expand(Bytes stream)
     return out;
 }
 
+// A record from its slot: the fixed part, its variable tail appended, or a
+// compressed record expanded.
+void assemble(const FileHeader &header, TailReader &tails, Bytes slot, std::vector<std::uint8_t> &out)
+{
+    out.clear();
+    if (header.compressed) {
+        std::vector<std::uint8_t> stream;
+        tails.append(bytes::vp24(slot, 0), stream);
+        out = expand(stream);
+        return;
+    }
+    const auto fixed = slot.subspan(header.userOffset, header.recordLength);
+    out.assign(fixed.begin(), fixed.end());
+    if (header.variable)
+        tails.append(bytes::vp24(slot, header.userOffset + header.recordLength), out);
+}
+
 } // namespace
 
 ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
@@ -203,14 +220,8 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
                 continue;
             if (!assembled) {
                 result.records.appendOnPage(address);
-            } else if (header.compressed) {
-                std::vector<std::uint8_t> stream;
-                tails.append(bytes::vp24(bytesOfSlot, 0), stream);
-                result.records.append(expand(stream), address);
             } else {
-                const auto fixed = bytesOfSlot.subspan(header.userOffset, header.recordLength);
-                record.assign(fixed.begin(), fixed.end());
-                tails.append(bytes::vp24(bytesOfSlot, header.userOffset + header.recordLength), record);
+                assemble(header, tails, bytesOfSlot, record);
                 result.records.append(record, address);
             }
             ++live;
@@ -220,6 +231,24 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
         result.warnings.push_back("control record counts " + std::to_string(header.recordCount) +
                                   " records, data pages hold " + std::to_string(live));
     return result;
+}
+
+
+void readRecordAt(const FileHeader &header, const PageMap &pages, std::uint32_t address, std::vector<std::uint8_t> &out)
+{
+    const auto where = splitAddress(header, address);
+    const auto name = "record address " + std::to_string(address);
+    if (where.page == 0 || where.page >= pages.logicalPageEnd() || where.offset < 6 ||
+        (where.offset - 6) % header.physicalLength != 0 || where.offset + header.physicalLength > header.pageSize)
+        throw FormatError(name + " is not a record slot of the file");
+    const auto held = dataPage(header, pages, where.page);
+    if (!held)
+        throw FormatError(name + " is not on a data page");
+    const Bytes slot = Bytes(*held).subspan(where.offset, header.physicalLength);
+    if (header.format == Format::V6 ? bytes::u16(slot, 0) == 0 : allZero(slot))
+        throw FormatError(name + " holds no record");
+    TailReader tails(header, pages);
+    assemble(header, tails, slot, out);
 }
 
 } // namespace recman

@@ -22,6 +22,10 @@ struct ScanResult {
 // by address and read again from their pages when wanted.
 ScanResult scanRecords(const FileHeader &header, const PageMap &pages);
 
+// The record whose slot is at an address, assembled like the scan's; throws
+// FormatError when the address is no slot of a data page or the slot is unused.
+void readRecordAt(const FileHeader &header, const PageMap &pages, std::uint32_t address, std::vector<std::uint8_t> &out);
+
 // Slot geometry shared with the writer.
 inline std::uint32_t slotsPerPage(const FileHeader &header)
 {

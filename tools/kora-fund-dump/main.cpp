@@ -162,8 +162,13 @@ int main(int argc, char **argv)
         }
     }
     recman::File file;
-    if (const auto status = file.open(options.file); status != recman::Status::Success) {
-        std::cerr << "kora-fund-dump: status " << recman::statusNumber(status) << " (" << recman::statusText(status)
+    // The first line gives the count the data pages hold, also for a file
+    // big enough to be opened without listing its records.
+    auto opened = file.open(options.file);
+    if (opened == recman::Status::Success)
+        opened = file.countRecords();
+    if (opened != recman::Status::Success) {
+        std::cerr << "kora-fund-dump: status " << recman::statusNumber(opened) << " (" << recman::statusText(opened)
                   << "): " << file.lastMessage() << "\n";
         return 1;
     }
