@@ -1,0 +1,190 @@
+// Files created with their index pages, in both formats: the walk of every
+// key's B-tree must give the order sorting the records gives, keyed reads must
+// find every record, and the files must behave as the record manager's own.
+#include "creator.h"
+#include "file.h"
+#include "recmantest.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+using namespace recman;
+
+namespace {
+
+constexpr std::int32_t recordCount = 3000;
+constexpr std::uint32_t recordLength = 24;
+
+KeySegment segment(std::uint16_t flags, DataType type, std::uint32_t offset, std::uint32_t length)
+{
+    return {0, 0, static_cast<std::uint16_t>(flags | keyflag::Extended), static_cast<std::uint8_t>(type), offset,
+            length, 0, {}};
+}
+
+// Record i: id (int32, unique, scrambled), group (8 chars, ~31 records each,
+// mixed case), amount (int32, ~3 records each, 0 = null on every tenth).
+//   key 0: id                          unique
+//   key 1: group, case-insensitive     linked duplicates
+//   key 2: group + id descending       unique, two typed segments
+//   key 3: amount, null when 0         linked duplicates, nulls left out
+FileSpec spec(Format format, std::uint32_t pageSize)
+{
+    FileSpec spec;
+    spec.format = format;
+    spec.indexPages = true;
+    spec.pageSize = pageSize;
+    spec.recordLength = recordLength;
+    spec.keys.resize(4);
+    spec.keys[0].segments = {segment(0, DataType::Integer, 0, 4)};
+    spec.keys[1].segments = {segment(keyflag::Duplicates | keyflag::CaseInsensitive, DataType::String, 4, 8)};
+    spec.keys[2].segments = {segment(0, DataType::String, 4, 8),
+                             segment(keyflag::Descending, DataType::Integer, 0, 4)};
+    spec.keys[3].segments = {segment(keyflag::Duplicates | keyflag::NullAll, DataType::Integer, 12, 4)};
+    for (int k = 0; k < 4; ++k)
+        spec.keys[k].number = k;
+    return spec;
+}
+
+std::vector<std::uint8_t> makeRecord(std::int32_t i)
+{
+    std::vector<std::uint8_t> record(recordLength, '.');
+    const std::int32_t id = (i * 7919) % recordCount - recordCount / 2;
+    std::memcpy(record.data(), &id, 4);
+    char group[9];
+    std::snprintf(group, sizeof group, "%c-%06d", i % 2 ? 'g' : 'G', i * 37 % 97);
+    std::memcpy(record.data() + 4, group, 8);
+    const std::int32_t amount = i % 10 == 0 ? 0 : i * 31 % 1000 + 1;
+    std::memcpy(record.data() + 12, &amount, 4);
+    return record;
+}
+
+std::vector<std::vector<std::uint8_t>> makeRecords(std::int32_t count)
+{
+    std::vector<std::vector<std::uint8_t>> records;
+    for (std::int32_t i = 0; i < count; ++i)
+        records.push_back(makeRecord(i));
+    return records;
+}
+
+// Levels from the root of a key's tree down its leftmost edge.
+int depthOf(const OpenFile &file, std::size_t key)
+{
+    const auto tag = static_cast<std::uint8_t>(file.header.format == Format::V6 ? 0x80 + key : 0);
+    int depth = 0;
+    for (std::uint32_t page = file.info.keys[key].indexRoot; page != 0xFFFFFFFF; ++depth) {
+        const auto held = file.pages->page(page, tag);
+        page = bytes::u32(*held, 12) == 0xFFFFFFFF ? 0xFFFFFFFF
+               : file.header.format == Format::V5  ? bytes::ws32(*held, 12)
+                                                   : bytes::pp24(*held, 12);
+    }
+    return depth;
+}
+
+struct Shape {
+    Format format;
+    std::uint32_t pageSize;
+};
+
+class CreatedIndexes : public ::testing::TestWithParam<Shape> {
+protected:
+    void SetUp() override
+    {
+        std::string message;
+        ASSERT_EQ(createFile(path, spec(GetParam().format, GetParam().pageSize), makeRecords(recordCount), message),
+                  Status::Success)
+            << message;
+    }
+    recmantest::TempDir dir;
+    std::filesystem::path path = dir / "INDEXED.BTR";
+};
+
+TEST_P(CreatedIndexes, EveryKeyWalksInSortedOrder)
+{
+    auto file = recmantest::openInternals(path);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->header.format, GetParam().format);
+    EXPECT_FALSE(file->header.createdByEngine);
+    for (std::size_t key = 0; key < 4; ++key)
+        recmantest::expectIndexPagesMatchSort(*file, key);
+    EXPECT_EQ(file->info.keys[1].uniqueValues, 97u);
+    if (GetParam().pageSize < 4096)
+        EXPECT_GE(depthOf(*file, 2), 3);
+}
+
+TEST_P(CreatedIndexes, KeyedReadsFindEveryRecordAndInsertsAreRefused)
+{
+    File file;
+    ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
+    EXPECT_TRUE(file.info().warnings.empty()) << file.info().warnings.front();
+    const auto records = makeRecords(recordCount);
+    std::vector<std::vector<std::uint8_t>> read;
+    for (auto status = file.getFirst(0); status == Status::Success; status = file.getNext(0))
+        read.emplace_back(file.record().begin(), file.record().end());
+    EXPECT_EQ(read.size(), records.size());
+    EXPECT_TRUE(std::is_permutation(read.begin(), read.end(), records.begin()));
+    for (std::int32_t i : {0, 1, 1234, recordCount - 1}) {
+        ASSERT_EQ(file.getEqual(0, Bytes(records[i]).first(4)), Status::Success);
+        EXPECT_EQ(std::vector<std::uint8_t>(file.record().begin(), file.record().end()), records[i]);
+    }
+    std::size_t amounts = 0;
+    for (auto status = file.getFirst(3); status == Status::Success; status = file.getNext(3))
+        ++amounts;
+    EXPECT_EQ(amounts, recordCount - recordCount / 10);
+    EXPECT_EQ(file.insert(makeRecord(recordCount)), Status::AccessDenied);
+}
+
+INSTANTIATE_TEST_SUITE_P(FormatsAndPages, CreatedIndexes,
+                         ::testing::Values(Shape{Format::V5, 512}, Shape{Format::V5, 4096}, Shape{Format::V6, 1024},
+                                           Shape{Format::V6, 4096}),
+                         [](const auto &info) {
+                             return std::string(info.param.format == Format::V5 ? "V5" : "V6") + "Page" +
+                                    std::to_string(info.param.pageSize);
+                         });
+
+// Trees of no entry and of one page: the walk must still accept them.
+TEST(CreatedIndexEdges, EmptyAndSingleRecordFiles)
+{
+    recmantest::TempDir dir;
+    for (const auto format : {Format::V5, Format::V6})
+        for (const std::int32_t count : {0, 1}) {
+            const auto path = dir / ("EDGE" + std::to_string(count) + (format == Format::V5 ? "5" : "6"));
+            std::string message;
+            ASSERT_EQ(createFile(path, spec(format, 1024), makeRecords(count), message), Status::Success) << message;
+            auto file = recmantest::openInternals(path);
+            ASSERT_TRUE(file);
+            for (std::size_t key = 0; key < 4; ++key)
+                recmantest::expectIndexPagesMatchSort(*file, key);
+        }
+}
+
+TEST(CreatedIndexEdges, RefusesWhatItCannotWriteWithAReason)
+{
+    recmantest::TempDir dir;
+    const auto refusal = [&](const FileSpec &wanted) {
+        std::string message;
+        EXPECT_NE(createFile(dir / "REFUSED.BTR", wanted, makeRecords(10), message), Status::Success);
+        EXPECT_FALSE(std::filesystem::exists(dir / "REFUSED.BTR"));
+        return message;
+    };
+    auto noIndex = spec(Format::V5, 1024);
+    noIndex.indexPages = false;
+    EXPECT_NE(refusal(noIndex).find("index pages"), std::string::npos);
+    EXPECT_NE(refusal(spec(Format::V6, 512)).find("page size"), std::string::npos);
+    auto twoTables = spec(Format::V5, 1024);
+    for (const char *name : {"UPPER", "LOWER"}) {
+        auto acs = std::make_shared<CollatingSequence>();
+        acs->name = name;
+        auto &key = twoTables.keys[name[0] == 'U' ? 0 : 1];
+        key.segments[0].flags |= keyflag::Acs;
+        key.segments[0].acs = acs;
+    }
+    EXPECT_NE(refusal(twoTables).find("one collating sequence"), std::string::npos);
+    auto longKey = spec(Format::V5, 512);
+    longKey.recordLength = 400;
+    longKey.keys[0].segments[0] = segment(0, DataType::String, 0, 250);
+    EXPECT_NE(refusal(longKey).find("key 0 is too long"), std::string::npos);
+}
+
+} // namespace
