@@ -116,12 +116,11 @@ void putNewFormatFields(MutableBytes page, const FileSpec &spec, const Layout &l
     bytes::put16(page, 0x22, 0xFFFF);
     bytes::put16(page, fcr::Version, formatVersion);
     const auto linked = [](auto offset) { return offset != 0; };
-    const auto firstDuplicate =
-        std::find_if(layout.duplicateOffsets.begin(), layout.duplicateOffsets.end(), linked);
+    const auto firstDuplicate = std::find_if(layout.duplicateOffsets.begin(), layout.duplicateOffsets.end(), linked);
     bytes::put16(page, fcr::DuplicateOffset,
                  static_cast<std::uint16_t>(firstDuplicate == layout.duplicateOffsets.end() ? 0 : *firstDuplicate));
-    page[fcr::DuplicateCount] =
-        static_cast<std::uint8_t>(std::count_if(layout.duplicateOffsets.begin(), layout.duplicateOffsets.end(), linked));
+    page[fcr::DuplicateCount] = static_cast<std::uint8_t>(
+        std::count_if(layout.duplicateOffsets.begin(), layout.duplicateOffsets.end(), linked));
     page[fcr::KeyCountAgain] = static_cast<std::uint8_t>(spec.keys.size());
     bytes::put16(page, fcr::KatOffset, static_cast<std::uint16_t>(layout.katOffset));
     if (!spec.indexPages)
@@ -187,8 +186,8 @@ Status writeNewFile(FileHandle &file, const FileSpec &spec, const RecordSource &
     bool ok = true;
     std::uint32_t logical = 1;
     for (const auto &acs : layout.collations)
-        ok = ok && writer.addPage(logical, pagebuild::acsPage(spec.pageSize, logical, *acs, spec.format),
-                                  pagetype::Acs),
+        ok =
+            ok && writer.addPage(logical, pagebuild::acsPage(spec.pageSize, logical, *acs, spec.format), pagetype::Acs),
         ++logical;
     for (; logical < layout.firstDataPage; ++logical) {
         const auto key = static_cast<int>(logical - layout.firstIndexPage);

@@ -25,7 +25,7 @@ namespace recman {
 
 struct FileSpec {
     Format format = Format::V6;
-    bool indexPages = false;       // build every key's B-tree (required for 5.x)
+    bool indexPages = false; // build every key's B-tree (required for 5.x)
     std::uint32_t recordLength = 0;
     std::uint32_t pageSize = 4096; // multiple of 512; 6.x 1024..4096, 5.x 512..4096
     // Keys numbered 0.. in order. Segment offsets are 0-based in the user record;

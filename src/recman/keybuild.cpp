@@ -24,8 +24,7 @@ struct Written {
 
     // Each data page in turn, with its first ordinal and its number of records;
     // `change` returns true when it changed the page, which is then rewritten.
-    template <typename Change>
-    bool forEachDataPage(Change change) const
+    template <typename Change> bool forEachDataPage(Change change) const
     {
         std::vector<std::uint8_t> page(layout.pageSize);
         for (std::uint32_t first = 0; first < recordCount; first += layout.slotsPerPage) {
@@ -102,8 +101,7 @@ bool linkDuplicates(const Written &file, std::size_t key, const KeyOrder &order)
 
 // One entry per record, or per value with linked duplicates (its first and
 // last record); the key bytes are read back from the first record.
-bool buildTree(const Written &file, std::size_t k, const KeyOrder &order, std::uint32_t &nextPage,
-               std::uint32_t &root)
+bool buildTree(const Written &file, std::size_t k, const KeyOrder &order, std::uint32_t &nextPage, std::uint32_t &root)
 {
     const auto &key = file.spec.keys[k];
     const bool linked = file.layout.duplicateOffsets[k] != 0;

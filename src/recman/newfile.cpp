@@ -25,8 +25,7 @@ Layout planLayout(const FileSpec &spec)
     layout.slotsPerPage = slot > spec.pageSize - 6 ? 0 : (spec.pageSize - 6) / slot;
     layout.katOffset = spec.pageSize >= 2048 ? spec.pageSize - 240 : spec.pageSize - 48;
     layout.firstIndexPage = static_cast<std::uint32_t>(layout.collations.size() + 1);
-    layout.firstDataPage =
-        layout.firstIndexPage + static_cast<std::uint32_t>(spec.indexPages ? 0 : spec.keys.size());
+    layout.firstDataPage = layout.firstIndexPage + static_cast<std::uint32_t>(spec.indexPages ? 0 : spec.keys.size());
     return layout;
 }
 
@@ -48,8 +47,8 @@ bool PageSink::flush()
 }
 
 NewFileWriter::NewFileWriter(FileHandle &file, const Layout &layout)
-    : file_(file), format_(layout.format), pageSize_(layout.pageSize), sink_(file, layout.pageSize),
-      physical_(1, 0), nextPhysical_(layout.format == Format::V6 ? 4 : 1)
+    : file_(file), format_(layout.format), pageSize_(layout.pageSize), sink_(file, layout.pageSize), physical_(1, 0),
+      nextPhysical_(layout.format == Format::V6 ? 4 : 1)
 {
 }
 

@@ -23,7 +23,7 @@ struct Layout {
     std::vector<std::uint32_t> duplicateOffsets; // per key, 0 = none
     std::vector<std::shared_ptr<const CollatingSequence>> collations;
     std::map<const CollatingSequence *, std::uint32_t> acsPages; // logical page of each table
-    std::uint32_t firstIndexPage = 0; // empty roots, in files without index pages
+    std::uint32_t firstIndexPage = 0;                            // empty roots, in files without index pages
     std::uint32_t firstDataPage = 0;
 
     // Record address of the record with ordinal `ordinal`, as the file stores it.
