@@ -116,12 +116,19 @@ bool buildTree(const Written &file, std::size_t k, const KeyOrder &order, std::u
         ok = ok && file.writer.addPage(number, page, tag);
         return number;
     });
-    std::vector<std::uint8_t> record(file.spec.recordLength), entry;
+    // Keys often follow record order, so the page last read usually serves the next entry.
+    std::vector<std::uint8_t> page(file.layout.pageSize), entry;
+    std::uint32_t pageHeld = 0;
     for (std::size_t i = 0; ok && i < order.ordinals.size(); ++i) {
         if (linked && !order.startsValue[i])
             continue;
         const auto address = file.layout.address(order.ordinals[i]);
-        ok = file.writer.readAt(address + file.layout.userOffset, record);
+        if (address / file.layout.pageSize != pageHeld) {
+            pageHeld = address / file.layout.pageSize;
+            ok = file.writer.readPage(pageHeld, page);
+        }
+        const auto record =
+            Bytes(page).subspan(address % file.layout.pageSize + file.layout.userOffset, file.spec.recordLength);
         entry.clear();
         appendKeyValue(key, record, entry);
         entry.resize(shape.entryLength);

@@ -77,11 +77,6 @@ bool NewFileWriter::readPage(std::uint32_t logical, MutableBytes page) const
     return file_.readAt(std::uint64_t{physical_.at(logical)} * pageSize_, page);
 }
 
-bool NewFileWriter::readAt(std::uint32_t address, MutableBytes bytes) const
-{
-    return file_.readAt(std::uint64_t{physical_.at(address / pageSize_)} * pageSize_ + address % pageSize_, bytes);
-}
-
 bool NewFileWriter::rewritePage(std::uint32_t logical, Bytes page)
 {
     return file_.writeAt(std::uint64_t{physical_.at(logical)} * pageSize_, page);

@@ -59,8 +59,6 @@ public:
     bool flush() { return sink_.flush(); }
     bool readPage(std::uint32_t logical, MutableBytes page) const;
     bool rewritePage(std::uint32_t logical, Bytes page);
-    // Bytes of a written page from a record address on.
-    bool readAt(std::uint32_t address, MutableBytes bytes) const;
     bool finish(Bytes controlRecord);
 
 private:
