@@ -39,8 +39,7 @@ std::string checkKeys(const FileSpec &spec)
         }
         if (spec.indexPages && (key.flags() & keyflag::RepeatingDuplicates) != 0)
             return name + ": index pages with repeating duplicates are not written";
-        const std::size_t entryLength = key.length() + 8 + (key.allowsDuplicates() ? 4 : 0);
-        if (spec.indexPages && TreeShape{spec.format, spec.pageSize, 0, entryLength}.capacity() < 2)
+        if (spec.indexPages && TreeShape{spec.format, spec.pageSize, 0, indexEntryLength(key)}.capacity() < 2)
             return name + " is too long: fewer than two of its index entries fit a " + std::to_string(spec.pageSize) +
                    "-byte page";
     }
@@ -84,7 +83,7 @@ void writeSegmentSpec(MutableBytes at, const FileSpec &spec, const Layout &layou
             bytes::putWs32(at, 0x00, root);
         bytes::putWs32(at, 0x04, static_cast<std::uint32_t>(built.distinct));
         const auto keyLength = key.length();
-        const auto entryLength = keyLength + 8 + (key.allowsDuplicates() ? 4 : 0);
+        const auto entryLength = indexEntryLength(key);
         const auto maxEntries = (spec.pageSize - 12) / entryLength;
         bytes::put16(at, 0x0A, static_cast<std::uint16_t>(keyLength));
         bytes::put16(at, 0x0C, static_cast<std::uint16_t>(entryLength));

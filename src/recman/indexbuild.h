@@ -5,6 +5,7 @@
 
 #include "bytes.h"
 #include "header.h"
+#include "keydef.h"
 
 #include <cstdint>
 #include <functional>
@@ -21,6 +22,12 @@ struct TreeShape {
     // Entries one page holds after its 16-byte header.
     std::uint32_t capacity() const { return static_cast<std::uint32_t>((pageSize - 16) / entryLength); }
 };
+
+// Key bytes, record address, last duplicate (linked-duplicate keys), child.
+inline std::size_t indexEntryLength(const KeyDefinition &key)
+{
+    return key.length() + 8 + (key.allowsDuplicates() ? 4 : 0);
+}
 
 // Gives a finished page its own number and writes it out; returns the number.
 using PagePlacer = std::function<std::uint32_t(MutableBytes page)>;

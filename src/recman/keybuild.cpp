@@ -106,8 +106,7 @@ bool buildTree(const Written &file, std::size_t k, const KeyOrder &order, std::u
     const auto &key = file.spec.keys[k];
     const bool linked = file.layout.duplicateOffsets[k] != 0;
     const std::size_t keyLength = key.length();
-    const TreeShape shape{file.layout.format, file.layout.pageSize, static_cast<int>(k),
-                          keyLength + 8 + (linked ? 4 : 0)};
+    const TreeShape shape{file.layout.format, file.layout.pageSize, static_cast<int>(k), indexEntryLength(key)};
     const auto tag = static_cast<std::uint8_t>(pagetype::IndexBase + k);
     bool ok = true;
     TreeBuilder tree(shape, linked ? order.distinct : order.ordinals.size(), [&](MutableBytes page) {
