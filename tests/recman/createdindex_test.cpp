@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 
 using namespace recman;
@@ -25,11 +26,21 @@ KeySegment segment(std::uint16_t flags, DataType type, std::uint32_t offset, std
         0, {}};
 }
 
+std::shared_ptr<const CollatingSequence> upperCase()
+{
+    auto acs = std::make_shared<CollatingSequence>();
+    acs->name = "UPPER";
+    for (int c = 0; c < 256; ++c)
+        acs->table[c] = static_cast<std::uint8_t>(std::toupper(c));
+    return acs;
+}
+
 // Record i: id (int32, unique, scrambled), group (8 chars, ~31 records each,
 // mixed case), amount (int32, ~3 records each, 0 = null on every tenth).
 //   key 0: id                          unique
 //   key 1: group, case-insensitive     linked duplicates
-//   key 2: group + id descending       unique, two typed segments
+//   key 2: group by a collating        unique, two typed segments
+//          sequence + id descending
 //   key 3: amount, null when 0         linked duplicates, nulls left out
 FileSpec spec(Format format, std::uint32_t pageSize)
 {
@@ -41,7 +52,9 @@ FileSpec spec(Format format, std::uint32_t pageSize)
     spec.keys.resize(4);
     spec.keys[0].segments = {segment(0, DataType::Integer, 0, 4)};
     spec.keys[1].segments = {segment(keyflag::Duplicates | keyflag::CaseInsensitive, DataType::String, 4, 8)};
-    spec.keys[2].segments = {segment(0, DataType::String, 4, 8), segment(keyflag::Descending, DataType::Integer, 0, 4)};
+    spec.keys[2].segments = {segment(keyflag::Acs, DataType::String, 4, 8),
+                             segment(keyflag::Descending, DataType::Integer, 0, 4)};
+    spec.keys[2].segments[0].acs = upperCase();
     spec.keys[3].segments = {segment(keyflag::Duplicates | keyflag::NullAll, DataType::Integer, 12, 4)};
     for (int k = 0; k < 4; ++k)
         spec.keys[k].number = k;
@@ -123,11 +136,6 @@ struct Shape {
 std::string nameOf(const Shape &shape)
 {
     return std::string(shape.format == Format::V5 ? "V5" : "V6") + "Page" + std::to_string(shape.pageSize);
-}
-
-void PrintTo(const Shape &shape, std::ostream *out)
-{
-    *out << nameOf(shape);
 }
 
 class CreatedIndexes : public ::testing::TestWithParam<Shape> {
@@ -218,14 +226,9 @@ TEST(CreatedIndexEdges, RefusesWhatItCannotWriteWithAReason)
     noIndex.indexPages = false;
     EXPECT_NE(refusal(noIndex).find("index pages"), std::string::npos);
     EXPECT_NE(refusal(spec(Format::V6, 512)).find("page size"), std::string::npos);
-    auto twoTables = spec(Format::V5, 1024);
-    for (const char *name : {"UPPER", "LOWER"}) {
-        auto acs = std::make_shared<CollatingSequence>();
-        acs->name = name;
-        auto &key = twoTables.keys[name[0] == 'U' ? 0 : 1];
-        key.segments[0].flags |= keyflag::Acs;
-        key.segments[0].acs = acs;
-    }
+    auto twoTables = spec(Format::V5, 1024); // key 2 already uses one
+    twoTables.keys[1].segments[0].flags |= keyflag::Acs;
+    twoTables.keys[1].segments[0].acs = upperCase();
     EXPECT_NE(refusal(twoTables).find("one collating sequence"), std::string::npos);
     auto longKey = spec(Format::V5, 512);
     longKey.recordLength = 400;
