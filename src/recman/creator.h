@@ -1,12 +1,17 @@
-// Creating fresh 6.x files, in bulk: all records are streamed into data pages
-// in one pass, so a million records take seconds.
+// Creating fresh files in bulk: all records are streamed into data pages in
+// one pass, so a million records take seconds.
 //
-// The files follow the layout the public readers accept (current control
+// 6.x files follow the layout the public readers accept (current control
 // record and PAT in copy A, identical copy B, one physical page per logical
-// page, empty B-tree roots). The record manager itself could open them, but
-// its keyed reads would find the empty B-trees: they are for this engine.
+// page). Without index pages their B-tree roots are empty and a tag marks
+// them as this engine's own, to insert into and delete from. With index pages
+// each key's B-tree is bulk-loaded after the records, and the file stands for
+// one the record manager wrote: no tag, updates in place only. 5.x files
+// (control record on page 0, physical pages) have no such tag and are only
+// made with their index pages.
 #pragma once
 
+#include "header.h"
 #include "keydef.h"
 #include "status.h"
 
@@ -19,8 +24,10 @@
 namespace recman {
 
 struct FileSpec {
+    Format format = Format::V6;
+    bool indexPages = false; // build every key's B-tree (required for 5.x)
     std::uint32_t recordLength = 0;
-    std::uint32_t pageSize = 4096; // multiple of 512, 1024..4096
+    std::uint32_t pageSize = 4096; // multiple of 512; 6.x 1024..4096, 5.x 512..4096
     // Keys numbered 0.. in order. Segment offsets are 0-based in the user record;
     // set keyflag::Extended and rawType for typed segments; set acs for
     // keyflag::Acs segments. keyflag::Segmented is set by the creator.

@@ -6,10 +6,18 @@
 
 namespace recman::pagebuild {
 
-std::vector<std::uint8_t> emptyDataPage(std::uint32_t pageSize, std::uint32_t logical)
+void putPageNumber(MutableBytes page, std::uint32_t number, std::uint8_t tag, Format format)
+{
+    if (format == Format::V5)
+        bytes::putWs32(page, 0, number);
+    else
+        bytes::putPp24(page, 0, number, tag);
+}
+
+std::vector<std::uint8_t> emptyDataPage(std::uint32_t pageSize, std::uint32_t logical, Format format)
 {
     std::vector<std::uint8_t> page(pageSize, 0);
-    bytes::putPp24(page, 0, logical, pagetype::Data);
+    putPageNumber(page, logical, pagetype::Data, format);
     bytes::put16(page, 4, 0x8001);
     return page;
 }
@@ -23,8 +31,13 @@ void touchDataPage(MutableBytes page)
 void fillSlot(MutableBytes slot, Bytes record, std::uint16_t usage)
 {
     bytes::put16(slot, 0, usage == 0 ? 1 : usage);
-    std::copy(record.begin(), record.end(), slot.begin() + 2);
-    std::fill(slot.begin() + 2 + static_cast<std::ptrdiff_t>(record.size()), slot.end(), 0xFF);
+    fillUncountedSlot(slot.subspan(2), record);
+}
+
+void fillUncountedSlot(MutableBytes slot, Bytes record)
+{
+    std::copy(record.begin(), record.end(), slot.begin());
+    std::fill(slot.begin() + static_cast<std::ptrdiff_t>(record.size()), slot.end(), 0xFF);
 }
 
 void freeSlot(MutableBytes slot, std::uint32_t nextFree)
@@ -41,10 +54,11 @@ std::vector<std::uint8_t> emptyIndexPage(std::uint32_t pageSize, std::uint32_t l
     return page;
 }
 
-std::vector<std::uint8_t> acsPage(std::uint32_t pageSize, std::uint32_t logical, const CollatingSequence &acs)
+std::vector<std::uint8_t> acsPage(std::uint32_t pageSize, std::uint32_t logical, const CollatingSequence &acs,
+                                  Format format)
 {
     std::vector<std::uint8_t> page(pageSize, 0);
-    bytes::putPp24(page, 0, logical, pagetype::Acs);
+    putPageNumber(page, logical, pagetype::Acs, format);
     page[6] = 0xAC;
     for (std::size_t i = 0; i < 8; ++i)
         page[7 + i] = i < acs.name.size() ? static_cast<std::uint8_t>(acs.name[i]) : ' ';

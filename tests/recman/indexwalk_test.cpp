@@ -11,37 +11,14 @@ using namespace recman;
 
 namespace {
 
-std::shared_ptr<OpenFile> openFixture(const std::filesystem::path &path)
-{
-    std::shared_ptr<OpenFile> file;
-    std::string message;
-    EXPECT_EQ(openShared(path, OpenMode::ReadOnly, file, message), Status::Success) << message;
-    return file;
-}
-
-std::vector<std::uint32_t> scanOrder(OpenFile &file, std::size_t key)
-{
-    const KeyIndex index(file.info.keys[key], file.records);
-    std::vector<std::uint32_t> addresses;
-    for (std::size_t i = 0; i < index.size(); ++i)
-        addresses.push_back(file.records.address(index.ordinalAt(i)));
-    return addresses;
-}
-
 class IndexWalkTest : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(IndexWalkTest, EveryKeyWalksInScanOrder)
 {
-    auto file = openFixture(recmantest::fixture(GetParam() + ".DAT"));
+    auto file = recmantest::openInternals(recmantest::fixture(GetParam() + ".DAT"));
     ASSERT_TRUE(file);
-    for (std::size_t key = 0; key < file->info.keys.size(); ++key) {
-        SCOPED_TRACE("key " + std::to_string(key));
-        std::string problem;
-        const auto walked = walkKeyIndex(*file->pages, file->header, file->info.keys[key], problem);
-        ASSERT_TRUE(walked) << problem;
-        EXPECT_EQ(walked->addresses, scanOrder(*file, key));
-        ASSERT_TRUE(ordinalsInWalkOrder(file->records, file->info.keys[key], *walked, problem)) << problem;
-    }
+    for (std::size_t key = 0; key < file->info.keys.size(); ++key)
+        recmantest::expectIndexPagesMatchSort(*file, key);
 }
 
 INSTANTIATE_TEST_SUITE_P(RealFiles, IndexWalkTest, ::testing::Values("MBBSEMU", "VARIABLE", "GALTELA", "MULTIACS"));
@@ -56,7 +33,7 @@ TEST(IndexWalkDamage, RefusesLoopsStrayPagesDisorderAndLostValues)
     std::uint32_t root = 0;
     std::size_t entryLength = 0, keyLength = 0;
     {
-        auto file = openFixture(path);
+        auto file = recmantest::openInternals(path);
         ASSERT_TRUE(file);
         root = file->info.keys[1].indexRoot;
         ASSERT_NE(root, 0u);
@@ -69,7 +46,7 @@ TEST(IndexWalkDamage, RefusesLoopsStrayPagesDisorderAndLostValues)
         auto bytes = original;
         damage(recman::MutableBytes(bytes));
         recmantest::writeBytes(path, bytes);
-        auto file = openFixture(path);
+        auto file = recmantest::openInternals(path);
         std::string problem;
         EXPECT_FALSE(walkKeyIndex(*file->pages, file->header, file->info.keys[1], problem));
         return problem;

@@ -2,11 +2,17 @@
 #pragma once
 
 #include "file.h"
+#include "indexwalk.h"
+#include "keyindex.h"
+#include "openfile.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -64,6 +70,38 @@ inline std::filesystem::path writableFixture(const TempDir &dir, const std::stri
     std::filesystem::copy_file(fixture(name), path);
     std::filesystem::permissions(path, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
     return path;
+}
+
+// A file opened below the File API, for tests that look at its pages.
+inline std::shared_ptr<recman::OpenFile> openInternals(const std::filesystem::path &path)
+{
+    std::shared_ptr<recman::OpenFile> file;
+    std::string message;
+    EXPECT_EQ(recman::openShared(path, recman::OpenMode::ReadOnly, file, message), recman::Status::Success) << message;
+    return file;
+}
+
+// Record addresses in the order an index built by sorting the records gives:
+// the oracle for orders read from the file's own index pages.
+inline std::vector<std::uint32_t> sortedOrder(recman::OpenFile &file, std::size_t key)
+{
+    const recman::KeyIndex index(file.info.keys[key], file.records);
+    std::vector<std::uint32_t> addresses;
+    for (std::size_t i = 0; i < index.size(); ++i)
+        addresses.push_back(file.records.address(index.ordinalAt(i)));
+    return addresses;
+}
+
+// The key's order read from the file's own index pages is the sorted order,
+// and the records agree with it.
+inline void expectIndexPagesMatchSort(recman::OpenFile &file, std::size_t key)
+{
+    SCOPED_TRACE("key " + std::to_string(key));
+    std::string problem;
+    const auto walked = recman::walkKeyIndex(*file.pages, file.header, file.info.keys[key], problem);
+    ASSERT_TRUE(walked) << problem;
+    EXPECT_EQ(walked->addresses, sortedOrder(file, key));
+    EXPECT_TRUE(recman::ordinalsInWalkOrder(file.records, file.info.keys[key], *walked, problem)) << problem;
 }
 
 } // namespace recmantest
