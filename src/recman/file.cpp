@@ -354,14 +354,21 @@ Status File::step(Step which)
     const bool onward = which == Step::Next || which == Step::Previous;
     if (const auto refused = ready(onward ? direction : 0))
         return *refused;
-    if (const auto refused = listRecords())
-        return *refused;
-    const auto &records = impl_->file->records;
     auto &at = impl_->at;
+    if (!impl_->file->listed)
+        return stepUnlisted(direction, onward);
+    const auto &records = impl_->file->records;
     const auto count = static_cast<std::int64_t>(records.size());
     const std::int64_t current = at.ordinal ? std::int64_t{*at.ordinal} : -2;
     std::int64_t next = which == Step::First ? 0 : which == Step::Last ? count - 1 : current + direction;
-    if (!at.ordinal && onward)
+    if (onward && !at.ordinal && at.onRecord) {
+        // Reached by key in a file listed since: find the record in the list.
+        if (const auto refused = listRecords())
+            return *refused;
+        if (at.ordinal)
+            next = std::int64_t{*at.ordinal} + direction;
+    }
+    if (!at.onRecord && onward)
         return fail(Status::InvalidPositioning, "no current record to step from");
     for (; next >= 0 && next < count; next += direction)
         if (records.live(static_cast<std::size_t>(next))) {
@@ -370,6 +377,31 @@ Status File::step(Step which)
             return Status::Success;
         }
     return fail(Status::EndOfFile, "no record in that direction");
+}
+
+Status File::stepUnlisted(int direction, bool onward)
+{
+    auto &file = *impl_->file;
+    auto &at = impl_->at;
+    if (onward && !at.onRecord)
+        return fail(Status::InvalidPositioning, "no current record to step from");
+    const auto from = onward ? std::optional(at.address) : std::nullopt;
+    try {
+        auto &walk = file.slots();
+        const auto slot = direction > 0 ? walk.next(from) : walk.previous(from);
+        if (!slot)
+            return fail(Status::EndOfFile, "no record in that direction");
+        // Read aside first: a record that cannot be assembled leaves the current one whole.
+        walk.record(slot->bytes, impl_->scratch);
+        std::swap(at.bytes, impl_->scratch);
+        at.onRecord = true;
+        at.ordinal.reset();
+        at.address = slot->address;
+        at.keyPath = -1;
+        return Status::Success;
+    } catch (const FormatError &error) {
+        return fail(Status::IoError, file.path.string() + ": " + error.what());
+    }
 }
 
 Bytes File::record() const

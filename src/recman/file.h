@@ -179,6 +179,8 @@ private:
     // The same down the index pages; throws FormatError where they are damaged.
     Status descend(int key, int operation, const std::vector<std::uint8_t> &image);
     Status step(Step which);
+    // A step in a file whose records are not listed: slot by slot on the pages.
+    Status stepUnlisted(int direction, bool onward);
     Status positionAt(int key, std::size_t position);
     Status guardedWrite(const std::function<Status(std::string &)> &write);
     // Puts the file back from its journal; every File sharing it reads it

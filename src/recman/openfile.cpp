@@ -151,6 +151,7 @@ void OpenFile::load()
     if (scan)
         adopt(std::move(*scan));
     checkedIndexPages.assign(info.keys.size(), {});
+    slotWalk.reset();
     freePhysical.clear();
     freePhysicalKnown = false;
     // Key definitions live in info so that indexes can point at them for good.
@@ -162,6 +163,15 @@ void OpenFile::listRecords()
 {
     if (!listed)
         adopt(scanRecords(header, *pages));
+}
+
+SlotWalk &OpenFile::slots()
+{
+    if (!slotWalk) {
+        slotWalk = std::make_unique<SlotWalk>(header, *pages);
+        info.warnings.insert(info.warnings.end(), slotWalk->warnings().begin(), slotWalk->warnings().end());
+    }
+    return *slotWalk;
 }
 
 void OpenFile::adopt(ScanResult scan)

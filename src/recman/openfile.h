@@ -39,6 +39,7 @@ struct OpenFile {
     bool listed = false;
     bool descends = false;
     std::vector<CheckedIndexPages> checkedIndexPages; // per key
+    std::unique_ptr<SlotWalk> slotWalk;                // steps while the records are not listed
     KeyIndexes indexes;
     std::vector<std::uint32_t> unusedSlots;
     // Physical pages no current page uses (own files only; filled on first write).
@@ -60,6 +61,9 @@ struct OpenFile {
     void load();
     // Lists the records if they are not yet; throws FormatError.
     void listRecords();
+    // The walk of live slots that steps take while the records are not
+    // listed, made on first use; throws FormatError.
+    SlotWalk &slots();
     // load() again when the file changed on disk since it was last looked at.
     void refreshIfChanged();
     // After a write of ours: cached pages are stale, the new stamp is ours.
@@ -120,6 +124,7 @@ struct File::Impl {
 
     Currency at;
     StepRun run;
+    std::vector<std::uint8_t> scratch; // a record read before it becomes the current one
 };
 
 // The keyed operations, as File::keyed takes them.

@@ -70,9 +70,9 @@ bool allZero(Bytes bytes)
 // the chain names it or it was never written (all zero); a live record may well
 // be zero after its first four bytes. Only a broken chain falls back to taking
 // every "pointer, then zeros" slot as free.
-bool v5SlotIsFree(const FileHeader &header, const FreeSlots &free, Bytes slot)
+bool v5SlotIsFree(const FileHeader &header, bool chainComplete, Bytes slot)
 {
-    if (free.chainComplete)
+    if (chainComplete)
         return allZero(slot);
     if (!allZero(slot.subspan(4)))
         return false;
@@ -186,11 +186,96 @@ void assemble(const FileHeader &header, TailReader &tails, Bytes slot, std::vect
 
 } // namespace
 
+SlotWalk::SlotWalk(const FileHeader &header, const PageMap &pages)
+    : header_(header), pages_(pages), perPage_(slotsPerPage(header))
+{
+    auto free = freeSlots(header, pages, warnings_);
+    free_ = std::move(free.addresses);
+    chainComplete_ = free.chainComplete;
+}
+
+SlotWalk::State SlotWalk::state(std::uint32_t address, Bytes slot) const
+{
+    if (!free_.empty() && free_.count(address) != 0)
+        return State::Free;
+    if (header_.format == Format::V6)
+        return bytes::u16(slot, 0) == 0 ? State::Unused : State::Live;
+    return v5SlotIsFree(header_, chainComplete_, slot) ? State::Free : State::Live;
+}
+
+Bytes SlotWalk::page(std::uint32_t logical)
+{
+    if (!pinned_ || pinnedLogical_ != logical || pinnedEpoch_ != pages_.cacheEpoch()) {
+        pinned_ = dataPage(header_, pages_, logical);
+        pinnedLogical_ = logical;
+        pinnedEpoch_ = pages_.cacheEpoch();
+    }
+    return pinned_ ? Bytes(*pinned_) : Bytes();
+}
+
+std::optional<SlotWalk::Slot> SlotWalk::at(std::uint32_t logical, std::uint32_t slot)
+{
+    const Bytes view = page(logical);
+    if (view.empty())
+        return std::nullopt;
+    const auto offset = slotOffset(header_, slot);
+    const std::uint32_t address = logical * header_.pageSize + offset;
+    const Bytes bytesOfSlot = view.subspan(offset, header_.physicalLength);
+    if (state(address, bytesOfSlot) != State::Live)
+        return std::nullopt;
+    return Slot{address, bytesOfSlot};
+}
+
+std::optional<SlotWalk::Slot> SlotWalk::next(std::optional<std::uint32_t> after)
+{
+    std::uint32_t logical = 1, slot = 0;
+    if (after) {
+        logical = *after / header_.pageSize;
+        slot = (*after % header_.pageSize - 6) / header_.physicalLength + 1;
+    }
+    for (; logical < pages_.logicalPageEnd(); ++logical, slot = 0) {
+        if (page(logical).empty())
+            continue;
+        for (; slot < perPage_; ++slot)
+            if (auto found = at(logical, slot))
+                return found;
+    }
+    return std::nullopt;
+}
+
+std::optional<SlotWalk::Slot> SlotWalk::previous(std::optional<std::uint32_t> before)
+{
+    std::uint32_t logical = pages_.logicalPageEnd() - 1, slot = perPage_;
+    if (before) {
+        logical = *before / header_.pageSize;
+        slot = (*before % header_.pageSize - 6) / header_.physicalLength;
+    }
+    for (; logical >= 1; --logical, slot = perPage_) {
+        if (page(logical).empty())
+            continue;
+        while (slot-- > 0)
+            if (auto found = at(logical, slot))
+                return found;
+    }
+    return std::nullopt;
+}
+
+void SlotWalk::record(Bytes slot, std::vector<std::uint8_t> &out) const
+{
+    if (!header_.compressed && !header_.variable) {
+        const auto fixed = slot.subspan(header_.userOffset, header_.recordLength);
+        out.assign(fixed.begin(), fixed.end());
+        return;
+    }
+    TailReader tails(header_, pages_);
+    assemble(header_, tails, slot, out);
+}
+
 ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
 {
     ScanResult result{RecordStore(pages, header), {}, {}};
-    const auto free = freeSlots(header, pages, result.warnings);
-    TailReader tails(header, pages);
+    SlotWalk walk(header, pages);
+    result.warnings = walk.warnings();
     const bool assembled = header.compressed || header.variable;
     std::vector<std::uint8_t> record;
     const auto perPage = slotsPerPage(header);
@@ -210,18 +295,15 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
             const auto offset = slotOffset(header, slot);
             const auto address = logical * header.pageSize + offset;
             const Bytes bytesOfSlot = view.subspan(offset, header.physicalLength);
-            if (free.addresses.count(address) != 0)
-                continue;
-            if (header.format == Format::V6 && bytes::u16(bytesOfSlot, 0) == 0) {
+            const auto state = walk.state(address, bytesOfSlot);
+            if (state == SlotWalk::State::Unused)
                 result.unusedSlots.push_back(address);
-                continue;
-            }
-            if (header.format == Format::V5 && v5SlotIsFree(header, free, bytesOfSlot))
+            if (state != SlotWalk::State::Live)
                 continue;
             if (!assembled) {
                 result.records.appendOnPage(address);
             } else {
-                assemble(header, tails, bytesOfSlot, record);
+                walk.record(bytesOfSlot, record);
                 result.records.append(record, address);
             }
             ++live;
@@ -232,7 +314,6 @@ ScanResult scanRecords(const FileHeader &header, const PageMap &pages)
                                   " records, data pages hold " + std::to_string(live));
     return result;
 }
-
 
 void readRecordAt(const FileHeader &header, const PageMap &pages, std::uint32_t address, std::vector<std::uint8_t> &out)
 {

@@ -30,6 +30,10 @@ std::vector<std::uint32_t> idsInKeyOrder(File &file)
     return ids;
 }
 
+// Each case runs with the records listed at open and, as for a big file,
+// with steps walking the pages and keyed reads going down the index pages.
+class OldFormatScan : public ::testing::TestWithParam<bool> {};
+
 struct Opened {
     recmantest::TempDir dir;
     std::filesystem::path path;
@@ -38,11 +42,15 @@ struct Opened {
     {
         path = dir / "LIVE.DAT";
         recmantest::writeBytes(path, shape.bytes());
+        const auto saved = recman::listAtOpenLimit();
+        if (!OldFormatScan::GetParam())
+            recman::setListAtOpenLimit(0);
         EXPECT_EQ(file.open(path), Status::Success) << file.lastMessage();
+        recman::setListAtOpenLimit(saved);
     }
 };
 
-TEST(OldFormatScan, PagesWithABareUsageWordHoldLiveRecords)
+TEST_P(OldFormatScan, PagesWithABareUsageWordHoldLiveRecords)
 {
     OldFile shape;
     shape.headerCount = 4;
@@ -54,10 +62,11 @@ TEST(OldFormatScan, PagesWithABareUsageWordHoldLiveRecords)
     EXPECT_TRUE(opened.file.info().warnings.empty());
     EXPECT_EQ(idsInStepOrder(opened.file), (std::vector<std::uint32_t>{1, 2, 3, 4}));
     EXPECT_EQ(idsInKeyOrder(opened.file), (std::vector<std::uint32_t>{1, 2, 3, 4}));
+    ASSERT_EQ(opened.file.countRecords(), Status::Success);
     EXPECT_FALSE(opened.file.info().countMismatch());
 }
 
-TEST(OldFormatScan, ZeroTailedRecordsAreLiveUnlessTheFreeChainNamesThem)
+TEST_P(OldFormatScan, ZeroTailedRecordsAreLiveUnlessTheFreeChainNamesThem)
 {
     OldFile shape;
     shape.headerCount = 3;
@@ -79,7 +88,7 @@ TEST(OldFormatScan, ZeroTailedRecordsAreLiveUnlessTheFreeChainNamesThem)
     EXPECT_EQ(address, shape.address(1, 1));
 }
 
-TEST(OldFormatScan, ABrokenFreeChainFallsBackToTheSlotShape)
+TEST_P(OldFormatScan, ABrokenFreeChainFallsBackToTheSlotShape)
 {
     OldFile shape;
     shape.headerCount = 1;
@@ -91,7 +100,7 @@ TEST(OldFormatScan, ABrokenFreeChainFallsBackToTheSlotShape)
     EXPECT_NE(opened.file.info().warnings.front().find("free-slot chain"), std::string::npos);
 }
 
-TEST(OldFormatScan, AHeaderCountThatDisagreesIsReportedAndLeftAlone)
+TEST_P(OldFormatScan, AHeaderCountThatDisagreesIsReportedAndLeftAlone)
 {
     for (const std::uint32_t headerCount : {1u, 5u}) {
         SCOPED_TRACE(headerCount);
@@ -102,6 +111,9 @@ TEST(OldFormatScan, AHeaderCountThatDisagreesIsReportedAndLeftAlone)
         Opened opened(shape);
         const auto &info = opened.file.info();
         EXPECT_EQ(idsInStepOrder(opened.file), (std::vector<std::uint32_t>{1, 2, 3}));
+        // Counted at open when listed there, else when asked.
+        EXPECT_EQ(info.recordsCounted, GetParam());
+        ASSERT_EQ(opened.file.countRecords(), Status::Success);
         EXPECT_EQ(info.recordCount, 3u);
         EXPECT_EQ(info.headerRecordCount, headerCount);
         EXPECT_TRUE(info.countMismatch());
@@ -112,7 +124,7 @@ TEST(OldFormatScan, AHeaderCountThatDisagreesIsReportedAndLeftAlone)
     }
 }
 
-TEST(OldFormatScan, NeverWrittenSlotsAndPagesAreNotRecords)
+TEST_P(OldFormatScan, NeverWrittenSlotsAndPagesAreNotRecords)
 {
     OldFile shape;
     shape.headerCount = 1;
@@ -120,7 +132,11 @@ TEST(OldFormatScan, NeverWrittenSlotsAndPagesAreNotRecords)
     shape.pages.push_back({0x8000, {}}); // allocated ahead, never used
     Opened opened(shape);
     EXPECT_EQ(idsInStepOrder(opened.file), (std::vector<std::uint32_t>{1}));
+    ASSERT_EQ(opened.file.countRecords(), Status::Success);
     EXPECT_FALSE(opened.file.info().countMismatch());
 }
+
+INSTANTIATE_TEST_SUITE_P(ListedAndNot, OldFormatScan, ::testing::Bool(),
+                         [](const auto &info) { return info.param ? "Listed" : "Unlisted"; });
 
 } // namespace
