@@ -223,15 +223,25 @@ std::optional<SlotWalk::Slot> SlotWalk::at(std::uint32_t logical, std::uint32_t 
     const Bytes bytesOfSlot = view.subspan(offset, header_.physicalLength);
     if (state(address, bytesOfSlot) != State::Live)
         return std::nullopt;
+    last_ = {address, logical, slot};
     return Slot{address, bytesOfSlot};
+}
+
+SlotWalk::Place SlotWalk::placeOf(std::uint32_t address) const
+{
+    // A scan asks for the slot after the one it was just given: no division.
+    if (address == last_.address)
+        return last_;
+    return {address, address / header_.pageSize, (address % header_.pageSize - 6) / header_.physicalLength};
 }
 
 std::optional<SlotWalk::Slot> SlotWalk::next(std::optional<std::uint32_t> after)
 {
     std::uint32_t logical = 1, slot = 0;
     if (after) {
-        logical = *after / header_.pageSize;
-        slot = (*after % header_.pageSize - 6) / header_.physicalLength + 1;
+        const auto place = placeOf(*after);
+        logical = place.logical;
+        slot = place.slot + 1;
     }
     for (; logical < pages_.logicalPageEnd(); ++logical, slot = 0) {
         if (page(logical).empty())
@@ -247,8 +257,9 @@ std::optional<SlotWalk::Slot> SlotWalk::previous(std::optional<std::uint32_t> be
 {
     std::uint32_t logical = pages_.logicalPageEnd() - 1, slot = perPage_;
     if (before) {
-        logical = *before / header_.pageSize;
-        slot = (*before % header_.pageSize - 6) / header_.physicalLength;
+        const auto place = placeOf(*before);
+        logical = place.logical;
+        slot = place.slot;
     }
     for (; logical >= 1; --logical, slot = perPage_) {
         if (page(logical).empty())

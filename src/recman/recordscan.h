@@ -39,8 +39,14 @@ public:
     const std::vector<std::string> &warnings() const { return warnings_; }
 
 private:
+    struct Place {
+        std::uint32_t address = 0xFFFFFFFF;
+        std::uint32_t logical = 0;
+        std::uint32_t slot = 0;
+    };
     Bytes page(std::uint32_t logical);
     std::optional<Slot> at(std::uint32_t logical, std::uint32_t slot);
+    Place placeOf(std::uint32_t address) const;
 
     const FileHeader &header_;
     const PageMap &pages_;
@@ -51,6 +57,7 @@ private:
     CachedPage pinned_;
     std::uint32_t pinnedLogical_ = 0;
     std::uint64_t pinnedEpoch_ = 0;
+    Place last_; // of the slot last returned
 };
 
 struct ScanResult {
