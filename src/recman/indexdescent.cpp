@@ -46,8 +46,14 @@ int IndexDescent::compare(const std::vector<std::uint8_t> &image, std::uint32_t 
 std::optional<IndexEntry> IndexDescent::find(Bound bound, const IndexTarget &target)
 {
     const std::uint32_t root = key_.indexRoot;
+    const auto noValues = [&]() -> std::optional<IndexEntry> {
+        if (key_.uniqueValues != 0)
+            throw FormatError("index of " + keyName(key_) + " is empty, its definition counts " +
+                              std::to_string(key_.uniqueValues) + " values");
+        return std::nullopt;
+    };
     if (root == IndexPage::None || root == 0)
-        return std::nullopt; // an empty tree
+        return noValues(); // an empty tree
     // The keys a page must lie between, from the entries around it in its parent.
     std::optional<IndexEntry> below, above, found;
     std::vector<std::uint8_t> image;
@@ -68,7 +74,7 @@ std::optional<IndexEntry> IndexDescent::find(Bound bound, const IndexTarget &tar
         const auto name = "index page " + std::to_string(number) + " of " + keyName(key_);
         if (page.count() == 0) {
             if (depth == 0)
-                return std::nullopt;
+                return noValues();
             throw FormatError(name + " is empty");
         }
         if (checked_.pages.count(number) == 0) {

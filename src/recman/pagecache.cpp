@@ -11,8 +11,8 @@ namespace recman {
 namespace {
 
 std::atomic<std::size_t> limitForNewFiles{4u << 20};
-// Pages read at once on a miss: enough to make a sequential scan cheap,
-// few enough that a random lookup reads little it does not need.
+// Pages read at once on a miss that follows the last run read: enough to
+// make a sequential scan cheap.
 constexpr std::uint32_t runPages = 16;
 constexpr std::size_t minimumPages = 2 * runPages;
 
@@ -42,11 +42,15 @@ CachedPage PageCache::get(std::uint32_t physical)
     const std::uint64_t filePages = file_.size() / pageSize_;
     if (physical >= filePages)
         throw FormatError("page " + std::to_string(physical) + " lies beyond the end of the file");
-    const auto count = static_cast<std::uint32_t>(std::min<std::uint64_t>(runPages, filePages - physical));
+    // Read ahead only when the misses run in order, as a scan's do; a
+    // look-up down an index reads just the page it needs.
+    const std::uint32_t wanted = physical == nextInOrder_ ? runPages : 1;
+    const auto count = static_cast<std::uint32_t>(std::min<std::uint64_t>(wanted, filePages - physical));
+    nextInOrder_ = physical + count;
     run_.resize(std::size_t{count} * pageSize_);
     if (!file_.readAt(std::uint64_t{physical} * pageSize_, run_))
         throw FormatError("cannot read page " + std::to_string(physical));
-    CachedPage wanted;
+    CachedPage asked;
     // Inserted last to first, so the page asked for ends up most recent.
     for (std::uint32_t i = count; i-- > 0;) {
         if (entries_.count(physical + i) != 0)
@@ -54,10 +58,10 @@ CachedPage PageCache::get(std::uint32_t physical)
         const auto start = run_.begin() + static_cast<std::ptrdiff_t>(std::size_t{i} * pageSize_);
         auto page = std::make_shared<const std::vector<std::uint8_t>>(start, start + pageSize_);
         if (i == 0)
-            wanted = page;
+            asked = page;
         insert(physical + i, std::move(page));
     }
-    return wanted;
+    return asked;
 }
 
 void PageCache::insert(std::uint32_t physical, CachedPage page)

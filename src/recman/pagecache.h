@@ -1,6 +1,7 @@
 // A small, bounded cache of a file's pages, read on demand with positioned
-// reads. A miss reads a short run of following pages too, so that a scan in
-// physical order costs few system calls. Pages are handed out as shared
+// reads. A miss right after the pages last read reads a short run of
+// following pages too, so that a scan in physical order costs few system
+// calls; other misses read one page. Pages are handed out as shared
 // pointers: a page evicted while a caller still looks at it stays alive for
 // that caller. The owner drops everything whenever the file changes on disk.
 #pragma once
@@ -38,6 +39,7 @@ private:
     std::list<std::pair<std::uint32_t, CachedPage>> order_;
     std::unordered_map<std::uint32_t, decltype(order_)::iterator> entries_;
     std::vector<std::uint8_t> run_;
+    std::uint32_t nextInOrder_ = 1; // the page after the last run read
     std::uint64_t epoch_ = 0;
 };
 
