@@ -4,60 +4,19 @@
 // the same record for every get and step, the same order both ways, and
 // damage noticed on the way and left for the records' own order.
 #include "file.h"
+#include "keyedanswers.h"
 #include "recmantest.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <set>
 
 using namespace recman;
+using recmantest::addressOf;
+using recmantest::keyedAnswers;
+using recmantest::Unlisted;
 
 namespace {
-
-// Files opened while it lives have their records listed only when needed.
-struct Unlisted {
-    std::uint64_t saved = listAtOpenLimit();
-    Unlisted() { setListAtOpenLimit(0); }
-    ~Unlisted() { setListAtOpenLimit(saved); }
-};
-
-std::uint32_t addressOf(const File &file)
-{
-    std::uint32_t address = 0;
-    EXPECT_EQ(file.position(address), Status::Success);
-    return address;
-}
-
-// Where each keyed operation lands, as (status, address) pairs: both
-// directions whole, and from every value the file holds (and just beside
-// it) each of the five gets followed by one step each way.
-std::vector<std::pair<int, std::uint32_t>> keyedAnswers(File &file, int key)
-{
-    std::vector<std::pair<int, std::uint32_t>> answers;
-    const auto note = [&](Status status) {
-        answers.emplace_back(static_cast<int>(status), status == Status::Success ? addressOf(file) : 0);
-        return status == Status::Success;
-    };
-    std::set<std::vector<std::uint8_t>> values;
-    for (bool ok = note(file.getFirst(key)); ok; ok = note(file.getNext(key)))
-        values.insert(file.keyValueOf(key, file.record()));
-    for (bool ok = note(file.getLast(key)); ok; ok = note(file.getPrevious(key))) {
-    }
-    using Get = Status (File::*)(int, Bytes);
-    const Get gets[] = {&File::getEqual, &File::getGreater, &File::getGreaterOrEqual, &File::getLess,
-                        &File::getLessOrEqual};
-    for (auto value : values)
-        for (int nudge : {0, -1, +1}) {
-            value.back() = static_cast<std::uint8_t>(value.back() + nudge);
-            for (const auto get : gets)
-                for (int step : {+1, -1})
-                    if (note((file.*get)(key, value)))
-                        note(step > 0 ? file.getNext(key) : file.getPrevious(key));
-            value.back() = static_cast<std::uint8_t>(value.back() - nudge);
-        }
-    return answers;
-}
 
 // Every record stepping forward and back, with its address.
 std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>> stepAnswers(File &file)
