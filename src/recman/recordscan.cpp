@@ -255,6 +255,8 @@ std::optional<SlotWalk::Slot> SlotWalk::next(std::optional<std::uint32_t> after)
 
 std::optional<SlotWalk::Slot> SlotWalk::previous(std::optional<std::uint32_t> before)
 {
+    if (pages_.logicalPageEnd() < 2)
+        return std::nullopt; // no page but the control record
     std::uint32_t logical = pages_.logicalPageEnd() - 1, slot = perPage_;
     if (before) {
         const auto place = placeOf(*before);
