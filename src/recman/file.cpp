@@ -71,10 +71,11 @@ std::optional<Status> File::ready(int continuedStep)
     auto &run = impl_->run;
     const bool continuesRun = continuedStep != 0 && continuedStep == run.direction;
     run.direction = continuedStep;
-    if (continuesRun && !run.checkDue()) {
+    const auto now = StepRun::now();
+    if (continuesRun && !run.checkDue(now)) {
         ++run.stepsSinceCheck;
     } else {
-        run.checked();
+        run.checked(now);
         std::string message;
         if (const auto status = refresh(file, message); status != Status::Success)
             return fail(status, "the file changed on disk and cannot be read now: " + message);
@@ -95,18 +96,25 @@ std::optional<Status> File::ready(int continuedStep)
 
 std::optional<Status> File::listRecords()
 {
-    auto &file = *impl_->file;
     std::string message;
-    if (const auto status = recman::listRecords(file, message); status != Status::Success)
+    if (const auto status = findInList(message); status != Status::Success)
         return fail(status, std::move(message));
-    // A record reached through the index pages gets its place in the list.
+    return std::nullopt;
+}
+
+Status File::findInList(std::string &message)
+{
+    auto &file = *impl_->file;
+    if (const auto status = recman::listRecords(file, message); status != Status::Success)
+        return status;
+    // A record reached without the list gets its place in it.
     auto &at = impl_->at;
     if (at.onRecord && !at.ordinal) {
         const auto ordinal = file.records.ordinalOf(at.address);
         at.ordinal = ordinal ? std::optional(static_cast<std::uint32_t>(*ordinal)) : std::nullopt;
         at.onRecord = at.ordinal.has_value();
     }
-    return std::nullopt;
+    return Status::Success;
 }
 
 void File::setCurrent(std::uint32_t ordinal)
@@ -311,10 +319,11 @@ std::optional<Status> File::checkKey(int key)
 
 std::optional<Status> File::buildIndex(int key, bool trustIndexPages)
 {
-    if (impl_->file->indexes.built(static_cast<std::size_t>(key)))
-        return std::nullopt;
+    // Also when another File built the index: this one's record needs its place in the list.
     if (const auto refused = listRecords())
         return refused;
+    if (impl_->file->indexes.built(static_cast<std::size_t>(key)))
+        return std::nullopt;
     try {
         impl_->file->indexes.use(static_cast<std::size_t>(key), trustIndexPages);
     } catch (const std::bad_alloc &) {
@@ -457,14 +466,12 @@ Status File::update(Bytes record)
         return *refused;
     if (!onLiveRecord())
         return fail(Status::InvalidPositioning, "no current record to update");
-    if (const auto refused = listRecords())
-        return *refused;
-    if (!onLiveRecord())
-        return fail(Status::Conflict, "the record read is no longer in the file");
     auto &at = impl_->at;
     // The caller may pass record() itself, a view of at.bytes.
     std::vector<std::uint8_t> written(record.begin(), record.end());
     return guardedWrite([&](std::string &message) {
+        if (const auto status = placeInList(message); status != Status::Success)
+            return status;
         const auto status = updateRecord(*impl_->file, *at.ordinal, at.bytes, written, message);
         if (status == Status::Success) {
             if (at.keyPath >= 0)
@@ -474,6 +481,18 @@ Status File::update(Bytes record)
         }
         return status;
     });
+}
+
+Status File::placeInList(std::string &message)
+{
+    // Writes go through the record list: made now for a file opened without.
+    if (const auto status = findInList(message); status != Status::Success)
+        return status;
+    if (!onLiveRecord()) {
+        message = "the record read is no longer in the file";
+        return Status::Conflict;
+    }
+    return Status::Success;
 }
 
 Status File::insert(Bytes record)
@@ -497,11 +516,13 @@ Status File::erase()
         return *refused;
     if (!onLiveRecord())
         return fail(Status::InvalidPositioning, "no current record to delete");
-    if (const auto refused = listRecords())
-        return *refused;
-    if (!onLiveRecord())
-        return fail(Status::Conflict, "the record read is no longer in the file");
-    return guardedWrite([&](std::string &message) { return deleteRecord(*impl_->file, *impl_->at.ordinal, message); });
+    return guardedWrite([&](std::string &message) {
+        if (const auto status = refuseUnlessOwn(*impl_->file, "delete", message); status != Status::Success)
+            return status;
+        if (const auto status = placeInList(message); status != Status::Success)
+            return status;
+        return deleteRecord(*impl_->file, *impl_->at.ordinal, message);
+    });
 }
 
 } // namespace recman

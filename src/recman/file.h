@@ -163,6 +163,7 @@ private:
     // Lists the file's records if they are not yet, and finds the current
     // record's place in the list.
     std::optional<Status> listRecords();
+    Status findInList(std::string &message);
     // ready(), and the key number exists.
     std::optional<Status> checkKey(int key);
     // Builds the key's index in memory if it is not built yet: from the
@@ -178,6 +179,9 @@ private:
     Status fromIndex(int key, int operation, const std::vector<std::uint8_t> &image);
     // The same down the index pages; throws FormatError where they are damaged.
     Status descend(int key, int operation, const std::vector<std::uint8_t> &image);
+    // Before a write: the file's records listed and the current one found in
+    // the list (Conflict when it is gone).
+    Status placeInList(std::string &message);
     Status step(Step which);
     // A step in a file whose records are not listed: slot by slot on the pages.
     Status stepUnlisted(int direction, bool onward);

@@ -1,7 +1,6 @@
 // Keyed reads of a big file straight down its own index pages (see
 // indexdescent.h): no record list, no index in memory.
 #include "indexdescent.h"
-#include "indexpage.h"
 #include "openfile.h"
 
 namespace recman {
@@ -51,18 +50,13 @@ Status File::descend(int key, int operation, const std::vector<std::uint8_t> &im
         const int direction = operation == Next ? +1 : -1;
         lastOfChain = direction < 0;
         if (linked) {
-            // Within a chain of equal values, by the records' own pointers;
-            // each step must move on in address order, so a damaged chain
-            // cannot turn a scan into a loop.
+            // Within a chain of equal values, by the records' own pointers.
             const auto same = tree.find(Bound::AtLeast, {&image, 0});
-            if (same && same->image == image && at.address != (direction > 0 ? same->last : same->first)) {
-                const auto neighbour = tree.chainNeighbour(at.address, direction);
-                if (neighbour == IndexPage::None || (direction > 0 ? neighbour <= at.address : neighbour >= at.address))
-                    throw FormatError("duplicate chain of " + keyName(key) + " is broken at record " +
-                                      std::to_string(at.address));
-                entry = IndexEntry{image, neighbour, neighbour};
-                break;
-            }
+            if (same && same->image == image)
+                if (const auto neighbour = tree.chainStep(*same, at.address, direction)) {
+                    entry = IndexEntry{image, *neighbour, *neighbour};
+                    break;
+                }
             entry = direction > 0 ? tree.find(Bound::After, {&image, highestRecord})
                                   : tree.find(Bound::Below, {&image, 0});
         } else {

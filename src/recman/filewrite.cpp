@@ -257,15 +257,6 @@ private:
     std::uint32_t nextAppend_ = 0;
 };
 
-Status refuseUnlessOwn(const OpenFile &file, const char *operation, std::string &message)
-{
-    if (file.header.createdByEngine)
-        return Status::Success;
-    message = std::string(operation) +
-              " refused: this file was written by the record manager, whose B-tree indexes this engine does not "
-              "maintain; the file is unchanged";
-    return Status::AccessDenied;
-}
 
 // Indexes not built yet need nothing: they are built from the records later.
 void reindex(OpenFile &file, std::uint32_t ordinal, const std::vector<std::vector<std::uint8_t>> &oldImages)
@@ -334,6 +325,16 @@ Status updateOwn(OpenFile &file, std::uint32_t ordinal, Bytes record, std::strin
 }
 
 } // namespace
+
+Status refuseUnlessOwn(const OpenFile &file, const char *operation, std::string &message)
+{
+    if (file.header.createdByEngine)
+        return Status::Success;
+    message = std::string(operation) +
+              " refused: this file was written by the record manager, whose B-tree indexes this engine does not "
+              "maintain; the file is unchanged";
+    return Status::AccessDenied;
+}
 
 Status updateRecord(OpenFile &file, std::uint32_t ordinal, Bytes asRead, Bytes record, std::string &message)
 {

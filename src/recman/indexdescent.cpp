@@ -118,13 +118,42 @@ std::optional<IndexEntry> IndexDescent::find(Bound bound, const IndexTarget &tar
     }
 }
 
-std::uint32_t IndexDescent::chainNeighbour(std::uint32_t address, int direction) const
+std::uint32_t IndexDescent::chainPointer(std::uint32_t address, int direction) const
 {
     const auto page = pages_.page(address / header_.pageSize, header_.format == Format::V6 ? pagetype::Data : 0);
     const auto offset = address % header_.pageSize + key_.duplicatePointerOffset + (direction > 0 ? 4 : 0);
     if (offset + 4 > page->size())
         throw FormatError("duplicate chain of " + keyName(key_) + " leaves its page");
-    return bytes::ws32(*page, offset);
+    const auto neighbour = bytes::ws32(*page, offset);
+    if (neighbour == IndexPage::None || (direction > 0 ? neighbour <= address : neighbour >= address))
+        throw FormatError("duplicate chain of " + keyName(key_) + " is broken at record " + std::to_string(address));
+    return neighbour;
+}
+
+std::optional<std::uint32_t> IndexDescent::chainStep(const IndexEntry &chain, std::uint32_t address,
+                                                     int direction) const
+{
+    if (direction > 0 ? address >= chain.last : address <= chain.first)
+        return std::nullopt;
+    std::vector<std::uint8_t> record;
+    bool stillInChain = true;
+    try {
+        readRecord(address, chain.image, record);
+    } catch (const FormatError &) {
+        stillInChain = false;
+    }
+    if (stillInChain)
+        return chainPointer(address, direction);
+    std::optional<std::uint32_t> before;
+    for (std::uint32_t at = chain.first;; at = chainPointer(at, +1)) {
+        if (direction > 0 && at > address)
+            return at;
+        if (direction < 0 && at >= address)
+            return before;
+        if (at == chain.last)
+            return direction > 0 ? std::nullopt : std::optional(at);
+        before = at;
+    }
 }
 
 void IndexDescent::readRecord(std::uint32_t address, const std::vector<std::uint8_t> &image,

@@ -55,15 +55,19 @@ public:
     enum class Bound { AtLeast, After, Below, AtMost };
     std::optional<IndexEntry> find(Bound bound, const IndexTarget &target);
 
-    // Linked duplicates: the record after (direction +1) or before (-1) a
-    // record of the chain, from the record's own pointer pair.
-    std::uint32_t chainNeighbour(std::uint32_t address, int direction) const;
+    // Linked duplicates: the chain's record after (direction +1) or before
+    // (-1) an address, none when the chain ends there. From the record's own
+    // pointer pair while it still belongs to the chain, else (it changed or
+    // went) by following the chain from its first record. Chains run in
+    // address order: a pointer that does not move on is damage.
+    std::optional<std::uint32_t> chainStep(const IndexEntry &chain, std::uint32_t address, int direction) const;
 
     // The record at an address, checked to be a live record whose key has
     // the given sort image. Its bytes go to out.
     void readRecord(std::uint32_t address, const std::vector<std::uint8_t> &image, std::vector<std::uint8_t> &out) const;
 
 private:
+    std::uint32_t chainPointer(std::uint32_t address, int direction) const;
     int compare(const std::vector<std::uint8_t> &image, std::uint32_t record, const IndexTarget &target) const;
 
     const PageMap &pages_;

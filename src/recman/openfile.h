@@ -107,14 +107,18 @@ struct StepRun {
     int stepsSinceCheck = 0;
     std::chrono::nanoseconds lastCheck{};
 
-    bool checkDue() const { return stepsSinceCheck >= stepsPerCheck || now() - lastCheck >= checkInterval; }
-    void checked()
+    bool checkDue(std::chrono::nanoseconds time) const
+    {
+        return stepsSinceCheck >= stepsPerCheck || time - lastCheck >= checkInterval;
+    }
+    void checked(std::chrono::nanoseconds time)
     {
         stepsSinceCheck = 0;
-        lastCheck = now();
+        lastCheck = time;
     }
-    // The kernel's coarse monotonic clock (a few milliseconds fine, plenty
-    // for a 20 ms rule): the precise one costs more than a step.
+    // The kernel's coarse monotonic clock (a few milliseconds fine, so a look
+    // may come up to one tick after 20 ms): the precise one costs more than a
+    // step.
     static std::chrono::nanoseconds now()
     {
         timespec time{};
@@ -159,6 +163,9 @@ Status listRecords(OpenFile &file, std::string &message);
 // record's bytes as the caller read them.
 Status updateRecord(OpenFile &file, std::uint32_t ordinal, Bytes asRead, Bytes record, std::string &message);
 Status insertRecord(OpenFile &file, Bytes record, std::uint32_t &ordinal, std::string &message);
+// AccessDenied with a message naming the operation unless the file is one
+// this engine created (the only files it inserts into and deletes from).
+Status refuseUnlessOwn(const OpenFile &file, const char *operation, std::string &message);
 Status deleteRecord(OpenFile &file, std::uint32_t ordinal, std::string &message);
 
 } // namespace recman

@@ -258,7 +258,7 @@ std::optional<SlotWalk::Slot> SlotWalk::previous(std::optional<std::uint32_t> be
     if (pages_.logicalPageEnd() < 2)
         return std::nullopt; // no page but the control record
     std::uint32_t logical = pages_.logicalPageEnd() - 1, slot = perPage_;
-    if (before) {
+    if (before && *before / header_.pageSize < pages_.logicalPageEnd()) {
         const auto place = placeOf(*before);
         logical = place.logical;
         slot = place.slot;

@@ -31,6 +31,13 @@ Bytes RecordStore::record(std::size_t ordinal) const
 
 std::optional<std::size_t> RecordStore::ordinalOf(std::uint32_t address) const
 {
+    if (inAddressOrder_) {
+        const auto found = std::lower_bound(addresses_.begin(), addresses_.end(), address);
+        const auto ordinal = static_cast<std::size_t>(found - addresses_.begin());
+        if (found != addresses_.end() && *found == address && live(ordinal))
+            return ordinal;
+        return std::nullopt;
+    }
     // A slot freed and used again holds a live record after a dead one.
     for (std::size_t ordinal = addresses_.size(); ordinal-- > 0;)
         if (addresses_[ordinal] == address && live(ordinal))
@@ -40,6 +47,7 @@ std::optional<std::size_t> RecordStore::ordinalOf(std::uint32_t address) const
 
 std::size_t RecordStore::add(std::uint32_t address)
 {
+    inAddressOrder_ = inAddressOrder_ && (addresses_.empty() || address > addresses_.back());
     addresses_.push_back(address);
     live_.push_back(true);
     return addresses_.size() - 1;

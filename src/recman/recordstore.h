@@ -53,6 +53,7 @@ private:
     std::uint32_t recordLength_ = 0;
     std::uint8_t dataTag_ = 0;
     std::vector<std::uint32_t> addresses_;
+    bool inAddressOrder_ = true; // as a scan lists them; inserts into freed slots break it
     std::vector<bool> live_; // a bit a record: the list must stay small for big files
     std::unordered_map<std::size_t, Copy> copies_;
     std::vector<std::uint8_t> assembled_;

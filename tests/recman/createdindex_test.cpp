@@ -209,6 +209,7 @@ TEST_P(CreatedIndexes, ReadsDownThePagesAnswerAsTheIndexInMemory)
         SCOPED_TRACE("key " + std::to_string(key));
         EXPECT_EQ(recmantest::keyedAnswers(descending, key, 29), recmantest::keyedAnswers(listed, key, 29));
     }
+    EXPECT_EQ(recmantest::stepAnswers(descending), recmantest::stepAnswers(listed));
     EXPECT_FALSE(descending.info().recordsCounted);
     EXPECT_TRUE(descending.info().warnings.empty());
 }

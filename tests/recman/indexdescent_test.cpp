@@ -5,6 +5,7 @@
 // damage noticed on the way and left for the records' own order.
 #include "file.h"
 #include "keyedanswers.h"
+#include "openfile.h"
 #include "recmantest.h"
 
 #include <gtest/gtest.h>
@@ -14,20 +15,10 @@
 using namespace recman;
 using recmantest::addressOf;
 using recmantest::keyedAnswers;
+using recmantest::stepAnswers;
 using recmantest::Unlisted;
 
 namespace {
-
-// Every record stepping forward and back, with its address.
-std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>> stepAnswers(File &file)
-{
-    std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>> answers;
-    for (auto status = file.stepFirst(); status == Status::Success; status = file.stepNext())
-        answers.emplace_back(addressOf(file), std::vector<std::uint8_t>(file.record().begin(), file.record().end()));
-    for (auto status = file.stepLast(); status == Status::Success; status = file.stepPrevious())
-        answers.emplace_back(addressOf(file), std::vector<std::uint8_t>(file.record().begin(), file.record().end()));
-    return answers;
-}
 
 class IndexDescentTest : public ::testing::TestWithParam<std::string> {};
 
@@ -139,6 +130,114 @@ TEST(IndexDescent, AnotherProgramsChangeIsSeenByTheNextRead)
     ASSERT_EQ(file.getEqual(0, key), Status::Success);
     ASSERT_EQ(file.record().size(), before.size());
     EXPECT_EQ(file.record().back(), static_cast<std::uint8_t>(before.back() ^ 0xFF));
+}
+
+} // namespace
+
+namespace {
+
+// A page of a key's tree must hold keys between its parent's entries around
+// it. VARIABLE.DAT key 1 (a unique 16-bit integer): the root's leftmost child
+// gets a last entry above the root's first, still in order within its page.
+// A get-equal of the child's first value passes that page and notices.
+TEST(IndexDescentDamage, APageOutsideItsParentsRangeIsNoticed)
+{
+    recmantest::TempDir dir;
+    const auto path = recmantest::writableFixture(dir, "VARIABLE.DAT");
+    auto bytes = recmantest::readBytes(path);
+    std::size_t root = 0, entry = 0;
+    {
+        File file;
+        ASSERT_EQ(file.open(path), Status::Success);
+        root = file.info().keys[1].indexRoot * std::size_t{512};
+        entry = file.info().keys[1].indexEntryLength;
+    }
+    const std::size_t child = bytes::ws32(bytes, root + 12) * std::size_t{512};
+    const std::size_t last = child + 16 + (bytes::u16(bytes, child + 6) - 1u) * entry;
+    const auto firstOfChild = std::vector<std::uint8_t>(bytes.begin() + static_cast<std::ptrdiff_t>(child + 16),
+                                                        bytes.begin() + static_cast<std::ptrdiff_t>(child + 18));
+    const auto above = static_cast<std::int16_t>(bytes::u16(bytes, root + 16) + 1);
+    bytes::put16(MutableBytes(bytes), last, static_cast<std::uint16_t>(above));
+    recmantest::writeBytes(path, bytes);
+
+    const Unlisted unlisted;
+    File file;
+    ASSERT_EQ(file.open(path), Status::Success);
+    ASSERT_EQ(file.getEqual(1, firstOfChild), Status::Success);
+    EXPECT_EQ(file.keyValueOf(1, file.record()), firstOfChild);
+    ASSERT_EQ(file.info().warnings.size(), 1u);
+    EXPECT_NE(file.info().warnings[0].find("out of order"), std::string::npos);
+}
+
+// Reads go on from where a File stands when the file is read anew, when
+// another File of ours builds the key's index in memory, and when another
+// program took the current record out of its duplicate chain.
+TEST(IndexDescent, PositionsSurviveReloadsSharedIndexesAndChangedRecords)
+{
+    recmantest::TempDir dir;
+    // MBBSEMU.DAT: a 5.x file (addresses are file offsets), four records
+    // whose key 0 is one linked-duplicate chain ("Sysop").
+    const auto path = recmantest::writableFixture(dir, "MBBSEMU.DAT");
+    std::vector<std::uint32_t> chain;
+    {
+        File file;
+        ASSERT_EQ(file.open(path), Status::Success);
+        for (auto s = file.getFirst(0); s == Status::Success; s = file.getNext(0))
+            chain.push_back(addressOf(file));
+        ASSERT_EQ(chain.size(), 4u);
+        // Listed at open, two steps in; then read anew as a file opened without a list.
+        ASSERT_EQ(file.stepFirst(), Status::Success);
+        ASSERT_EQ(file.stepNext(), Status::Success);
+        const auto second = addressOf(file);
+        const Unlisted unlisted;
+        auto bytes = recmantest::readBytes(path);
+        bytes[second + 1] ^= 0x01; // in no key
+        recmantest::writeBytes(path, bytes);
+        ASSERT_EQ(file.stepNext(), Status::Success);
+        EXPECT_GT(addressOf(file), second);
+    }
+    const Unlisted unlisted;
+    File reader, other;
+    ASSERT_EQ(reader.open(path), Status::Success);
+    ASSERT_EQ(other.open(path), Status::Success);
+    ASSERT_EQ(reader.getFirst(0), Status::Success);
+    ASSERT_EQ(reader.getNext(0), Status::Success);
+    EXPECT_EQ(addressOf(reader), chain[1]);
+    // Another program takes the second record out of the chain (its key
+    // changes); the next record is still the chain's third.
+    auto bytes = recmantest::readBytes(path);
+    bytes[chain[1] + 2] = 'X';
+    recmantest::writeBytes(path, bytes);
+    ASSERT_EQ(reader.getNext(0), Status::Success);
+    EXPECT_EQ(addressOf(reader), chain[2]);
+    EXPECT_TRUE(reader.info().warnings.empty()) << reader.info().warnings.front();
+    // The other File finds damage on key 3 and builds its index in memory;
+    // the reader goes on along key 3 from the record it stands on.
+    ASSERT_EQ(reader.getFirst(3), Status::Success);
+    const auto firstOn3 = addressOf(reader);
+    {
+        auto damaged = recmantest::readBytes(path);
+        const auto root = reader.info().keys[3].indexRoot * std::size_t{512};
+        bytes::put16(MutableBytes(damaged), root + 6, 0); // an empty root: the key counts values
+        recmantest::writeBytes(path, damaged);
+    }
+    ASSERT_EQ(other.getLast(3), Status::Success);
+    ASSERT_FALSE(other.info().warnings.empty());
+    ASSERT_EQ(reader.getNext(3), Status::Success);
+    EXPECT_NE(addressOf(reader), firstOn3);
+}
+
+// A run of steps looks at the file after 64 steps or 20 ms, whichever first.
+TEST(StepRun, LooksAfter64StepsOr20Milliseconds)
+{
+    using namespace std::chrono_literals;
+    StepRun run;
+    run.checked(1s);
+    run.stepsSinceCheck = 63;
+    EXPECT_FALSE(run.checkDue(1s + 19ms));
+    EXPECT_TRUE(run.checkDue(1s + 20ms));
+    run.stepsSinceCheck = 64;
+    EXPECT_TRUE(run.checkDue(1s));
 }
 
 } // namespace

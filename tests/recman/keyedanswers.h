@@ -58,4 +58,15 @@ inline std::vector<std::pair<int, std::uint32_t>> keyedAnswers(recman::File &fil
     return answers;
 }
 
+// Every record stepping forward and back, with its address.
+inline std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>> stepAnswers(recman::File &file)
+{
+    std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>> answers;
+    for (auto status = file.stepFirst(); status == recman::Status::Success; status = file.stepNext())
+        answers.emplace_back(addressOf(file), std::vector<std::uint8_t>(file.record().begin(), file.record().end()));
+    for (auto status = file.stepLast(); status == recman::Status::Success; status = file.stepPrevious())
+        answers.emplace_back(addressOf(file), std::vector<std::uint8_t>(file.record().begin(), file.record().end()));
+    return answers;
+}
+
 } // namespace recmantest
