@@ -127,29 +127,26 @@ TEST_F(TransactionsTest, DeletingAReferenceIsAllOrNothing)
 // they end leaves the reference either wholly there or wholly deleted.
 TEST_F(TransactionsTest, DeletingAReferenceKilledWhileItEndsLeavesDetailAndSummariesAgreeing)
 {
-    // Opens the installation (for writing, which recovers the files) and reads
-    // the reference's detail lines and its summary's encumbrances placed.
     TransactionFields po;
     {
         classObjectTransactions transactions;
         init(transactions);
         po = firstPurchaseOrder(transactions);
     }
-    const auto read = [this, &po](std::size_t &lines, MonthlyTexts &placed) {
+    // What an open (for writing, which recovers the files) finds: the
+    // reference's detail lines and its summary's encumbrances placed.
+    const auto found = [this, &po] {
         classObjectTransactions transactions;
         init(transactions);
         std::vector<TransactionFields> items;
-        ASSERT_EQ(transactions.GetListbyRefNo(po.ReferenceNumber, items), 0);
-        lines = items.size();
+        EXPECT_EQ(transactions.GetListbyRefNo(po.ReferenceNumber, items), 0);
         classObjectELSummary summary;
         summary.setDataControl(transactions.SummaryControl(u'E'));
         summary.AccountCode = po.AccountCode;
-        ASSERT_EQ(summary.Retrieve(), 0);
-        placed = summary.EncumPlaced;
+        EXPECT_EQ(summary.Retrieve(), 0);
+        return std::pair{items.size(), summary.EncumPlaced};
     };
-    std::size_t lines = 0;
-    MonthlyTexts placed;
-    read(lines, placed);
+    const auto [lines, placed] = found();
     ASSERT_GT(lines, 0u);
 
     // Killed after the detail file's journal names the decision file, then
@@ -172,9 +169,7 @@ TEST_F(TransactionsTest, DeletingAReferenceKilledWhileItEndsLeavesDetailAndSumma
         int status = 0;
         ::waitpid(child, &status, 0);
         ASSERT_TRUE(WIFSIGNALED(status)) << "the child did not reach the commit";
-        std::size_t linesLeft = 0;
-        MonthlyTexts placedNow;
-        read(linesLeft, placedNow);
+        const auto [linesLeft, placedNow] = found();
         EXPECT_EQ(linesLeft, deleted ? 0u : lines);
         EXPECT_EQ(placedNow == placed, !deleted);
     }
