@@ -556,6 +556,17 @@ int DataAccessControl::Endtransaction()
     return impl_->fromFile(impl_->file.endGroup());
 }
 
+int DataAccessControl::endTransactions(std::span<DataAccessControl *const> controls)
+{
+    std::vector<recman::File *> files;
+    for (DataAccessControl *control : controls)
+        files.push_back(&control->impl_->file);
+    const auto result = recman::File::endGroups(files);
+    for (DataAccessControl *control : controls)
+        control->impl_->fromFile(result);
+    return recman::statusNumber(result);
+}
+
 int DataAccessControl::AbortTransaction()
 {
     return impl_->fromFile(impl_->file.abortGroup());

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace recman {
@@ -134,6 +135,11 @@ public:
     int BeginTransaction();
     int AbortTransaction();
     int Endtransaction();
+    // Ends the transactions of several controls as one: after a crash at any
+    // point, the next Opens find every control's writes kept or every one's
+    // rolled back. If they cannot be kept, all are rolled back. Every
+    // control's Status and Message tell the outcome, which is returned.
+    static int endTransactions(std::span<DataAccessControl *const> controls);
 
     // The data file the last Open resolved, as a native path ("" before).
     QString resolvedFilePath() const;

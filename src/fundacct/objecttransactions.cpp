@@ -50,11 +50,10 @@ public:
             open_.push_back(&control);
         return status;
     }
+    // All kept or, failing that, all rolled back: also across a crash.
     int commit()
     {
-        int status = 0;
-        for (DataAccessControl *control : open_)
-            status = status != 0 ? status : control->Endtransaction();
+        const int status = DataAccessControl::endTransactions(open_);
         open_.clear();
         return status;
     }

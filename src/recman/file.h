@@ -42,6 +42,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -146,6 +147,11 @@ public:
     Status endGroup();
     Status abortGroup();
     bool inGroup() const;
+    // Ends the groups of several files as one (see groupcommit.h): after a
+    // crash at any point, the next opens find either every file's writes kept
+    // or every file put back. If the commit cannot be made, every group is
+    // rolled back. Each File's lastMessage() says what went wrong.
+    static Status endGroups(std::span<File *const> files);
 
     struct Impl;
 

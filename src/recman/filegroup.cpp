@@ -1,7 +1,10 @@
 // Groups of writes (File::beginGroup and the rest), kept in a journal. The
 // journal belongs to the file's shared open: one group at a time, begun by one
 // File; writes made meanwhile through other Files sharing the file go into it.
+#include "groupcommit.h"
 #include "openfile.h"
+
+#include <algorithm>
 
 namespace recman {
 
@@ -48,6 +51,52 @@ Status File::endGroup()
     if (const auto status = rollBackGroup(); status != Status::Success)
         return status;
     return fail(Status::IoError, "the group of writes could not be kept (" + why + "); it was rolled back");
+}
+
+Status File::endGroups(std::span<File *const> files)
+{
+    // One journal per shared open, kept by the File that began its group.
+    std::vector<File *> owners;
+    for (File *file : files) {
+        if (!file->inGroup())
+            return file->fail(Status::InvalidOperation, "no group of writes is open on this file");
+        if (file->impl_->file->groupOwner == file->impl_.get() && std::ranges::find(owners, file) == owners.end())
+            owners.push_back(file);
+    }
+    if (owners.size() < 2) {
+        // One journal at most: nothing to decide between files.
+        Status result = Status::Success;
+        for (File *file : files) {
+            const auto status = file->inGroup() ? file->endGroup() : Status::Success;
+            result = result == Status::Success ? status : result;
+        }
+        return result;
+    }
+    std::vector<GroupMember> members;
+    for (File *file : files)
+        file->impl_->inGroup = false;
+    for (File *owner : owners) {
+        auto &open = *owner->impl_->file;
+        open.handle.setJournal(nullptr);
+        members.push_back({open.journal.get(), &open.handle});
+    }
+    const auto outcome = commitGroups(members);
+    for (File *owner : owners)
+        owner->impl_->file->dropJournal();
+    if (outcome.problem.empty())
+        return Status::Success;
+    std::string message = "the groups of writes of " + std::to_string(owners.size()) + " files ";
+    if (outcome.decided) {
+        message += "were kept, but " + outcome.problem + "; the next open for writing removes it";
+    } else {
+        message += "could not be kept (" + outcome.problem + "); they were rolled back";
+        for (File *owner : owners)
+            if (owner->rollBackGroup() != Status::Success)
+                message += "; " + owner->lastMessage();
+    }
+    for (File *file : files)
+        file->fail(Status::IoError, message);
+    return Status::IoError;
 }
 
 Status File::abortGroup()

@@ -157,6 +157,21 @@ bool writeFully(int fd, std::uint64_t offset, std::span<const std::uint8_t> data
     });
 }
 
+std::string systemReason(const std::string &what)
+{
+    return what + ": " + std::strerror(errno);
+}
+
+bool readWholeFile(const std::filesystem::path &path, std::vector<std::uint8_t> &content)
+{
+    const Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
+    struct stat info {};
+    if (file.fd < 0 || ::fstat(file.fd, &info) != 0)
+        return false;
+    content.resize(static_cast<std::size_t>(info.st_size));
+    return readFully(file.fd, 0, content);
+}
+
 bool syncDirectory(const std::filesystem::path &directory)
 {
     const int fd = ::open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

@@ -7,6 +7,8 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <unistd.h>
+#include <vector>
 
 namespace recman {
 
@@ -66,11 +68,25 @@ private:
     Journal *journal_ = nullptr;
 };
 
+// "what: <the system's reason (errno)>".
+std::string systemReason(const std::string &what);
 // Makes a rename or create durable by syncing the directory that holds it.
 bool syncDirectory(const std::filesystem::path &directory);
 // All of buffer read or written at offset of a descriptor (interrupted calls
 // retried); false on an error or, reading, the file's end.
 bool readFully(int fd, std::uint64_t offset, std::span<std::uint8_t> buffer);
 bool writeFully(int fd, std::uint64_t offset, std::span<const std::uint8_t> data);
+// The whole content of a file; false (errno set) if it cannot be read.
+bool readWholeFile(const std::filesystem::path &path, std::vector<std::uint8_t> &content);
+
+// Closes a descriptor on every path out.
+struct Descriptor {
+    int fd;
+    ~Descriptor()
+    {
+        if (fd >= 0)
+            ::close(fd);
+    }
+};
 
 } // namespace recman

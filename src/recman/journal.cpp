@@ -2,9 +2,10 @@
 
 #include "bytes.h"
 #include "filehandle.h"
+#include "groupcommit.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,6 +19,7 @@ constexpr char tag[] = "KORAJNL1";
 constexpr std::size_t tagLength = 8;
 constexpr std::uint8_t kindBytes = 1;
 constexpr std::uint8_t kindGrew = 2;
+constexpr std::uint8_t kindDecision = 3;
 constexpr std::size_t entryHead = 1 + 8 + 4;
 constexpr std::size_t checksumLength = 8;
 
@@ -42,7 +44,7 @@ std::uint64_t u64(Bytes data, std::size_t offset)
 
 std::vector<std::uint8_t> entry(std::uint8_t kind, std::uint64_t offset, std::size_t length)
 {
-    std::vector<std::uint8_t> bytes(entryHead + (kind == kindBytes ? length : 0) + checksumLength);
+    std::vector<std::uint8_t> bytes(entryHead + (kind == kindGrew ? 0 : length) + checksumLength);
     bytes[0] = kind;
     put64(bytes, 1, offset);
     bytes::put32(bytes, 9, static_cast<std::uint32_t>(length));
@@ -53,32 +55,6 @@ void seal(std::vector<std::uint8_t> &entry)
 {
     const auto body = entry.size() - checksumLength;
     put64(entry, body, fnv1a(Bytes(entry).first(body)));
-}
-
-std::string systemReason(const std::string &what)
-{
-    return what + ": " + std::strerror(errno);
-}
-
-// Closes a descriptor on every path out.
-struct Descriptor {
-    int fd;
-    ~Descriptor()
-    {
-        if (fd >= 0)
-            ::close(fd);
-    }
-};
-
-// The journal's whole content; false (with errno) if it cannot be read.
-bool readJournal(const std::filesystem::path &path, std::vector<std::uint8_t> &content)
-{
-    const Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
-    struct stat info {};
-    if (file.fd < 0 || ::fstat(file.fd, &info) != 0)
-        return false;
-    content.resize(static_cast<std::size_t>(info.st_size));
-    return readFully(file.fd, 0, content);
 }
 
 struct Entry {
@@ -100,8 +76,8 @@ std::vector<Entry> entriesOf(Bytes content, bool &torn)
             break;
         }
         const std::uint8_t kind = rest[0];
-        const std::uint64_t length = kind == kindBytes ? bytes::u32(rest, 9) : 0;
-        if ((kind != kindBytes && kind != kindGrew) || rest.size() < entryHead + length + checksumLength ||
+        const std::uint64_t length = kind == kindGrew ? 0 : bytes::u32(rest, 9);
+        if ((kind != kindBytes && kind != kindGrew && kind != kindDecision) || rest.size() < entryHead + length + checksumLength ||
             u64(rest, entryHead + length) != fnv1a(rest.first(entryHead + length))) {
             torn = true;
             break;
@@ -110,6 +86,44 @@ std::vector<Entry> entriesOf(Bytes content, bool &torn)
         at += entryHead + length + checksumLength;
     }
     return entries;
+}
+
+// A journal read and cut into entries.
+struct ReadJournal {
+    std::vector<std::uint8_t> content;
+    std::vector<Entry> entries; // point into content
+    bool torn = false;
+};
+
+// "" or why the journal cannot be used.
+std::string readEntries(const std::filesystem::path &path, ReadJournal &journal)
+{
+    if (!readWholeFile(path, journal.content))
+        return systemReason("cannot read the journal " + path.string());
+    const Bytes all(journal.content);
+    // Shorter than its tag: torn while being created, before any change.
+    if (all.size() < tagLength)
+        return {};
+    if (!std::equal(all.begin(), all.begin() + tagLength, tag))
+        return path.string() + " is not a journal of this program; move it away to open the file";
+    journal.entries = entriesOf(all, journal.torn);
+    return {};
+}
+
+std::filesystem::path folderOf(const std::filesystem::path &file)
+{
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(file, error);
+    return (error ? file : absolute).parent_path();
+}
+
+// The decision file the journal's last entry names; empty if none.
+std::filesystem::path namedDecision(const ReadJournal &journal, const std::filesystem::path &dataFile)
+{
+    if (journal.entries.empty() || journal.entries.back().kind != kindDecision)
+        return {};
+    const auto name = journal.entries.back().bytes;
+    return (folderOf(dataFile) / std::string(name.begin(), name.end())).lexically_normal();
 }
 
 // Empties, syncs and removes a journal: once it is empty, nothing is put back,
@@ -194,31 +208,44 @@ std::string Journal::commit(FileHandle &data)
     return {};
 }
 
+std::string Journal::nameDecision(FileHandle &data, const std::filesystem::path &decision)
+{
+    // The writes must be on disk before the decision that keeps them is.
+    if (!data.sync())
+        return systemReason("cannot sync " + dataFile_.string());
+    const auto name = decision.lexically_relative(folderOf(dataFile_)).string();
+    auto named = entry(kindDecision, 0, name.size());
+    std::copy(name.begin(), name.end(), named.begin() + entryHead);
+    seal(named);
+    if (!append(named))
+        return systemReason("cannot write " + journalPathFor(dataFile_).string());
+    return {};
+}
+
 Rollback rollBack(const std::filesystem::path &dataFile, std::string &report)
 {
     const auto path = journalPathFor(dataFile);
     std::error_code error;
     if (!std::filesystem::exists(path, error))
         return Rollback::NoJournal;
-    std::vector<std::uint8_t> content;
-    if (!readJournal(path, content)) {
-        report = systemReason("cannot read the journal " + path.string());
+    ReadJournal journal;
+    if (report = readEntries(path, journal); !report.empty())
+        return Rollback::Failed;
+    const auto decision = namedDecision(journal, dataFile);
+    const bool kept = !decision.empty() && std::filesystem::exists(decision, error);
+    if (error) {
+        report = "cannot tell whether " + decision.string() + " exists: " + error.message();
         return Rollback::Failed;
     }
-    const Bytes all(content);
-    // Shorter than its tag: torn while being created, before any change.
-    if (all.size() >= tagLength && !std::equal(all.begin(), all.begin() + tagLength, tag)) {
-        report = path.string() + " is not a journal of this program; move it away to open the file";
-        return Rollback::Failed;
-    }
-    bool torn = false;
-    const auto entries = all.size() < tagLength ? std::vector<Entry>{} : entriesOf(all, torn);
     const Descriptor data{::open(dataFile.c_str(), O_RDWR | O_CLOEXEC)};
     if (data.fd < 0) {
         report = systemReason("cannot open " + dataFile.string() + " to roll back its journal");
         return Rollback::Failed;
     }
-    for (auto step = entries.rbegin(); step != entries.rend(); ++step) {
+    const auto &entries = journal.entries;
+    for (auto step = entries.rbegin(); !kept && step != entries.rend(); ++step) {
+        if (step->kind == kindDecision)
+            continue;
         const bool put = step->kind == kindBytes ? writeFully(data.fd, step->offset, step->bytes)
                                                  : ::ftruncate(data.fd, static_cast<off_t>(step->offset)) == 0;
         if (!put) {
@@ -230,9 +257,27 @@ Rollback rollBack(const std::filesystem::path &dataFile, std::string &report)
         report = systemReason("cannot finish rolling back " + dataFile.string() + " from " + path.string());
         return Rollback::Failed;
     }
+    if (kept) {
+        removeDecisionIfSettled(decision);
+        report = dataFile.string() + ": kept: the group of writes was committed with " + decision.string() +
+                 "; its journal " + path.string() + " was removed";
+        return Rollback::Kept;
+    }
+    const auto images = std::count_if(entries.begin(), entries.end(),
+                                      [](const Entry &entry) { return entry.kind != kindDecision; });
     report = dataFile.string() + ": a group of writes that never ended was rolled back from " + path.string() + " (" +
-             std::to_string(entries.size()) + " before-images" + (torn ? ", a torn last entry ignored" : "") + ")";
+             std::to_string(images) + " before-images" + (journal.torn ? ", a torn last entry ignored" : "") + ")";
     return Rollback::RolledBack;
+}
+
+bool journalMayName(const std::filesystem::path &dataFile, const std::filesystem::path &decision)
+{
+    const auto path = journalPathFor(dataFile);
+    std::error_code error;
+    if (!std::filesystem::exists(path, error))
+        return static_cast<bool>(error);
+    ReadJournal journal;
+    return !readEntries(path, journal).empty() || namedDecision(journal, dataFile) == decision.lexically_normal();
 }
 
 } // namespace recman

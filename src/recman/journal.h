@@ -11,11 +11,19 @@
 // the crash (incomplete, or its checksum fails) ends the journal: it was being
 // written when the crash came, so its write never reached the data file.
 //
+// A group ended together with other files' groups (groupcommit.h) ends its
+// journal with an entry naming the decision file: while that file exists the
+// group was committed, and the journal is removed without putting anything
+// back. A torn naming entry names nothing.
+//
 // Journal layout: the 8-byte tag "KORAJNL1", then entries
-//   kind (1 byte: 1 = bytes, 2 = the file grew), offset (u64), length (u32),
-//   the bytes (length of them, kind 1), checksum (u64, FNV-1a of the rest).
+//   kind (1 byte: 1 = bytes, 2 = the file grew, 3 = decision), offset (u64),
+//   length (u32), the bytes (length of them, kinds 1 and 3), checksum (u64,
+//   FNV-1a of the rest).
 // A "grew" entry holds the size before the write (offset); putting it back
-// cuts the file to that size. All numbers little-endian.
+// cuts the file to that size. A "decision" entry's bytes are the decision
+// file's path relative to the journal's folder (offset 0). All numbers
+// little-endian.
 #pragma once
 
 #include <cstdint>
@@ -43,6 +51,9 @@ public:
     bool save(const FileHandle &data, std::uint64_t offset, std::size_t length);
     // The group is kept: data synced, then the journal removed. "" or why not.
     std::string commit(FileHandle &data);
+    // Step 1 of a commit over several files: data synced, then an entry
+    // naming the decision file appended and synced. "" or why not.
+    std::string nameDecision(FileHandle &data, const std::filesystem::path &decision);
     const std::filesystem::path &dataFile() const { return dataFile_; }
 
 private:
@@ -53,12 +64,17 @@ private:
 };
 
 // What rollBack found.
-enum class Rollback { NoJournal, RolledBack, Failed };
+enum class Rollback { NoJournal, RolledBack, Kept, Failed };
 
 // Puts back the before-images of dataFile's journal, if there is one, newest
-// first; syncs the data file, then removes the journal. The caller holds the
-// file's write lock. `report` says what was done, or why it failed (the
-// journal then stays, so a later open tries again).
+// first; syncs the data file, then removes the journal. A journal whose group
+// was committed with other files' (its decision file exists) is removed
+// without putting anything back (Kept). The caller holds the file's write
+// lock. `report` says what was done, or why it failed (the journal then
+// stays, so a later open tries again).
 Rollback rollBack(const std::filesystem::path &dataFile, std::string &report);
+
+// Whether dataFile's journal names the decision file, or cannot be read to tell.
+bool journalMayName(const std::filesystem::path &dataFile, const std::filesystem::path &decision);
 
 } // namespace recman

@@ -2,6 +2,7 @@
 // and the next open for writing puts the file back byte for byte.
 #include "creator.h"
 #include "file.h"
+#include "groupcommit.h"
 #include "journal.h"
 #include "recmantest.h"
 
@@ -36,22 +37,34 @@ FileSpec idKeyed()
     return spec;
 }
 
-// In a child process: opens the file for writing, begins a group, makes the
-// writes and is killed before the group ends.
-void killedMidGroup(const std::filesystem::path &path, const std::function<bool(File &)> &writes)
+// Runs work in a child process that is killed (SIGKILL): by work itself, or
+// when work succeeds.
+void inKilledChild(const std::function<bool()> &work)
 {
     const pid_t child = ::fork();
     if (child == 0) {
-        File file;
-        const bool ok = file.open(path, OpenMode::ReadWrite) == Status::Success &&
-                        file.beginGroup() == Status::Success && writes(file);
-        if (ok)
+        if (work())
             ::kill(::getpid(), SIGKILL);
         ::_exit(1);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
     ASSERT_TRUE(WIFSIGNALED(status)) << "the child's writes failed";
+}
+
+bool openInGroup(File &file, const std::filesystem::path &path)
+{
+    return file.open(path, OpenMode::ReadWrite) == Status::Success && file.beginGroup() == Status::Success;
+}
+
+// In a child process: opens the file for writing, begins a group, makes the
+// writes and is killed before the group ends.
+void killedMidGroup(const std::filesystem::path &path, const std::function<bool(File &)> &writes)
+{
+    inKilledChild([&] {
+        File file;
+        return openInGroup(file, path) && writes(file);
+    });
 }
 
 bool firstRecordChanged(File &file, char fill)
@@ -254,6 +267,145 @@ TEST(RecordManagerFileGroups, AnInPlaceUpdateKilledMidGroupIsRolledBack)
     ASSERT_EQ(file.open(path, OpenMode::ReadWrite), Status::Success) << file.lastMessage();
     EXPECT_FALSE(file.info().rolledBack.empty());
     EXPECT_EQ(recmantest::readBytes(path), original);
+}
+
+// Two files' groups ended as one, as a detail file and its summary are.
+class GroupsOverFilesTest : public JournalTest {
+protected:
+    void SetUp() override
+    {
+        JournalTest::SetUp();
+        std::filesystem::copy_file(path, second);
+        // What a group of manyWrites leaves, ended alone.
+        File file;
+        ASSERT_TRUE(openInGroup(file, second) && manyWrites(file));
+        ASSERT_EQ(file.endGroup(), Status::Success);
+        file.close();
+        after = recmantest::readBytes(second);
+        recmantest::writeBytes(second, original);
+    }
+
+    // The child makes manyWrites in both files and is killed after the
+    // commit's step number `step` (counted from 0 as the steps are reached).
+    void killedInCommit(int step) const
+    {
+        inKilledChild([&] {
+            File files[2];
+            if (!openInGroup(files[0], path) || !openInGroup(files[1], second) || !manyWrites(files[0]) ||
+                !manyWrites(files[1]))
+                return false;
+            int reached = 0;
+            setGroupCommitProbe([&](GroupCommitStep, std::size_t) {
+                if (reached++ == step)
+                    ::kill(::getpid(), SIGKILL);
+            });
+            File *both[] = {&files[0], &files[1]};
+            return File::endGroups(both) == Status::Success;
+        });
+    }
+
+    std::vector<std::filesystem::path> decisionFiles() const
+    {
+        std::vector<std::filesystem::path> found;
+        for (const auto &item : std::filesystem::directory_iterator(dir.path()))
+            if (item.path().extension() == ".kbc")
+                found.push_back(item.path());
+        return found;
+    }
+
+    // Opens the file for writing, as the recovery does; what it reported.
+    static std::string recovered(const std::filesystem::path &file)
+    {
+        File opened;
+        EXPECT_EQ(opened.open(file, OpenMode::ReadWrite), Status::Success) << opened.lastMessage();
+        return opened.info().rolledBack;
+    }
+
+    std::filesystem::path second = dir / "SUMMARY.BTR";
+    std::vector<std::uint8_t> after;
+};
+
+TEST_F(GroupsOverFilesTest, AKillAtAnyStepOfTheCommitLeavesBothFilesBeforeOrBothAfter)
+{
+    // Steps: the decision named in each journal (0, 1), the decision file in
+    // place (2), each group ended (3, 4).
+    for (int step = 0; step <= 4; ++step) {
+        SCOPED_TRACE(step);
+        recmantest::writeBytes(path, original);
+        recmantest::writeBytes(second, original);
+        killedInCommit(step);
+        const bool decided = step >= 2;
+        ASSERT_EQ(decisionFiles().size(), decided ? 1u : 0u);
+        ASSERT_EQ(std::filesystem::exists(journalPathFor(path)), step < 3);
+        ASSERT_EQ(std::filesystem::exists(journalPathFor(second)), step < 4);
+
+        const auto firstReport = recovered(path);
+        const auto secondReport = recovered(second);
+        EXPECT_EQ(recmantest::readBytes(path), decided ? after : original);
+        EXPECT_EQ(recmantest::readBytes(second), decided ? after : original);
+        if (step < 4)
+            EXPECT_NE(secondReport.find(decided ? "kept" : "rolled back"), std::string::npos) << secondReport;
+        if (step < 3)
+            EXPECT_NE(firstReport.find(decided ? "kept" : "rolled back"), std::string::npos) << firstReport;
+        // The recovery of the last journal naming it removes the decision file;
+        // one whose journals were all removed before the crash stays.
+        EXPECT_EQ(decisionFiles().size(), step == 4 ? 1u : 0u);
+    }
+
+    // Harmless, and the next commit with the same first file removes it.
+    File files[2];
+    ASSERT_TRUE(openInGroup(files[0], path) && openInGroup(files[1], second));
+    File *both[] = {&files[0], &files[1]};
+    ASSERT_EQ(File::endGroups(both), Status::Success) << files[0].lastMessage();
+    EXPECT_TRUE(decisionFiles().empty());
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(path)));
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(second)));
+}
+
+TEST_F(GroupsOverFilesTest, OnlyACompleteEntryNamingAnExistingDecisionFileKeepsAGroup)
+{
+    killedInCommit(2);
+    // The entry naming the decision file fails its checksum: it names nothing.
+    auto journal = recmantest::readBytes(journalPathFor(second));
+    journal.back() ^= 0xff;
+    recmantest::writeBytes(journalPathFor(second), journal);
+    EXPECT_NE(recovered(second).find("torn"), std::string::npos);
+    EXPECT_EQ(recmantest::readBytes(second), original);
+    ASSERT_EQ(decisionFiles().size(), 1u);
+
+    // Without its decision file, a journal that names one is rolled back.
+    std::filesystem::remove(decisionFiles().front());
+    EXPECT_NE(recovered(path).find("rolled back"), std::string::npos);
+    EXPECT_EQ(recmantest::readBytes(path), original);
+}
+
+TEST_F(GroupsOverFilesTest, ACommitThatCannotDecideRollsBackEveryGroup)
+{
+    File files[2];
+    ASSERT_TRUE(openInGroup(files[0], path) && openInGroup(files[1], second));
+    ASSERT_TRUE(manyWrites(files[0]) && manyWrites(files[1]));
+    // Once the first journal names the decision file, a folder takes its
+    // temporary name, so the decision file cannot be written.
+    setGroupCommitProbe([&](GroupCommitStep step, std::size_t member) {
+        if (step != GroupCommitStep::DecisionNamed || member != 0)
+            return;
+        const auto journal = recmantest::readText(journalPathFor(path));
+        const auto end = journal.find(".kbc") + 4;
+        const auto start = journal.rfind("GROUP.BTR.", end);
+        std::filesystem::create_directory(dir / (journal.substr(start, end - start) + ".tmp"));
+    });
+    File *both[] = {&files[0], &files[1]};
+    EXPECT_EQ(File::endGroups(both), Status::IoError);
+    setGroupCommitProbe({});
+    for (const File &file : files) {
+        EXPECT_NE(file.lastMessage().find("rolled back"), std::string::npos) << file.lastMessage();
+        EXPECT_FALSE(file.inGroup());
+        EXPECT_EQ(file.info().recordCount, 20u);
+    }
+    EXPECT_EQ(recmantest::readBytes(path), original);
+    EXPECT_EQ(recmantest::readBytes(second), original);
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(path)));
+    EXPECT_FALSE(std::filesystem::exists(journalPathFor(second)));
 }
 
 } // namespace

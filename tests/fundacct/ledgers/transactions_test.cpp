@@ -1,11 +1,15 @@
 #include "ledgerfixture.h"
+#include "groupcommit.h"
 #include "installationschema.h"
 #include "objectsummaryledgers.h"
 
 #include <QDir>
 #include <QFile>
 
+#include <csignal>
 #include <set>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 // The first purchase order of the sample: the EP line of an expenditure account.
@@ -117,6 +121,58 @@ TEST_F(TransactionsTest, DeletingAReferenceIsAllOrNothing)
 
     EXPECT_EQ(transactions.DeleteItemDetail(transactions.ID), 0);
     EXPECT_EQ(transactions.Retrieve(), 4);
+}
+
+// The detail file and the summaries end their groups as one: a crash while
+// they end leaves the reference either wholly there or wholly deleted.
+TEST_F(TransactionsTest, DeletingAReferenceKilledWhileItEndsLeavesDetailAndSummariesAgreeing)
+{
+    TransactionFields po;
+    {
+        classObjectTransactions transactions;
+        init(transactions);
+        po = firstPurchaseOrder(transactions);
+    }
+    // What an open (for writing, which recovers the files) finds: the
+    // reference's detail lines and its summary's encumbrances placed.
+    const auto found = [this, &po] {
+        classObjectTransactions transactions;
+        init(transactions);
+        std::vector<TransactionFields> items;
+        EXPECT_EQ(transactions.GetListbyRefNo(po.ReferenceNumber, items), 0);
+        classObjectELSummary summary;
+        summary.setDataControl(transactions.SummaryControl(u'E'));
+        summary.AccountCode = po.AccountCode;
+        EXPECT_EQ(summary.Retrieve(), 0);
+        return std::pair{items.size(), summary.EncumPlaced};
+    };
+    const auto [lines, placed] = found();
+    ASSERT_GT(lines, 0u);
+
+    // Killed after the detail file's journal names the decision file, then
+    // after the detail file's group has ended. The child opens the files
+    // itself: none is open here while it runs.
+    for (const auto killAfter : {recman::GroupCommitStep::DecisionNamed, recman::GroupCommitStep::GroupEnded}) {
+        const bool deleted = killAfter == recman::GroupCommitStep::GroupEnded;
+        SCOPED_TRACE(deleted);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            classObjectTransactions killed;
+            recman::setGroupCommitProbe([killAfter](recman::GroupCommitStep step, std::size_t member) {
+                if (step == killAfter && member == 0)
+                    ::kill(::getpid(), SIGKILL);
+            });
+            if (killed.Init(root(), fund()) == 0)
+                killed.DeleteItems_UpdSum(po.ReferenceNumber);
+            ::_exit(1);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "the child did not reach the commit";
+        const auto [linesLeft, placedNow] = found();
+        EXPECT_EQ(linesLeft, deleted ? 0u : lines);
+        EXPECT_EQ(placedNow == placed, !deleted);
+    }
 }
 
 TEST_F(TransactionsTest, ListsByVendorEncumbranceCheckReceiptAndAccount)
