@@ -12,14 +12,7 @@ demo=${KORA_DEMO_DIR:-${XDG_DATA_HOME:-$HOME/.local/share}/kora-budget/demo}
 user=${KORA_USER:-BUSINESS}
 
 "$here/scripts/install-deps.sh"
-export CCACHE_BASEDIR=$here CCACHE_NOHASHDIR=1
-# A new build folder leaves the tests out; an existing one keeps its own choice.
-if [ -f "$build/CMakeCache.txt" ]; then
-  cmake -S "$here" -B "$build"
-else
-  cmake -S "$here" -B "$build" -G Ninja -DKORA_BUILD_TESTS=OFF
-fi
-cmake --build "$build" -j"$(nproc)" --target kora-budget kora-budget-admin
+"$here/scripts/build-program.sh" "$build"
 
 # A half-made district (an interrupted first run) is made again from scratch.
 if [ ! -f "$demo/.complete" ]; then

@@ -82,6 +82,17 @@ struct DataAccessControl::Impl {
     // Another process held the file for writing at Open: opened for reading only.
     bool lockedByOther = false;
 
+    // What of the engine's findings about the file the error log has. The
+    // engine finds some only after Open (a key's index pages are read at its
+    // first keyed use), so every operation looks again; comparing a size keeps
+    // that cheap. A file read afresh after another program changed it starts
+    // its list again, so the texts already logged are kept to log each once.
+    struct Logged {
+        std::size_t warningsSeen = 0;
+        std::vector<std::string> warnings;
+        bool countMismatch = false;
+    } logged;
+
     int set(int code, const QString &text = {})
     {
         status = code;
@@ -89,10 +100,13 @@ struct DataAccessControl::Impl {
         return code;
     }
 
-    int fromFile(FileStatus code)
+    // The status of a file operation; what the engine found wrong meanwhile goes to the error log.
+    int fromFile(FileStatus code, const char *operation)
     {
-        return set(recman::statusNumber(code),
-                   code == FileStatus::Success ? QString() : QString::fromStdString(file.lastMessage()));
+        set(recman::statusNumber(code),
+            code == FileStatus::Success ? QString() : QString::fromStdString(file.lastMessage()));
+        logNewFindings(operation);
+        return status;
     }
 
     // The buffer becomes the current record; variable-length records are
@@ -166,12 +180,43 @@ struct DataAccessControl::Impl {
         return 0;
     }
 
-    // Writes an entry in the error log with the status and message now set.
-    void logError() const
+    static void log(int number, const char *operation, const QString &text)
     {
-        clsErrObject log;
-        log.set(status, QStringLiteral("DataAccessControl.Open"), message);
-        log.LogError();
+        clsErrObject entry;
+        entry.set(number, QStringLiteral("DataAccessControl.") + QLatin1String(operation), text);
+        entry.LogError();
+    }
+
+    QString countMismatchText() const
+    {
+        const recman::FileInfo &info = file.info();
+        return QStringLiteral("\"%1\": the file's header counts %2 records but its data pages hold %3; all %3 are "
+                              "read (the file may need the record manager's recovery)")
+            .arg(resolvedPath)
+            .arg(info.headerRecordCount)
+            .arg(info.recordCount);
+    }
+
+    // Logs the engine's findings about the open file not logged yet, the file
+    // named: a header count that disagrees with StatusRecordCountMismatch as
+    // Open reports it, each warning once. The status stays as it is.
+    void logNewFindings(const char *operation)
+    {
+        if (!file.isOpen())
+            return;
+        const recman::FileInfo &info = file.info();
+        if (info.countMismatch() && !logged.countMismatch)
+            log(StatusRecordCountMismatch, operation, countMismatchText());
+        logged.countMismatch = info.countMismatch();
+        if (info.warnings.size() == logged.warningsSeen)
+            return;
+        logged.warningsSeen = info.warnings.size();
+        for (const std::string &warning : info.warnings) {
+            if (std::ranges::find(logged.warnings, warning) != logged.warnings.end())
+                continue;
+            logged.warnings.push_back(warning);
+            log(0, operation, QStringLiteral("\"%1\": %2").arg(resolvedPath, QString::fromStdString(warning)));
+        }
     }
 };
 
@@ -371,7 +416,7 @@ int DataAccessControl::Open()
     if (opened != FileStatus::Success && opened != FileStatus::FileNotFound)
         opened = d.file.open(*path, recman::OpenMode::ReadOnly);
     if (opened != FileStatus::Success)
-        return d.fromFile(opened);
+        return d.fromFile(opened, "Open");
     // A variable-length record's fields run on into its tail, past the fixed part.
     if (!d.file.info().variable && d.file.info().recordLength < d.table.recordLength()) {
         d.file.close();
@@ -385,20 +430,11 @@ int DataAccessControl::Open()
     clearRecord();
     // The file is whole again; Message says so for a caller that wants to tell the user.
     const QString rolledBack = QString::fromStdString(d.file.info().rolledBack);
-    if (!rolledBack.isEmpty()) {
-        d.set(0, rolledBack);
-        d.logError();
-    }
-    if (const auto &info = d.file.info(); info.countMismatch()) {
-        d.set(StatusRecordCountMismatch,
-              QStringLiteral("\"%1\": the file's header counts %2 records but its data pages hold %3; all %3 are "
-                             "read (the file may need the record manager's recovery)")
-                  .arg(d.resolvedPath)
-                  .arg(info.headerRecordCount)
-                  .arg(info.recordCount));
-        d.logError();
-        return d.status;
-    }
+    if (!rolledBack.isEmpty())
+        d.log(0, "Open", rolledBack);
+    d.logNewFindings("Open");
+    if (d.file.info().countMismatch())
+        return d.set(StatusRecordCountMismatch, d.countMismatchText());
     return d.set(0, rolledBack);
 }
 
@@ -409,10 +445,11 @@ int DataAccessControl::Close()
         AbortTransaction();
     d.file.close();
     d.rows.clear();
+    d.logged = {};
     return d.set(0);
 }
 
-int DataAccessControl::positioned(recman::Status result, bool byStep)
+int DataAccessControl::positioned(recman::Status result, bool byStep, const char *operation)
 {
     Impl &d = *impl_;
     if (result == FileStatus::Success) {
@@ -422,7 +459,7 @@ int DataAccessControl::positioned(recman::Status result, bool byStep)
         for (DataAccessControl *detail : d.details)
             detail->followMaster();
     }
-    return d.fromFile(result);
+    return d.fromFile(result, operation);
 }
 
 void DataAccessControl::followMaster()
@@ -440,7 +477,8 @@ int DataAccessControl::GetEqual()
 {
     if (!impl_->requireOpen())
         return impl_->status;
-    return positioned(impl_->file.getEqual(impl_->index, impl_->file.keyValueOf(impl_->index, impl_->buffer)), false);
+    return positioned(impl_->file.getEqual(impl_->index, impl_->file.keyValueOf(impl_->index, impl_->buffer)), false,
+                      "GetEqual");
 }
 
 int DataAccessControl::GetGreaterOrEqual()
@@ -448,32 +486,32 @@ int DataAccessControl::GetGreaterOrEqual()
     if (!impl_->requireOpen())
         return impl_->status;
     return positioned(impl_->file.getGreaterOrEqual(impl_->index, impl_->file.keyValueOf(impl_->index, impl_->buffer)),
-                      false);
+                      false, "GetGreaterOrEqual");
 }
 
 int DataAccessControl::GetNext()
 {
-    return impl_->requireOpen() ? positioned(impl_->file.getNext(impl_->index), false) : impl_->status;
+    return impl_->requireOpen() ? positioned(impl_->file.getNext(impl_->index), false, "GetNext") : impl_->status;
 }
 
 int DataAccessControl::GetLast()
 {
-    return impl_->requireOpen() ? positioned(impl_->file.getLast(impl_->index), false) : impl_->status;
+    return impl_->requireOpen() ? positioned(impl_->file.getLast(impl_->index), false, "GetLast") : impl_->status;
 }
 
 int DataAccessControl::GetFirst()
 {
-    return impl_->requireOpen() ? positioned(impl_->file.getFirst(impl_->index), false) : impl_->status;
+    return impl_->requireOpen() ? positioned(impl_->file.getFirst(impl_->index), false, "GetFirst") : impl_->status;
 }
 
 int DataAccessControl::StepFirst()
 {
-    return impl_->requireOpen() ? positioned(impl_->file.stepFirst(), true) : impl_->status;
+    return impl_->requireOpen() ? positioned(impl_->file.stepFirst(), true, "StepFirst") : impl_->status;
 }
 
 int DataAccessControl::StepNext()
 {
-    return impl_->requireOpen() ? positioned(impl_->file.stepNext(), true) : impl_->status;
+    return impl_->requireOpen() ? positioned(impl_->file.stepNext(), true, "StepNext") : impl_->status;
 }
 
 int DataAccessControl::GetNextExtended()
@@ -508,8 +546,9 @@ int DataAccessControl::GetNextExtended()
     }
     d.blockStartsAtCurrent = false;
     if (d.rows.empty())
-        return d.fromFile(result);
+        return d.fromFile(result, "GetNextExtended");
     d.takeCurrentRecord();
+    d.logNewFindings("GetNextExtended");
     return d.status; // a value that could not be read in the block says so
 }
 
@@ -518,7 +557,7 @@ int DataAccessControl::Insert()
     Impl &d = *impl_;
     if (!d.requireWritable())
         return d.status;
-    return d.fromFile(d.file.insert(d.buffer));
+    return d.fromFile(d.file.insert(d.buffer), "Insert");
 }
 
 int DataAccessControl::Update()
@@ -526,7 +565,7 @@ int DataAccessControl::Update()
     Impl &d = *impl_;
     if (!d.requireWritable())
         return d.status;
-    return d.fromFile(d.file.update(d.buffer));
+    return d.fromFile(d.file.update(d.buffer), "Update");
 }
 
 int DataAccessControl::Delete()
@@ -534,7 +573,7 @@ int DataAccessControl::Delete()
     Impl &d = *impl_;
     if (!d.requireWritable())
         return d.status;
-    return d.fromFile(d.file.erase());
+    return d.fromFile(d.file.erase(), "Delete");
 }
 
 // One process owns the files; there is no other holder of a lock to release.
@@ -548,12 +587,12 @@ int DataAccessControl::BeginTransaction()
     Impl &d = *impl_;
     if (!d.requireOpen())
         return d.status;
-    return d.fromFile(d.file.beginGroup());
+    return d.fromFile(d.file.beginGroup(), "BeginTransaction");
 }
 
 int DataAccessControl::Endtransaction()
 {
-    return impl_->fromFile(impl_->file.endGroup());
+    return impl_->fromFile(impl_->file.endGroup(), "Endtransaction");
 }
 
 int DataAccessControl::endTransactions(std::span<DataAccessControl *const> controls)
@@ -569,5 +608,5 @@ int DataAccessControl::endTransactions(std::span<DataAccessControl *const> contr
 
 int DataAccessControl::AbortTransaction()
 {
-    return impl_->fromFile(impl_->file.abortGroup());
+    return impl_->fromFile(impl_->file.abortGroup(), "AbortTransaction");
 }

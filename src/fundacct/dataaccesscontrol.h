@@ -36,6 +36,10 @@ enum class Status : int;
 // not fit (text too long, a number out of range) is refused, never cut, and
 // the buffer keeps what it held. Text is stored in the installation's code
 // page (fundCodePage(), Windows-1252 unless set), as it was when Open ran.
+//
+// What the file engine finds wrong with the file (a free-slot chain that
+// loops, index pages it cannot use, ...) goes to the error log with the
+// file's path, once per Open: at Open, or after the operation that found it.
 class DataAccessControl {
 public:
     // Status codes of the control's own failures, beside the file engine's.
@@ -46,6 +50,8 @@ public:
         StatusBadFieldValue = 1004,     // value cannot be stored in the field (type, size)
         // Open: the file's header counts a different number of records than its
         // pages hold. The file is open and every record is read; the error log has it.
+        // Found by a later operation, it goes to the error log alone; that
+        // operation's status is its own.
         StatusRecordCountMismatch = 1005,
     };
 
@@ -148,7 +154,7 @@ public:
 
 private:
     // Takes a positioning result: the record into the buffer, joined controls follow.
-    int positioned(recman::Status result, bool byStep);
+    int positioned(recman::Status result, bool byStep, const char *operation);
     void followMaster();
 
     std::unique_ptr<Impl> impl_;

@@ -101,7 +101,7 @@ DialogControl::DialogControl(DialogControlKind kind, const QString &name, const 
         field_ = dropDown_->control(name);
         label = dropDown_->captionLabel(name);
         label->setVisible(!caption.isEmpty());
-        layout->takeAt(layout->count() - 1); // no stretch: the field takes the control's width
+        delete layout->takeAt(layout->count() - 1); // no stretch: the field takes the control's width
         break;
     }
     case DialogControlKind::CheckBox:

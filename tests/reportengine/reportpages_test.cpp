@@ -44,7 +44,7 @@ ReportTable budgetTable(int folders, int accounts, bool newPage = false)
         table.rows.push_back({RowKind::GroupHeader, 0, newPage, {QString("Folder %1 Header").arg(f + 1), "", "", "", ""}});
         Currency sum;
         for (int a = 0; a < accounts; ++a) {
-            const Currency amount = Currency::fromRaw(qint64(f + 1) * 12345670000 + a * 100012345);
+            const Currency amount = Currency::fromRaw(qint64(f + 1) * 12345670000 + qint64(a) * 100012345);
             sum += amount;
             table.rows.push_back({RowKind::Detail, 1, false,
                                   {account(f, a), QString("Account %1 of folder %2").arg(a).arg(f + 1),

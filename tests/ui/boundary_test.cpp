@@ -130,7 +130,7 @@ TEST_F(BoundaryTest, AnErrorWhileTheDialogIsOpenIsLoggedWithoutAnotherDialog)
             click(button);
     };
     click(button);
-    setMessageService(std::move(previous));
+    const auto ours = setMessageService(std::move(previous)); // still read below
 
     EXPECT_EQ(reentering.dialogs, 1);
     EXPECT_EQ(log.Count(), 2);
