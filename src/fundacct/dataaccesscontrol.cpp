@@ -602,7 +602,7 @@ int DataAccessControl::endTransactions(std::span<DataAccessControl *const> contr
         files.push_back(&control->impl_->file);
     const auto result = recman::File::endGroups(files);
     for (DataAccessControl *control : controls)
-        control->impl_->fromFile(result);
+        control->impl_->fromFile(result, "Endtransaction");
     return recman::statusNumber(result);
 }
 
