@@ -42,11 +42,17 @@ CachedPage PageCache::get(std::uint32_t physical)
     const std::uint64_t filePages = file_.size() / pageSize_;
     if (physical >= filePages)
         throw FormatError("page " + std::to_string(physical) + " lies beyond the end of the file");
-    // Read ahead only when the misses run in order, as a scan's do; a
-    // look-up down an index reads just the page it needs.
-    const std::uint32_t wanted = physical == nextInOrder_ ? runPages : 1;
-    const auto count = static_cast<std::uint32_t>(std::min<std::uint64_t>(wanted, filePages - physical));
-    nextInOrder_ = physical + count;
+    // Read ahead only when the misses run in order, as a scan's do (the page
+    // after the last run, or after the last single page); a look-up down an
+    // index, or of a variable tail in the middle of a scan, reads just the
+    // page it needs and leaves the scan's run where it was.
+    const bool inOrder = physical == nextInOrder_ || physical == lastSingle_ + 1;
+    const auto count =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(inOrder ? runPages : 1, filePages - physical));
+    if (inOrder)
+        nextInOrder_ = physical + count;
+    else
+        lastSingle_ = physical;
     run_.resize(std::size_t{count} * pageSize_);
     if (!file_.readAt(std::uint64_t{physical} * pageSize_, run_))
         throw FormatError("cannot read page " + std::to_string(physical));

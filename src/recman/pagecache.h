@@ -39,7 +39,8 @@ private:
     std::list<std::pair<std::uint32_t, CachedPage>> order_;
     std::unordered_map<std::uint32_t, decltype(order_)::iterator> entries_;
     std::vector<std::uint8_t> run_;
-    std::uint32_t nextInOrder_ = 1; // the page after the last run read
+    std::uint32_t nextInOrder_ = 1;          // the page after the last run read
+    std::uint32_t lastSingle_ = 0xFFFFFFFE;  // the last page read alone
     std::uint64_t epoch_ = 0;
 };
 
