@@ -8,6 +8,7 @@
 #include "installationschema.h"
 #include "objectsysparams.h"
 #include "sampleinstallation.h"
+#include "writelockholder.h"
 
 #include "bytes.h"
 #include "file.h"
@@ -191,24 +192,8 @@ TEST_F(LiveFileTest, TwoControlsOnOneFileSeeEachOthersWritesAndAnotherProgramsPo
 
 TEST_F(LiveFileTest, AFileAnotherProcessHoldsForWritingIsReadButNotWritten)
 {
-    const QString path = dataFile(QStringLiteral("building.btr"));
-    int ready[2];
-    int release[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    ASSERT_EQ(::pipe(release), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        recman::File holder;
-        const bool held =
-            holder.open(QFile::encodeName(path).toStdString(), recman::OpenMode::ReadWrite) == recman::Status::Success;
-        char byte = held ? 'y' : 'n';
-        (void)!::write(ready[1], &byte, 1);
-        (void)!::read(release[0], &byte, 1);
-        ::_exit(0);
-    }
-    char byte = 0;
-    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
-    ASSERT_EQ(byte, 'y');
+    const WriteLockHolder holder(QFile::encodeName(dataFile(QStringLiteral("building.btr"))).toStdString());
+    ASSERT_TRUE(holder.holds());
     const QByteArray before = bytesOf(QStringLiteral("building.btr"));
 
     DataAccessControl control;
@@ -222,11 +207,6 @@ TEST_F(LiveFileTest, AFileAnotherProcessHoldsForWritingIsReadButNotWritten)
     EXPECT_EQ(control.Insert(), 85);
     EXPECT_EQ(control.Delete(), 85);
     EXPECT_EQ(bytesOf(QStringLiteral("building.btr")), before);
-
-    (void)!::write(release[1], &byte, 1);
-    ::waitpid(child, nullptr, 0);
-    for (int fd : {ready[0], ready[1], release[0], release[1]})
-        ::close(fd);
 }
 
 TEST_F(LiveFileTest, ATransactionCutShortByACrashIsRolledBackAtTheNextOpen)

@@ -4,6 +4,7 @@
 #include "file.h"
 #include "oldformatfile.h"
 #include "recmantest.h"
+#include "writelockholder.h"
 
 #include <gtest/gtest.h>
 
@@ -162,21 +163,8 @@ TEST(OutsideWriter, AFileAnotherProcessHoldsForWritingIsLocked)
 {
     LiveOldFile live;
     live.file.close();
-    int ready[2];
-    int release[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    ASSERT_EQ(::pipe(release), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        File holder;
-        char byte = holder.open(live.path, OpenMode::ReadWrite) == Status::Success ? 'y' : 'n';
-        (void)!::write(ready[1], &byte, 1);
-        (void)!::read(release[0], &byte, 1);
-        ::_exit(0);
-    }
-    char byte = 0;
-    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
-    ASSERT_EQ(byte, 'y');
+    WriteLockHolder holder(live.path);
+    ASSERT_TRUE(holder.holds());
     File file;
     EXPECT_EQ(file.open(live.path, OpenMode::ReadWrite), Status::FileInUse);
     EXPECT_NE(file.lastMessage().find("File Locked by other process"), std::string::npos) << file.lastMessage();
@@ -185,10 +173,7 @@ TEST(OutsideWriter, AFileAnotherProcessHoldsForWritingIsLocked)
     File writer;
     EXPECT_EQ(writer.open(live.path, OpenMode::ReadWrite), Status::FileInUse);
 
-    (void)!::write(release[1], &byte, 1);
-    ::waitpid(child, nullptr, 0);
-    for (int fd : {ready[0], ready[1], release[0], release[1]})
-        ::close(fd);
+    holder.release();
     EXPECT_EQ(writer.open(live.path, OpenMode::ReadWrite), Status::Success) << writer.lastMessage();
 }
 
